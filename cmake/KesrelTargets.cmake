@@ -1,0 +1,65 @@
+# Functions that make our targets, so that each folder's CMakeLists.txt says only what it holds and links.
+
+# Flags of all our own code.
+add_library(kesrel_flags INTERFACE)
+target_compile_features(kesrel_flags INTERFACE cxx_std_20)
+target_compile_options(kesrel_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  # A fused multiply-add rounds once where the code says twice; results must not depend on the compiler's choice.
+  -ffp-contract=off
+  # Nothing leaves the module but its entry point.
+  -fvisibility=hidden)
+if(KESREL_LIBRARY_ASSERTIONS)
+  target_compile_definitions(kesrel_flags INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
+if(KESREL_SANITIZERS)
+  add_compile_options(-fsanitize=${KESREL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KESREL_SANITIZERS})
+endif()
+
+# kesrel_library(NAME SOURCES ... LINKS ...)
+#   A static library of one folder. LINKS is what its headers and sources may include.
+function(kesrel_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_library(${name} STATIC ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:kesrel_flags>)
+endfunction()
+
+# kesrel_program(NAME SOURCES ... LINKS ...)
+function(kesrel_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_executable(${name} ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} kesrel_flags)
+endfunction()
+
+# kesrel_tests(NAME SOURCES ... LINKS ...)
+#   A test program of one folder. A *_test.cpp that stands in the folder but not in the list stops the configuration,
+#   so that no test is left out unseen.
+function(kesrel_tests name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  file(GLOB present RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *_test.cpp)
+  list(REMOVE_ITEM present ${arg_SOURCES})
+  if(present)
+    message(FATAL_ERROR "Tests that ${name} does not list: ${present}")
+  endif()
+  kesrel_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+endfunction()
+
+# kesrel_embed(TARGET SYMBOL FILE)
+#   Makes the bytes of FILE part of TARGET, as declared by
+#     extern const signed char SYMBOL[]; extern const unsigned int SYMBOL_size;
+function(kesrel_embed target symbol file)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.cpp)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND ${CMAKE_COMMAND} -D FILE=${file} -D SYMBOL=${symbol} -D OUTPUT=${source}
+            -P ${PROJECT_SOURCE_DIR}/cmake/embed_bytes.cmake
+    DEPENDS ${file} ${PROJECT_SOURCE_DIR}/cmake/embed_bytes.cmake
+    VERBATIM)
+  target_sources(${target} PRIVATE ${source})
+endfunction()
