@@ -1,0 +1,18 @@
+// MIT License. Makes one sample loop, from its instrument to its bytes.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tools/loop_tone.h"
+
+struct sample_loop {
+  const char* instrument;
+  tone sound;
+  double tilt;                  // that gives the largest step
+  std::vector<int16_t> source;  // what the bytes stand for
+  std::vector<int8_t> bytes;
+};
+
+// Makes loop 0 to 5; the same bytes at every call. Takes up to a second or two.
+sample_loop make_sample_loop(int32_t loop);
