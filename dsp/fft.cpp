@@ -1,0 +1,339 @@
+// MIT License. Complex FFT of power-of-two size, in place and in single precision.
+#include "dsp/fft.h"
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <numbers>
+#include <utility>
+
+#include "dsp/convert.h"
+
+// Decimation in time: the samples are permuted into bit-reversed order, then stages of growing span combine them. With
+// M = log2(N), the permutation does the first radix-2 stage, radix-8 stages do the last 3 * ((M - 1) / 3), and what is
+// left between them is one radix-2 or radix-4 stage of span 2, whose twiddles are plain constants.
+
+namespace {
+
+// Four floats that are added and multiplied lane by lane; no lane depends on another, so the width doesn't show in the
+// results.
+using float4 = float __attribute__((vector_size(16)));
+
+float4 load4(const float* from) {
+  float4 value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
+}
+
+void store4(float4 value, float* to) {
+  std::memcpy(to, &value, sizeof value);
+}
+
+float4 splat(float value) {
+  return float4{value, value, value, value};
+}
+
+// Direction of a transform: the sign of the exponent.
+constexpr int forward = -1;
+constexpr int inverse = 1;
+
+// [i] is i with its eight bits in reverse.
+constexpr std::array<uint8_t, 256> k_reversed_byte = [] {
+  std::array<uint8_t, 256> table{};
+  for (unsigned i = 0; i < table.size(); ++i) {
+    for (unsigned bit = 0; bit < 8; ++bit) table[i] |= static_cast<uint8_t>(((i >> bit) & 1u) << (7 - bit));
+  }
+  return table;
+}();
+
+// --- Permutation and first stage ---
+
+// A group of four samples: those whose indices differ in the top and the bottom bit only, with `m` between. In memory
+// it is two runs of two neighbouring points. Reversal sends the group to the group of the reversed m, and swaps top and
+// bottom bit within.
+struct group {
+  float4 low;   // top bit 0
+  float4 high;  // top bit 1
+};
+
+group load_group(const float* data, int32_t size, int32_t m) {
+  return {load4(data + 4 * m), load4(data + size + 4 * m)};
+}
+
+// The first butterfly joins the points that differ in the top bit. They become neighbours in the reversed order.
+template <int direction>
+void store_butterflies(const group& in, float4 scale, int32_t size, int32_t m, float* data) {
+  float4 sum = in.low + in.high;
+  float4 difference = in.low - in.high;
+  if constexpr (direction == inverse) {
+    sum *= scale;
+    difference *= scale;
+  }
+  store4(__builtin_shufflevector(sum, difference, 0, 1, 4, 5), data + 4 * m);
+  store4(__builtin_shufflevector(sum, difference, 2, 3, 6, 7), data + size + 4 * m);
+}
+
+// Reverses the M - 2 bits of m in two halves that trade places; an odd M leaves one bit in the middle as it is.
+template <int direction>
+void permute_and_first_stage(int32_t log2_size, float* data) {
+  const int32_t size = 1 << log2_size;
+  const int32_t half_bits = log2_size / 2 - 1;
+  const int32_t shift = 9 - log2_size / 2;
+  const int32_t middle_count = 1 << (log2_size % 2);
+  const int32_t high_shift = half_bits + log2_size % 2;
+  const float4 scale = splat(static_cast<float>(1.0 / size));
+  for (int32_t high = 0; high < 1 << half_bits; ++high) {
+    const int32_t reversed_high = k_reversed_byte[static_cast<size_t>(high)] >> shift;
+    for (int32_t middle = 0; middle < middle_count; ++middle) {
+      for (int32_t low = 0; low < 1 << half_bits; ++low) {
+        const int32_t reversed_low = k_reversed_byte[static_cast<size_t>(low)] >> shift;
+        const int32_t m = high << high_shift | middle << half_bits | low;
+        const int32_t partner = reversed_low << high_shift | middle << half_bits | reversed_high;
+        if (partner < m) continue;  // exchanged before
+        const group here = load_group(data, size, m);
+        const group there = load_group(data, size, partner);
+        store_butterflies<direction>(here, scale, size, partner, data);
+        store_butterflies<direction>(there, scale, size, m, data);
+      }
+    }
+  }
+}
+
+// --- Stages of span 2 without a table ---
+
+float4 swap_parts(float4 points) {
+  return __builtin_shufflevector(points, points, 1, 0, 3, 2);
+}
+
+// Two points times 1 and times e^(i pi/2), the twiddles of span 2.
+template <int direction>
+float4 turn_span2(float4 points) {
+  constexpr float sign = direction;
+  return __builtin_shufflevector(points, points, 0, 1, 3, 2) * float4{1.0f, 1.0f, -sign, sign};
+}
+
+template <int direction>
+void radix2_stage(int32_t size, float* data) {
+  for (float* block = data; block < data + 2 * size; block += 8) {
+    const float4 a = load4(block);
+    const float4 b = turn_span2<direction>(load4(block + 4));
+    store4(a + b, block);
+    store4(a - b, block + 4);
+  }
+}
+
+// Spans 2 and 4 in one pass over blocks of eight points.
+template <int direction>
+void radix4_stage(int32_t size, float* data) {
+  constexpr float sign = direction;
+  constexpr float r = 0.70710677f;  // sqrt(1/2)
+  for (float* block = data; block < data + 2 * size; block += 16) {
+    const float4 a = load4(block);
+    const float4 b = turn_span2<direction>(load4(block + 4));
+    const float4 c = load4(block + 8);
+    const float4 d = turn_span2<direction>(load4(block + 12));
+    const float4 even0 = a + b;
+    const float4 even1 = a - b;
+    const float4 odd0 = c + d;
+    const float4 odd1 = c - d;
+    // Twiddles of span 4: eighths 0 and 1 of a turn, then 2 and 3.
+    const float4 turned0 = odd0 * float4{1.0f, 1.0f, r, r} + swap_parts(odd0) * float4{0.0f, 0.0f, -sign * r, sign * r};
+    const float4 turned1 =
+        odd1 * float4{0.0f, 0.0f, -r, -r} + swap_parts(odd1) * float4{-sign, sign, -sign * r, sign * r};
+    store4(even0 + turned0, block);
+    store4(even1 + turned1, block + 4);
+    store4(even0 - turned0, block + 8);
+    store4(even1 - turned1, block + 12);
+  }
+}
+
+// --- Radix-8 stages ---
+
+// Four points apart: one from each of four columns of butterflies.
+struct points {
+  float4 re;
+  float4 im;
+};
+
+// Twiddles of four columns, as cosine and sine of angles from 0 to pi.
+struct twiddle {
+  float4 cosine;
+  float4 sine;
+};
+
+// A quarter turn on.
+twiddle quarter_turned(const twiddle& w) {
+  return {-w.sine, w.cosine};
+}
+
+// Cosine and sine of 2 pi `index` / size for `index` from 0 to size / 2, from the quarter wave alone.
+std::pair<float, float> cosine_and_sine(int32_t index, int32_t size, const float* table) {
+  const int32_t quarter = size / 4;
+  const float cosine = index <= quarter ? table[index] : -table[2 * quarter - index];
+  return {cosine, table[std::abs(quarter - index)]};
+}
+
+// The columns of one pass, by the table index of their angle. Evenly spaced columns that stay within one quarter at
+// every span have plain runs of the table for cosines and sines.
+struct column_index {
+  std::array<int32_t, 4> index;
+  bool evenly_spaced;
+};
+
+float4 load_run(const float* first, int32_t step) {
+  return float4{first[0], first[step], first[2 * step], first[3 * step]};
+}
+
+twiddle load_twiddle_run(int32_t first, int32_t step, int32_t size, const float* table) {
+  const int32_t quarter = size / 4;
+  if (first < quarter) return {load_run(table + first, step), load_run(table + quarter - first, -step)};
+  return {-load_run(table + 2 * quarter - first, -step), load_run(table + first - quarter, step)};
+}
+
+twiddle load_twiddle(const column_index& columns, int32_t factor, int32_t offset, int32_t size, const float* table) {
+  const auto& index = columns.index;
+  if (columns.evenly_spaced) {
+    return load_twiddle_run(factor * index[0] + offset, factor * (index[1] - index[0]), size, table);
+  }
+  twiddle w;
+  for (int lane = 0; lane < 4; ++lane) {
+    const auto [cosine, sine] = cosine_and_sine(factor * index[static_cast<size_t>(lane)] + offset, size, table);
+    w.cosine[lane] = cosine;
+    w.sine[lane] = sine;
+  }
+  return w;
+}
+
+// Twiddles of the three spans that a radix-8 butterfly joins: L, 2L and 4L, each with angle proportional to the column.
+struct twiddle_set {
+  twiddle span1;
+  twiddle span2, span2_quarter;
+  twiddle span4, span4_eighth, span4_quarter, span4_three_eighths;
+};
+
+twiddle_set load_twiddles(const column_index& columns, int32_t size, const float* table) {
+  twiddle_set w;
+  w.span1 = load_twiddle(columns, 4, 0, size, table);
+  w.span2 = load_twiddle(columns, 2, 0, size, table);
+  w.span2_quarter = quarter_turned(w.span2);
+  w.span4 = load_twiddle(columns, 1, 0, size, table);
+  w.span4_eighth = load_twiddle(columns, 1, size / 8, size, table);
+  w.span4_quarter = quarter_turned(w.span4);
+  w.span4_three_eighths = quarter_turned(w.span4_eighth);
+  return w;
+}
+
+// (a, b) becomes (a + w b, a - w b). The sum is taken as 2a less the difference, which needs w b no second time.
+template <int direction>
+inline void butterfly(const twiddle& w, points& a, points& b) {
+  points turned;
+  if constexpr (direction == forward) {
+    turned.re = b.re * w.cosine + b.im * w.sine;
+    turned.im = b.im * w.cosine - b.re * w.sine;
+  } else {
+    turned.re = b.re * w.cosine - b.im * w.sine;
+    turned.im = b.im * w.cosine + b.re * w.sine;
+  }
+  const points difference = {a.re - turned.re, a.im - turned.im};
+  a.re = 2.0f * a.re - difference.re;
+  a.im = 2.0f * a.im - difference.im;
+  b = difference;
+}
+
+template <int direction>
+inline void radix8_butterfly(const twiddle_set& w, std::array<points, 8>& x) {
+  butterfly<direction>(w.span1, x[0], x[1]);
+  butterfly<direction>(w.span1, x[2], x[3]);
+  butterfly<direction>(w.span1, x[4], x[5]);
+  butterfly<direction>(w.span1, x[6], x[7]);
+
+  butterfly<direction>(w.span2, x[0], x[2]);
+  butterfly<direction>(w.span2_quarter, x[1], x[3]);
+  butterfly<direction>(w.span2, x[4], x[6]);
+  butterfly<direction>(w.span2_quarter, x[5], x[7]);
+
+  butterfly<direction>(w.span4, x[0], x[4]);
+  butterfly<direction>(w.span4_eighth, x[1], x[5]);
+  butterfly<direction>(w.span4_quarter, x[2], x[6]);
+  butterfly<direction>(w.span4_three_eighths, x[3], x[7]);
+}
+
+// Where the four columns of one pass lie. From span 4 on they are neighbours in one block. Span 2 has two columns only,
+// so two blocks go together; in a signal of a single block (16 points) that block stands in for both.
+struct column_layout {
+  std::array<int32_t, 4> columns;  // relative to the pass's first column
+  int32_t second_pair;             // floats from the first two columns to the other two
+  int32_t block_step;              // points from pass to pass
+};
+
+column_layout layout_of(int32_t span, int32_t size) {
+  const int32_t block = 8 * span;
+  if (span > 2) return {{0, 1, 2, 3}, 4, block};
+  if (size == block) return {{0, 1, 0, 1}, 0, block};
+  return {{0, 1, 0, 1}, 2 * block, 2 * block};
+}
+
+template <int direction>
+void radix8_pass(const twiddle_set& w, int32_t span, int32_t second_pair, float* first) {
+  std::array<points, 8> x;
+  for (int32_t p = 0; p < 8; ++p) {
+    const float4 a = load4(first + 2 * span * p);
+    const float4 b = load4(first + 2 * span * p + second_pair);
+    x[static_cast<size_t>(p)] = {__builtin_shufflevector(a, b, 0, 2, 4, 6), __builtin_shufflevector(a, b, 1, 3, 5, 7)};
+  }
+  radix8_butterfly<direction>(w, x);
+  for (int32_t p = 0; p < 8; ++p) {
+    const auto& [re, im] = x[static_cast<size_t>(p)];
+    store4(__builtin_shufflevector(re, im, 0, 4, 1, 5), first + 2 * span * p);
+    store4(__builtin_shufflevector(re, im, 2, 6, 3, 7), first + 2 * span * p + second_pair);
+  }
+}
+
+// Joins eight transforms of `span` points each into one of 8 * span, throughout the signal.
+template <int direction>
+void radix8_stage(int32_t span, int32_t size, const float* table, float* data) {
+  const column_layout layout = layout_of(span, size);
+  const int32_t stride = size / (8 * span);
+  for (int32_t column = 0; column < span; column += 4) {
+    column_index columns{{}, span >= 8};
+    for (size_t lane = 0; lane < 4; ++lane) columns.index[lane] = (column + layout.columns[lane]) * stride;
+    const twiddle_set w = load_twiddles(columns, size, table);
+    for (int32_t block = 0; block < size; block += layout.block_step) {
+      radix8_pass<direction>(w, span, layout.second_pair, data + 2 * (block + column));
+    }
+  }
+}
+
+template <int direction>
+void transform(float* data, int32_t log2_size, const float* table) {
+  const int32_t size = 1 << log2_size;
+  const int32_t radix8_stages = (log2_size - 1) / 3;
+  const int32_t remainder = (log2_size - 1) % 3;
+  permute_and_first_stage<direction>(log2_size, data);
+  if (remainder == 1) radix2_stage<direction>(size, data);
+  if (remainder == 2) radix4_stage<direction>(size, data);
+  int32_t span = 2 << remainder;
+  for (int32_t stage = 0; stage < radix8_stages; ++stage, span *= 8) radix8_stage<direction>(span, size, table, data);
+}
+
+}  // namespace
+
+int32_t fft_cos_table_init(int32_t* log2_size, int32_t size, float* table) {
+  const float log_of_size = static_cast<float>(std::log(static_cast<double>(size)));
+  const int32_t exponent = truncate_to_int32(log_of_size / std::numbers::ln2 + 0.5);
+  *log2_size = exponent;
+  if (exponent < fft_min_log2_size || exponent > fft_max_log2_size || 1 << exponent != size) return 1;
+  for (int32_t i = 0; i <= size / 4; ++i) {
+    table[i] = static_cast<float>(std::cos(i * (2.0 * std::numbers::pi) / size));
+  }
+  return 0;
+}
+
+void fft_forward(float* data, int32_t log2_size, const float* table) {
+  transform<forward>(data, log2_size, table);
+}
+
+void fft_inverse(float* data, int32_t log2_size, const float* table) {
+  transform<inverse>(data, log2_size, table);
+}

@@ -1,0 +1,18 @@
+// MIT License. The random source of noise and random phases: a 15-bit linear congruential generator per thread.
+#pragma once
+
+#include <cstdint>
+
+// State of the calling thread's generator. It starts at 1 and nothing seeds it, so that a render can be repeated.
+// The initial-exec model keeps its four bytes in the thread's own block: the general model may call the heap at a
+// thread's first access from a loaded module, which would be on the audio path.
+[[gnu::tls_model("initial-exec")]] inline constinit thread_local uint32_t noise_state = 1;
+
+// Next pseudo-random number of the calling thread, 0 to 32767.
+//   formula  state = state * 214013 + 2531011 modulo 2^32, result in bits 16 to 30. Full period 2^32: the increment is
+//            odd and the multiplier is 1 modulo 4 (Knuth, The Art of Computer Programming 2, theorem 3.2.1.2 A). The
+//            low bits of such a generator are poor and are left out
+inline int32_t noise_rand() {
+  noise_state = noise_state * 214013u + 2531011u;
+  return static_cast<int32_t>((noise_state >> 16) & 0x7fffu);
+}

@@ -1,0 +1,295 @@
+// MIT License. The carrier's oscillators: from parameters to pitch, and one sample of one note.
+#include "dsp/oscillators.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <span>
+
+#include "dsp/convert.h"
+#include "dsp/wave_store.h"
+
+namespace {
+
+// --- Commit ---
+
+// Everything that stays as it is for the life of the record.
+void first_commit(wsyn_state* state) {
+  state->magic = wsyn_magic;
+  state->bend = 1.0f;
+  state->output_level = 1.0f;
+  wsyn_build_loop0(state);
+  wsyn_build_loop1(state);
+  wsyn_build_loop2(state);
+  wsyn_build_loop3(state);
+  wsyn_build_loop4(state);
+  wsyn_build_loop5(state);
+  wsyn_build_loop6(state);
+  wsyn_load_voice_wave1(state);
+  wsyn_load_voice_wave2(state);
+  wsyn_build_sine_table(state);
+}
+
+// Loads what has changed. A change of mode reloads both oscillators, as the tables of the other kind may be stale. A
+// mode that isn't a number loads nothing.
+void commit_tables(const float* params, bool mode_changed, wsyn_state* state) {
+  const bool reload = mode_changed || state->initialised == 0;
+  const bool loops = state->mode >= 0.5f;
+  const bool shapes = state->mode < 0.5f;
+  const int32_t wanted1 = truncate_to_int32(params[wsyn_param_wave_select1]);
+  const int32_t wanted2 = truncate_to_int32(params[wsyn_param_wave_select2]);
+  if ((loops || shapes) && (reload || wanted1 != state->wave1)) {
+    state->wave1 = wanted1;
+    loops ? wsyn_load_voice_wave1(state) : wsyn_fill_shape(wanted1, state->shape1);
+  }
+  if ((loops || shapes) && (reload || wanted2 != state->wave2)) {
+    state->wave2 = wanted2;
+    loops ? wsyn_load_voice_wave2(state) : wsyn_fill_shape(wanted2, state->shape2);
+  }
+}
+
+void copy_controls(const float* params, wsyn_state* state) {
+  state->rate_ratio = params[wsyn_param_rate_ratio];
+  state->sync = params[wsyn_param_sync];
+  state->ring = params[wsyn_param_ring];
+  state->coarse1 = params[wsyn_param_coarse1];
+  state->fine1 = params[wsyn_param_fine1];
+  state->pitch_source1 = params[wsyn_param_pitch_source1];
+  state->pitch_depth1 = params[wsyn_param_pitch_depth1];
+  state->lfo_control1 = params[wsyn_param_lfo_rate1];
+  state->coarse2 = params[wsyn_param_coarse2];
+  state->fine2 = params[wsyn_param_fine2];
+  state->pitch_source2 = params[wsyn_param_pitch_source2];
+  state->pitch_depth2 = params[wsyn_param_pitch_depth2];
+  state->lfo_control2 = params[wsyn_param_lfo_rate2];
+}
+
+float octave_divisor(int32_t octave) {
+  switch (octave) {
+    case -2:
+      return 4.0f;
+    case -1:
+      return 2.0f;
+    case 1:
+      return 0.5f;
+    case 2:
+      return 0.25f;
+    default:
+      return 1.0f;
+  }
+}
+
+// Phase step of note 60 before tuning: 3.0375 entries at 440 Hz. The limits stop the reference pitch below 290 Hz and
+// above 579 Hz; they also give a pitch that isn't a number a meaning.
+double base_step(float scaled_pitch) {
+  constexpr double fourth_root_of_2 = 1.189207115002721;   // three semitones: from A up to C, octaves aside
+  constexpr double entries_per_hz = 0.005804988662131519;  // 256 / 44100
+  return std::min(std::max(2.0, fourth_root_of_2 * scaled_pitch * entries_per_hz), 4.0);
+}
+
+// A pitch correction that depends on what is played: loops are brought to their root key, shapes 2 cents down.
+double tuning_offset(float mode, float wave_select) {
+  constexpr double shape_offset = -0.0016666666666666668;
+  if (!(mode > 0.5f)) return shape_offset;
+  const int32_t wave = truncate_to_int32(wave_select);
+  return wave >= 0 && wave < sample_loop_count ? sample_loops[static_cast<size_t>(wave)].octave_offset : 0.0;
+}
+
+// Octaves. The rounding of each product to float is part of the tuning.
+double tune(float coarse, float fine, double offset) {
+  const float fine_octaves = fine * 0.00083333335f;    // 1 / 1200
+  const float coarse_octaves = coarse * 0.083333336f;  // 1 / 12
+  return static_cast<double>(fine_octaves) + static_cast<double>(coarse_octaves) + offset;
+}
+
+void fill_note_ratios(double tune, std::span<double, wsyn_voice_count> ratios) {
+  for (int32_t note = 0; note < wsyn_voice_count; ++note) {
+    ratios[static_cast<size_t>(note)] = std::exp2((note - 60) * 0.08333333333333333 + tune);
+  }
+}
+
+void commit_pitch(const float* params, wsyn_state* state) {
+  state->scaled_pitch = params[wsyn_param_reference_pitch] * state->rate_ratio;
+  state->base_step = base_step(state->scaled_pitch);
+  state->octave_divisor = octave_divisor(truncate_to_int32(params[wsyn_param_octave]));
+  state->tune1 = tune(state->coarse1, state->fine1, tuning_offset(state->mode, params[wsyn_param_wave_select1]));
+  state->tune2 = tune(state->coarse2, state->fine2, tuning_offset(state->mode, params[wsyn_param_wave_select2]));
+  fill_note_ratios(state->tune1, state->note_ratio1);
+  fill_note_ratios(state->tune2, state->note_ratio2);
+  state->lfo_step1 = state->lfo_control1 * state->lfo_control1 * 128.0f;
+  state->lfo_step2 = state->lfo_control2 * state->lfo_control2 * 128.0f;
+}
+
+// --- Filter ---
+
+float smoothed_cutoff(const wsyn_state& state) {
+  return (state.cutoff_now * 3000.0f + state.cutoff_target) * 0.00033322227f;  // 1 / 3001
+}
+
+void derive_filter(wsyn_state* state) {
+  const float c = state->cutoff_now;
+  const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0f - c), 6.0)) * 100.0f;
+  state->filter_feedback = feedback;
+  state->filter_scale = 1.0f / (feedback + 1.0f);
+  state->filter_amount = (c + 1.0f) * 0.5f * state->filter_gain;
+}
+
+void commit_filter(const float* params, wsyn_state* state) {
+  const float resonance = params[wsyn_param_resonance];
+  state->cutoff_target = params[wsyn_param_cutoff] * 0.8f;
+  state->filter_gain = static_cast<float>((resonance * 2.0f - resonance * resonance) * 2.2079999999999997);
+  state->shaper_drive = params[wsyn_param_drive] * 4.0f;
+  state->cutoff_now = smoothed_cutoff(*state);
+  derive_filter(state);
+}
+
+// --- Rendering ---
+
+// Wraps a step short of the cycle's 1024, which makes the shapes sound 1.7 cents sharp; shapes are tuned down for it.
+constexpr float k_shape_wrap = 1023.0f;
+
+// What the render functions differ in.
+enum class coupling { free, sync };
+enum class mixing { sum, ring };
+
+float phase_step(double modulation, float ratio, float octave_reciprocal, const wsyn_state& state) {
+  const double step = static_cast<double>(state.bend) * modulation * static_cast<double>(ratio) * state.base_step;
+  return std::fabs(static_cast<float>(step)) * octave_reciprocal;
+}
+
+// Linear interpolation at `phase`; 0 where the table has no two neighbours.
+template <size_t entries>
+double read(const float (&table)[entries], float phase) {
+  const int32_t i = truncate_to_int32(phase);
+  if (static_cast<uint32_t>(i) >= entries - 1) return 0.0;
+  const double here = table[i];
+  const double next = table[i + 1];
+  return here + (next - here) * (static_cast<double>(phase) - i);
+}
+
+// Moves `phase` on, back by one wrap length if it passes it, and tells whether it did.
+bool advance(float step, float wrap, float* phase) {
+  const double next = static_cast<double>(*phase) + static_cast<double>(step);
+  const bool wrapped = next > static_cast<double>(wrap);
+  *phase = static_cast<float>(wrapped ? next - static_cast<double>(wrap) : next);
+  return wrapped;
+}
+
+// Waveshaper of odd symmetry around |y| = 0.5; it leaves |y| of 0.25, 0.5 and 0.75 alone.
+float shaped(double y, float drive) {
+  const float s = std::fabs(static_cast<float>(y)) - 0.5f;
+  return static_cast<float>(y + static_cast<double>((std::fabs(s) - 0.25f) * drive * s));
+}
+
+template <size_t entries, coupling oscillators, mixing mix>
+float render(const float (&table1)[entries], const float (&table2)[entries], float wrap1, float wrap2, float ratio1,
+             float ratio2, voice_record* voice, const wsyn_state& state) {
+  const float octave_reciprocal = 1.0f / state.octave_divisor;
+  const float step1 = phase_step(state.pitch_mod1, ratio1, octave_reciprocal, state);
+  const float step2 = phase_step(state.pitch_mod2, ratio2, octave_reciprocal, state);
+
+  const double y1 = read(table1, voice->phase1);
+  const bool wrapped = advance(step1, wrap1, &voice->phase1);
+  if (oscillators == coupling::sync && wrapped) voice->phase2 = 0.0f;
+  const double y2 = read(table2, voice->phase2);
+  advance(step2, wrap2, &voice->phase2);
+
+  return shaped(mix == mixing::ring ? y1 * y2 : y1 + y2, state.shaper_drive);
+}
+
+template <coupling oscillators, mixing mix>
+float render_shapes(float ratio1, float ratio2, voice_record* voice, const wsyn_state& state) {
+  return render<wsyn_shape_entries, oscillators, mix>(state.shape1, state.shape2, k_shape_wrap, k_shape_wrap, ratio1,
+                                                      ratio2, voice, state);
+}
+
+// --- Pitch modulation ---
+
+// Position of one LFO: reads its sine and moves on.
+double lfo_value(const wsyn_state& state, float step, float* phase) {
+  const int32_t i = truncate_to_int32(*phase);
+  const bool inside = i >= 0 && i < wsyn_sine_entries;
+  *phase += step;
+  if (*phase >= static_cast<float>(wsyn_sine_entries)) *phase -= static_cast<float>(wsyn_sine_entries);
+  return inside ? static_cast<double>(state.sine_table[i]) : 0.0;
+}
+
+double pitch_modulation(float source, float depth, float lfo_step, float level, int32_t crossings,
+                        const wsyn_state& state, float* lfo_phase) {
+  constexpr double per_crossing = 0.01594387755102041;  // 1 / 62.72
+  if (source == 0.0f) return lfo_value(state, lfo_step, lfo_phase) * static_cast<double>(depth) + 1.0;
+  if (source == 1.0f) return static_cast<double>(level) * static_cast<double>(depth) + 1.0;
+  if (source == 2.0f) {
+    return static_cast<double>(static_cast<float>(crossings * per_crossing)) * static_cast<double>(depth) + 1.0;
+  }
+  return 1.0;
+}
+
+}  // namespace
+
+void wsyn_commit(const float* params, wsyn_state* state) {
+  const float mode = params[wsyn_param_sampled];
+  const bool mode_changed = truncate_to_int32(state->mode) != truncate_to_int32(mode);
+  state->mode = mode;
+  state->committing = 1;
+  if (state->initialised == 0) first_commit(state);
+  commit_tables(params, mode_changed, state);
+  copy_controls(params, state);
+  commit_pitch(params, state);
+  commit_filter(params, state);
+  state->initialised = 1;
+  state->committing = 0;
+}
+
+void wsyn_select_render(wsyn_state* state) {
+  if (state->render == nullptr) state->render = render_sum;
+  const bool sync = state->sync > 0.5f;
+  const bool ring = state->ring > 0.5f;
+  const bool no_sync = state->sync < 0.5f;
+  const bool no_ring = state->ring < 0.5f;
+  if (state->mode > 0.5f) {
+    state->render = render_sampled;
+  } else if (state->mode < 0.5f) {
+    if (no_sync && no_ring) state->render = render_sum;
+    if (no_sync && ring) state->render = render_ring;
+    if (sync && no_ring) state->render = render_sum_sync;
+    if (sync && ring) state->render = render_ring_sync;
+  }
+}
+
+float render_sum(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
+  return render_shapes<coupling::free, mixing::sum>(ratio1, ratio2, voice, *state);
+}
+
+float render_sum_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
+  return render_shapes<coupling::sync, mixing::sum>(ratio1, ratio2, voice, *state);
+}
+
+float render_ring_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
+  return render_shapes<coupling::sync, mixing::ring>(ratio1, ratio2, voice, *state);
+}
+
+float render_ring(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
+  return render_shapes<coupling::free, mixing::ring>(ratio1, ratio2, voice, *state);
+}
+
+float render_sampled(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
+  return render<wsyn_voice_wave_entries, coupling::free, mixing::sum>(
+      state->voice_wave1, state->voice_wave2, static_cast<float>(state->wrap1), static_cast<float>(state->wrap2),
+      ratio1, ratio2, voice, *state);
+}
+
+void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
+  state->pitch_mod1 = pitch_modulation(state->pitch_source1, state->pitch_depth1, state->lfo_step1, level, crossings,
+                                       *state, &state->lfo_phase1);
+  state->pitch_mod2 = pitch_modulation(state->pitch_source2, state->pitch_depth2, state->lfo_step2, level, crossings,
+                                       *state, &state->lfo_phase2);
+}
+
+void wsyn_advance_filter(wsyn_state* state) {
+  const float next = smoothed_cutoff(*state);
+  // Settled: the derived values would come out the same, and the power is dear at one a sample.
+  if (std::bit_cast<uint32_t>(next) == std::bit_cast<uint32_t>(state->cutoff_now)) return;
+  state->cutoff_now = next;
+  derive_filter(state);
+}

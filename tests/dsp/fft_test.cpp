@@ -1,0 +1,144 @@
+// MIT License. Tests of the complex FFT against a plain transform in double precision.
+#include "dsp/fft.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace {
+
+using signal = std::vector<std::complex<double>>;
+
+// A table with its exponent, as callers keep them.
+struct prepared {
+  explicit prepared(int32_t size) : table(static_cast<size_t>(size / 4 + 1)) {
+    EXPECT_EQ(fft_cos_table_init(&log2_size, size, table.data()), 0);
+  }
+  int32_t log2_size = 0;
+  std::vector<float> table;
+};
+
+// Circular complex noise of unit variance.
+std::vector<float> noise(int32_t size, unsigned seed) {
+  std::mt19937 generator(seed);
+  std::normal_distribution<float> distribution(0.0f, std::numbers::sqrt2_v<float> / 2.0f);
+  std::vector<float> data(static_cast<size_t>(2 * size));
+  for (float& x : data) x = distribution(generator);
+  return data;
+}
+
+// The definition of the transform; every twiddle is computed for itself, modulo the period.
+signal plain_transform(const std::vector<float>& data, int sign) {
+  const size_t size = data.size() / 2;
+  signal turn(size);
+  for (size_t i = 0; i < size; ++i) {
+    turn[i] = std::polar(1.0, sign * 2.0 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(size));
+  }
+  signal result(size);
+  for (size_t k = 0; k < size; ++k) {
+    for (size_t n = 0; n < size; ++n) {
+      result[k] += std::complex<double>(data[2 * n], data[2 * n + 1]) * turn[n * k % size];
+    }
+  }
+  return result;
+}
+
+// Largest deviation of either part.
+double largest_error(const std::vector<float>& actual, const signal& expected, double scale = 1.0) {
+  double error = 0.0;
+  for (size_t k = 0; k < expected.size(); ++k) {
+    error = std::max(error, std::abs(actual[2 * k] - scale * expected[k].real()));
+    error = std::max(error, std::abs(actual[2 * k + 1] - scale * expected[k].imag()));
+  }
+  return error;
+}
+
+class EverySize : public testing::TestWithParam<int32_t> {};
+INSTANTIATE_TEST_SUITE_P(Fft, EverySize, testing::Values(8, 16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192));
+
+// Rounding errors grow with the root of the size times its logarithm.
+double tolerance(int32_t size) {
+  return 2e-5 * std::sqrt(size / 1024.0) * std::max(1.0, std::log2(size) / 10.0);
+}
+
+TEST_P(EverySize, TransformsNoiseAsTheDefinitionSays) {
+  const prepared fft(GetParam());
+  const std::vector<float> input = noise(GetParam(), 1);
+  std::vector<float> data = input;
+  fft_forward(data.data(), fft.log2_size, fft.table.data());
+  EXPECT_LT(largest_error(data, plain_transform(input, -1)), tolerance(GetParam()));
+
+  data = input;
+  fft_inverse(data.data(), fft.log2_size, fft.table.data());
+  EXPECT_LT(largest_error(data, plain_transform(input, +1), 1.0 / GetParam()), tolerance(GetParam()) / GetParam());
+}
+
+TEST_P(EverySize, InverseUndoesForward) {
+  const prepared fft(GetParam());
+  const std::vector<float> input = noise(GetParam(), 2);
+  std::vector<float> data = input;
+  fft_forward(data.data(), fft.log2_size, fft.table.data());
+  fft_inverse(data.data(), fft.log2_size, fft.table.data());
+  for (size_t i = 0; i < data.size(); ++i) ASSERT_NEAR(data[i], input[i], 2e-6) << "float " << i;
+}
+
+TEST_P(EverySize, AnImpulseIsFlatAndBack) {
+  const prepared fft(GetParam());
+  std::vector<float> impulse(static_cast<size_t>(2 * GetParam()));
+  impulse[0] = 1.0f;
+  std::vector<float> data = impulse;
+  fft_forward(data.data(), fft.log2_size, fft.table.data());
+  for (size_t k = 0; k < data.size(); ++k) ASSERT_EQ(data[k], k % 2 == 0 ? 1.0f : 0.0f) << "bin " << k / 2;
+  fft_inverse(data.data(), fft.log2_size, fft.table.data());
+  // Not to the last bit: the table's cosine of a quarter turn is 6e-17.
+  for (size_t i = 0; i < data.size(); ++i) ASSERT_NEAR(data[i], impulse[i], 1e-15) << "float " << i;
+}
+
+TEST(Fft, LargestSizeKeepsATone) {
+  const int32_t size = 1 << fft_max_log2_size;
+  const prepared fft(size);
+  const int64_t bin = 123457;
+  std::vector<float> data(static_cast<size_t>(2 * size));
+  for (int64_t n = 0; n < size; ++n) {
+    const double angle = 2.0 * std::numbers::pi * static_cast<double>(n * bin % size) / size;
+    data[static_cast<size_t>(2 * n)] = static_cast<float>(std::cos(angle));
+    data[static_cast<size_t>(2 * n + 1)] = static_cast<float>(std::sin(angle));
+  }
+  fft_forward(data.data(), fft.log2_size, fft.table.data());
+  signal expected(static_cast<size_t>(size));
+  expected[bin] = size;
+  EXPECT_LT(largest_error(data, expected), 1e-6 * size);
+}
+
+TEST(FftCosTable, HoldsTheQuarterWaveAndNothingMore) {
+  std::vector<float> table(258, 7.0f);
+  int32_t log2_size = 0;
+  ASSERT_EQ(fft_cos_table_init(&log2_size, 1024, table.data()), 0);
+  EXPECT_EQ(log2_size, 10);
+  EXPECT_EQ(table[0], 1.0f);
+  EXPECT_EQ(table[128], static_cast<float>(std::numbers::sqrt2 / 2.0));
+  EXPECT_NEAR(table[256], 0.0f, 1e-16f);
+  EXPECT_EQ(table[257], 7.0f);
+}
+
+TEST(FftCosTable, RefusedSizesStoreTheirLogarithmAndLeaveTheTable) {
+  constexpr int32_t unlogged = std::numeric_limits<int32_t>::min();  // the logarithm of nothing
+  const struct {
+    int32_t size, log2_size;
+  } refused[] = {{4, 2}, {7, 3}, {9, 3}, {1000, 10}, {1025, 10}, {1 << 20, 20}, {1, 0}, {0, unlogged}, {-8, unlogged}};
+  for (const auto& [size, expected] : refused) {
+    int32_t log2_size = -1;
+    float table = 7.0f;
+    EXPECT_EQ(fft_cos_table_init(&log2_size, size, &table), 1) << size;
+    EXPECT_EQ(log2_size, expected) << size;
+    EXPECT_EQ(table, 7.0f) << size;
+  }
+}
+
+}  // namespace
