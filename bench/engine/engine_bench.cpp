@@ -1,0 +1,87 @@
+// MIT License. How many times faster than real time is the whole engine, per algorithm, and what does its worst block
+// cost?
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <ctime>
+#include <vector>
+
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+constexpr double rate_hz = 44100.0;
+
+struct session {
+  instance_ptr instance = make_instance();
+  waveform voice = noise(static_cast<size_t>(rate_hz), 0.3F);
+  waveform left;
+  waveform right;
+  size_t position = 0;
+
+  session(int mode, int32_t block) : left(static_cast<size_t>(block)), right(static_cast<size_t>(block)) {
+    for (const int32_t note : {48, 52, 55}) vocoder_note_on(note, 127, instance.get());
+    sound = plain_sound(static_cast<float>(mode));
+    sound[value_fine1] = -7.0F;
+    sound[value_fine2] = 7.0F;
+    // The first block builds tables, and the voice filter takes some seconds to settle.
+    for (int i = 0; i < 200000 / block; ++i) run_block();
+  }
+
+  void run_block() {
+    if (position + left.size() > voice.size()) position = 0;
+    const float* const inputs[4] = {voice.data() + position, nullptr, nullptr, nullptr};
+    float* const outputs[2] = {left.data(), right.data()};
+    process_values(sound, static_cast<int32_t>(left.size()), inputs, outputs, instance.get());
+    position += left.size();
+  }
+
+  sound_values sound;
+};
+
+// A three-note chord at 44.1 kHz.
+void whole_engine(benchmark::State& state) {
+  const auto block = static_cast<int32_t>(state.range(1));
+  session s(static_cast<int>(state.range(0)), block);
+  for (auto _ : state) s.run_block();
+  const double samples = static_cast<double>(state.iterations()) * block;
+  state.counters["x_real_time"] = benchmark::Counter(samples / rate_hz, benchmark::Counter::kIsRate);
+  state.counters["ns_per_sample"] =
+      benchmark::Counter(samples * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(whole_engine)->ArgNames({"mode", "block"})->ArgsProduct({{0, 1, 2, 3, 4, 5, 6, 7, 11}, {512}});
+
+// Processor time of this thread, so that what else the machine does in between doesn't count.
+double thread_seconds() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// The longest of many blocks against the time that the host has for one. Interrupts still count, so the 99.9th
+// percentile stands beside the maximum.
+void worst_block(benchmark::State& state) {
+  const auto block = static_cast<int32_t>(state.range(1));
+  session s(static_cast<int>(state.range(0)), block);
+  std::vector<double> seconds;
+  for (auto _ : state) {
+    for (int i = 0; i < 4000; ++i) {
+      const double start = thread_seconds();
+      s.run_block();
+      seconds.push_back(thread_seconds() - start);
+    }
+  }
+  std::sort(seconds.begin(), seconds.end());
+  const double deadline = block / rate_hz;
+  state.counters["worst_us"] = seconds.back() * 1e6;
+  state.counters["p99.9_us"] = seconds[seconds.size() * 999 / 1000] * 1e6;
+  state.counters["deadline_us"] = deadline * 1e6;
+  state.counters["worst_share"] = seconds.back() / deadline;
+}
+BENCHMARK(worst_block)
+    ->ArgNames({"mode", "block"})
+    ->ArgsProduct({{0, 1, 2, 3, 4, 5, 6, 7, 11}, {32, 64, 512}})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace

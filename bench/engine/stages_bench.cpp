@@ -1,0 +1,55 @@
+// MIT License. What do the stages of the engine cost per sample?
+#include <benchmark/benchmark.h>
+
+#include "dsp/oscillators.h"
+#include "engine/notes.h"
+#include "engine/output_equaliser.h"
+#include "engine/parameter_commit.h"
+#include "engine/voco_state.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+// The carrier with a number of notes, in ns per sample.
+void carrier(benchmark::State& state) {
+  const auto voco = std::make_unique<voco_state>();
+  voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
+  voco_commit(&params, voco.get());
+  wsyn_select_render(&voco->synth);
+  voco->synth.pitch_mod1 = 1.0;
+  voco->synth.pitch_mod2 = 1.0;
+  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, voco.get());
+  for (int i = 0; i < 200000; ++i) wsyn_next_sample(&voco->synth);
+  for (auto _ : state) benchmark::DoNotOptimize(wsyn_next_sample(&voco->synth));
+}
+BENCHMARK(carrier)->ArgName("notes")->Arg(0)->Arg(3)->Arg(32);
+
+// Both channels of the equaliser.
+void equaliser(benchmark::State& state) {
+  output_equaliser sections;
+  equaliser_prepare(44100.0F, nullptr, &sections);
+  equaliser_set_gain(0.0F, &sections);
+  waveform left = noise(static_cast<size_t>(state.range(0)), 0.3F, 1);
+  waveform right = noise(left.size(), 0.3F, 2);
+  for (auto _ : state) {
+    equaliser_process(left.data(), right.data(), static_cast<int32_t>(left.size()), &sections);
+    benchmark::ClobberMemory();
+  }
+  const double samples = static_cast<double>(state.iterations()) * static_cast<double>(left.size());
+  state.counters["ns_per_sample"] =
+      benchmark::Counter(samples * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(equaliser)->ArgName("block")->Arg(64)->Arg(512);
+
+// A commit of unchanged values, which every block pays.
+void commit(benchmark::State& state) {
+  const auto voco = std::make_unique<voco_state>();
+  const voco_params values = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
+  for (auto _ : state) {
+    voco_params params = values;
+    voco_commit(&params, voco.get());
+  }
+}
+BENCHMARK(commit);
+
+}  // namespace

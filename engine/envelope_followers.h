@@ -1,0 +1,30 @@
+// MIT License. The envelope followers of the spectral and the filter-bank modes: per frame, per bin or band.
+#pragma once
+
+#include "engine/voco_state.h"
+
+// Settings of a frame's followers. The time base is the frame: a weight of w gives a time constant of about w hops.
+struct follower_settings {
+  float attack;     // weight of the past while the magnitude rises
+  float release;    // weight of the past while it falls
+  float smoothing;  // weight of the past of the average follower
+  float peak_gain;  // slower attacks miss the peaks, so the peak follower gains with them
+  float mix;        // 1 peak follower, 0 average follower
+};
+
+inline follower_settings follower_settings_of(const voco_state& state) {
+  return {state.env_attack * 32.0F, state.env_release * 40.0F, state.env_average * 8.0F, state.env_attack * 2.0F + 1.0F,
+          state.env_mix};
+}
+
+// Feeds `magnitude` to the two followers of one bin or band.
+inline void followers_advance(float magnitude, const follower_settings& settings, float* fast, float* slow) {
+  const float weight = magnitude <= *fast ? settings.release : settings.attack;
+  *fast = (weight * *fast + magnitude) / (weight + 1.0F);
+  *slow = (settings.smoothing * *slow + magnitude) / (settings.smoothing + 1.0F);
+}
+
+// The blend of the two followers, in the unit of the magnitudes.
+inline float followers_value(const follower_settings& settings, float fast, float slow) {
+  return settings.peak_gain * fast * 0.5F * settings.mix + slow * (1.0F - settings.mix);
+}

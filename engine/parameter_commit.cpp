@@ -1,0 +1,98 @@
+// MIT License.
+#include "engine/parameter_commit.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/convert.h"
+#include "dsp/fft.h"
+#include "dsp/oscillators.h"
+#include "engine/voco_state.h"
+
+namespace {
+
+constexpr int32_t trapezoid_ramp = 128;   // samples of each slope
+constexpr double trapezoid_height = 2.5;  // part of the spectral modes' level
+
+void clear_envelopes(voco_state* state) {
+  for (voco_state::bins* const array : {&state->fast_env, &state->slow_env, &state->carrier_mag, &state->carrier_phase,
+                                        &state->target_env, &state->modulator_phase}) {
+    array->fill(0.0F);
+  }
+}
+
+void commit_synthesizer(const voco_params& params, voco_state* state) {
+  const float core_rate = params[param_core_rate];
+  auto& synth = state->synth_params;
+  synth[0] = core_rate <= 0.0F ? 1.0F : static_cast<float>(core_sample_rate_hz) / core_rate;
+  synth[1] = params[param_tuning];
+  synth[2] = params[param_octave];
+  std::copy(params.begin() + param_sampled, params.begin() + param_lfo_rate2 + 1, synth.begin() + 3);
+  synth[18] = params[param_cutoff];
+  synth[19] = params[param_resonance];
+  synth[20] = params[param_drive];
+  wsyn_commit(synth.data(), &state->synth);
+}
+
+double trapezoid(int32_t i) {
+  if (i <= trapezoid_ramp) return i * 0.0078125;
+  if (i > frame_size - trapezoid_ramp) return (frame_size - i) * 0.0078125;
+  return 1.0;
+}
+
+void build_windows(voco_state* state) {
+  for (int32_t i = 0; i < frame_size; ++i) {
+    const auto entry = static_cast<size_t>(i);
+    const float turn = static_cast<float>(i) * 6.2831855F * 0.0009765625F;
+    state->hann_window[entry] = 0.5F - 0.5F * static_cast<float>(std::cos(double{turn}));
+    state->trapezoid_window[entry] = static_cast<float>(trapezoid_height * trapezoid(i));
+    const float offset = static_cast<float>(i - frame_hop) * 0.001953125F;
+    state->welch_window[entry] = 1.0F - offset * offset;
+  }
+}
+
+void commit_first(voco_state* state) {
+  state->tag = voco_state_tag;
+  state->frame_pos = frame_hop;
+  fft_cos_table_init(&state->fft_log2_size, frame_size, state->fft_cos_table.data());
+  build_windows(state);
+  state->band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
+}
+
+float clamp_to_unit(float value) {
+  if (value > 1.0F) return 1.0F;
+  return value < 0.0F ? 0.0F : value;
+}
+
+}  // namespace
+
+void voco_commit(voco_params* params, voco_state* state) {
+  voco_params& values = *params;
+  const int32_t mode = truncate_to_int32(values[param_mode]);
+  if (mode != state->mode) clear_envelopes(state);
+  state->committing = 1;
+  state->mode = mode;
+  commit_synthesizer(values, state);
+
+  state->internal_carrier = values[param_internal_carrier];
+  state->chorus_on = truncate_to_int32(values[param_chorus]);
+  state->env_release = values[param_env_release];
+  state->env_mix = values[param_env_mix];
+  state->env_attack = values[param_env_attack];
+  state->env_average = values[param_env_average];
+  for (float* const gain : {&values[param_dry_carrier], &values[param_dry_modulator], &values[param_wet]}) {
+    *gain = clamp_to_unit(*gain);
+  }
+  state->dry_carrier_gain = values[param_dry_carrier] * 0.5F;
+  state->dry_modulator_gain = values[param_dry_modulator];
+  state->wet_gain = values[param_wet];
+  state->reserved = values[param_reserved];
+  state->freeze_on = truncate_to_int32(values[param_freeze]);
+  state->sibilance_on = truncate_to_int32(values[param_sibilance]);
+  state->noise_on = truncate_to_int32(values[param_noise]);
+
+  if (state->committed == 0) commit_first(state);
+  state->reverb_level = values[param_reverb_level];
+  state->committed = 1;
+  state->committing = 0;
+}

@@ -1,0 +1,281 @@
+// MIT License.
+#include "engine/transform_modes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "dsp/fft.h"
+#include "dsp/noise.h"
+#include "engine/envelope_followers.h"
+#include "engine/fast_atan2.h"
+#include "engine/voco_state.h"
+
+namespace {
+
+constexpr int32_t voiced_bins = 64;           // below 2.76 kHz, where voiced sounds have their energy
+constexpr float silent_mean = 0.0001F;        // mean bin magnitude below which a frame counts as voiced
+constexpr float silent_carrier = 0.0001F;     // a bin below this has no phase worth using
+constexpr int32_t first_sibilance_bin = 128;  // 5.5 kHz
+constexpr float sibilance_gain = 3.0F;
+constexpr float synthesis_gain = 0.3333F;  // with the trapezoid's 2.5, the level of the overlapping frames
+constexpr float crossfeed = 0.25F;         // of the quadrature partner in each output channel
+
+struct bin {
+  float re;
+  float im;
+};
+
+bin bin_at(const float* spectrum, int32_t k) {
+  return {spectrum[2 * k], spectrum[2 * k + 1]};
+}
+
+void set_bin(bin value, int32_t k, float* spectrum) {
+  spectrum[2 * k] = value.re;
+  spectrum[2 * k + 1] = value.im;
+}
+
+float magnitude(bin value) {
+  return std::sqrt(value.re * value.re + value.im * value.im);
+}
+
+float exact_phase(bin value) {
+  return static_cast<float>(std::atan2(double{value.im}, double{value.re}));
+}
+
+float fast_phase(bin value) {
+  return fast_atan2(value.im, value.re);
+}
+
+bin polar(float amplitude, float phase) {
+  return {amplitude * static_cast<float>(std::cos(double{phase})),
+          amplitude * static_cast<float>(std::sin(double{phase}))};
+}
+
+// Splits the transform of (modulator + j carrier) into the two spectra, by the symmetry of a real signal's spectrum.
+void split_spectra(voco_state* state) {
+  float* const x = state->complex_frame.data();
+  float* const y = state->carrier_spectrum.data();
+  set_bin({x[1], 0.0F}, 0, y);
+  x[1] = 0.0F;
+  for (int32_t k = 1; k <= bin_count; ++k) {
+    const bin z = bin_at(x, k);
+    const bin mirror = bin_at(x, frame_size - k);
+    const bin modulator = {(z.re + mirror.re) * 0.5F, (z.im - mirror.im) * 0.5F};
+    const bin carrier = {(z.im + mirror.im) * 0.5F, (mirror.re - z.re) * 0.5F};
+    set_bin(modulator, k, x);
+    set_bin({modulator.re, -modulator.im}, frame_size - k, x);
+    set_bin(carrier, k, y);
+    set_bin({carrier.re, -carrier.im}, frame_size - k, y);
+  }
+}
+
+// Mean magnitude above 2.76 kHz over that below: above 1 the frame is a consonant. 0 for a quiet frame.
+float unvoiced_ratio(const float* modulator) {
+  float low = 0.0F;
+  float high = 0.0F;
+  for (int32_t k = 0; k < voiced_bins; ++k) low += magnitude(bin_at(modulator, k));
+  for (int32_t k = voiced_bins; k < bin_count; ++k) high += magnitude(bin_at(modulator, k));
+  const float low_mean = low * 0.015625F;       // 1 / 64
+  const float high_mean = high * 0.002232143F;  // 1 / 448
+  return low_mean > silent_mean ? high_mean / low_mean : 0.0F;
+}
+
+bin noise_bin() {
+  const float amplitude = static_cast<float>(noise_rand() * 9.155552842799158e-05);  // 0 to 3
+  const double turn = noise_rand() * 6.103701895199438e-05 - 1.0;                    // -1 to 1
+  return polar(amplitude, static_cast<float>(turn * 2.0 * std::numbers::pi));
+}
+
+void replace_unvoiced_carrier(voco_state* state) {
+  if (state->noise_on < 1 || unvoiced_ratio(state->complex_frame.data()) <= 1.0F) return;
+  for (int32_t k = 0; k < bin_count; ++k) set_bin(noise_bin(), k, state->carrier_spectrum.data());
+}
+
+void hold_modulator(voco_state* state) {
+  if (state->freeze_on != 0) return;
+  std::copy_n(state->complex_frame.begin(), 2 * bin_count, state->held_spectrum.begin());
+}
+
+// Feeds bin k's magnitude to its followers and gives their blend.
+float follow(float level, const follower_settings& settings, int32_t k, voco_state* state) {
+  const auto i = static_cast<size_t>(k);
+  followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
+  return followers_value(settings, state->fast_env[i], state->slow_env[i]);
+}
+
+// Removes what is left of bin k in the modulator and of bin 512 + k in the carrier, whose upper half makes the output
+// one-sided.
+void clear_behind(int32_t k, voco_state* state) {
+  set_bin({0.0F, 0.0F}, bin_count + k, state->carrier_spectrum.data());
+  set_bin({0.0F, 0.0F}, k, state->complex_frame.data());
+}
+
+void vocode_geometric_mean(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  float* const output = state->carrier_spectrum.data();
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const bin modulator = bin_at(state->complex_frame.data(), k);
+    const bin carrier = bin_at(output, k);
+    const float envelope = follow(magnitude(modulator), settings, k, state);
+    if (state->freeze_on == 0) {
+      state->target_env[i] = envelope;
+      state->modulator_phase[i] = exact_phase(modulator);
+    }
+    state->carrier_mag[i] = magnitude(carrier);
+    state->carrier_phase[i] = exact_phase(carrier);
+
+    const float product = state->target_env[i] * state->carrier_mag[i];
+    const float tilt = static_cast<float>(k) * 0.5F;
+    const float amplitude = std::sqrt(product) * 1.5F + product * tilt * 0.1F;
+    set_bin(polar(0.25F * amplitude, state->carrier_phase[i]), k, output);
+    clear_behind(k, state);
+  }
+}
+
+// Bands of two bins, by an L1 measure that rises with frequency. Clearing the upper half runs ahead of the reading, so
+// the bands from 256 up find nothing: 256 live bands cover everything up to 22 kHz.
+void vocode_two_bin_bands(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  float* const modulator = state->complex_frame.data();
+  float* const carrier = state->carrier_spectrum.data();
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const bin a = bin_at(modulator, 2 * k);
+    const bin b = bin_at(modulator, 2 * k + 1);
+    const float level =
+        (std::fabs(a.re) + std::fabs(a.im) + std::fabs(b.re) + std::fabs(b.im)) * (static_cast<float>(k) * 0.5F + 1.0F);
+    followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
+    if (state->freeze_on == 0) {
+      state->target_env[i] = (settings.peak_gain * state->fast_env[i] * 0.025F * settings.mix +
+                              state->slow_env[i] * 0.05F * (1.0F - settings.mix)) *
+                             0.35F;
+    }
+    for (int32_t j = 4 * k; j < 4 * k + 4; ++j) carrier[j] *= state->target_env[i];
+    if (k >= bin_count / 2) continue;
+    for (const int32_t upper : {bin_count + 2 * k, bin_count + 2 * k + 1}) {
+      set_bin({0.0F, 0.0F}, upper, modulator);
+      set_bin({0.0F, 0.0F}, upper, carrier);
+    }
+  }
+}
+
+// Measures bin k as the modes with separate magnitude and phase do. `weigh` makes the envelope that is stored of the
+// followers' blend and the carrier's magnitude.
+template <typename Phase, typename Weigh>
+void analyse_bin(int32_t k, const follower_settings& settings, Phase phase, Weigh weigh, voco_state* state) {
+  const auto i = static_cast<size_t>(k);
+  const bin modulator = bin_at(state->complex_frame.data(), k);
+  const bin carrier = bin_at(state->carrier_spectrum.data(), k);
+  const float carrier_level = magnitude(carrier);
+  float carrier_phase = phase(carrier);
+  float envelope = follow(magnitude(modulator), settings, k, state);
+  if (state->freeze_on == 0) {
+    if (carrier_level < silent_carrier) {
+      envelope = 0.0F;
+      carrier_phase = 0.0F;
+    }
+    state->target_env[i] = weigh(envelope, carrier_level);
+    state->modulator_phase[i] = phase(modulator);
+  }
+  state->carrier_mag[i] = carrier_level;
+  state->carrier_phase[i] = carrier_phase;
+}
+
+void vocode_carrier_phase(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  const auto plain = [](float envelope, float) { return envelope; };
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    analyse_bin(k, settings, exact_phase, plain, state);
+    set_bin(polar(4.0F * state->target_env[i], state->carrier_phase[i]), k, state->carrier_spectrum.data());
+    clear_behind(k, state);
+  }
+}
+
+void vocode_modulator_phase(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const float tilt = static_cast<float>(k) * 0.001953125F + 0.01F;  // rises from 0.01 to about 1
+    const auto both = [tilt](float envelope, float carrier_level) { return carrier_level * envelope * tilt; };
+    analyse_bin(k, settings, exact_phase, both, state);
+    set_bin(polar(4.0F * state->target_env[i], state->modulator_phase[i]), k, state->carrier_spectrum.data());
+    clear_behind(k, state);
+  }
+}
+
+// The carrier is flattened by its own smoothed envelope and given the modulator's.
+void vocode_smoothed(int32_t width, voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  const auto plain = [](float envelope, float) { return envelope; };
+  for (int32_t k = 0; k < bin_count; ++k) analyse_bin(k, settings, fast_phase, plain, state);
+
+  std::array<float, bin_count + 1> modulator_envelope;
+  std::array<float, bin_count + 1> carrier_envelope;
+  smooth_magnitudes(state->target_env.data(), frame_size, width, modulator_envelope.data(), &state->smoothing);
+  smooth_magnitudes(state->carrier_mag.data(), frame_size, width, carrier_envelope.data(), &state->smoothing);
+  for (int32_t k = 0; k <= bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const float envelope = std::max(modulator_envelope[i], 0.0F);
+    const float carrier_level = std::max(carrier_envelope[i], 0.0F);
+    float flattened = 1.0F;
+    if (carrier_level > 0.001F) flattened = std::min(state->carrier_mag[i] / carrier_level, 1.0F);
+    set_bin(polar(4.5F * flattened * envelope, state->carrier_phase[i]), k, state->carrier_spectrum.data());
+    clear_behind(k, state);
+  }
+}
+
+void vocode_by_mode(voco_state* state) {
+  switch (state->mode) {
+    case mode_geometric_mean:
+      return vocode_geometric_mean(state);
+    case mode_two_bin_bands:
+      return vocode_two_bin_bands(state);
+    case mode_carrier_phase:
+      return vocode_carrier_phase(state);
+    case mode_smooth_512:
+      return vocode_smoothed(512, state);
+    case mode_smooth_128:
+      return vocode_smoothed(128, state);
+    case mode_smooth_32:
+      return vocode_smoothed(32, state);
+    case mode_modulator_phase:
+      return vocode_modulator_phase(state);
+    default:
+      return;
+  }
+}
+
+// The consonants of the voice pass straight to the output.
+void add_sibilance(voco_state* state) {
+  if (state->sibilance_on < 1) return;
+  for (size_t j = 2 * first_sibilance_bin; j < 2 * bin_count; ++j) {
+    state->carrier_spectrum[j] += sibilance_gain * state->held_spectrum[j];
+  }
+}
+
+void overlap_add_quadrature(voco_state* state) {
+  for (size_t i = 0; i < frame_size; ++i) {
+    const float re = state->carrier_spectrum[2 * i];
+    const float im = state->carrier_spectrum[2 * i + 1];
+    const float window = state->trapezoid_window[i] * synthesis_gain;
+    state->ola_left[i] += (re * crossfeed + im) * window;
+    state->ola_right[i] += (im * crossfeed + re) * window;
+  }
+}
+
+}  // namespace
+
+void transform_vocode(voco_state* state) {
+  fft_forward(state->complex_frame.data(), state->fft_log2_size, state->fft_cos_table.data());
+  split_spectra(state);
+  replace_unvoiced_carrier(state);
+  hold_modulator(state);
+  vocode_by_mode(state);
+  add_sibilance(state);
+  fft_inverse(state->carrier_spectrum.data(), state->fft_log2_size, state->fft_cos_table.data());
+  overlap_add_quadrature(state);
+}

@@ -1,0 +1,42 @@
+// MIT License. The values of one block, in the order in which the signal path takes them.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "engine/sound_values.h"
+
+enum voco_param : int32_t {
+  param_wet = 0,
+  param_dry_carrier = 1,
+  param_dry_modulator = 2,
+  param_env_mix = 3,
+  param_env_attack = 4,
+  param_env_release = 5,
+  param_env_average = 6,
+  param_chorus = 7,
+  param_mode = 8,
+  param_sibilance = 9,
+  param_noise = 10,
+  param_freeze = 11,
+  param_reserved = 12,  // always 0: the swap of the inputs acts ahead of the signal path
+  param_reverb_level = 13,
+  param_reverb_size = 14,
+  param_cutoff = 15,
+  param_resonance = 16,
+  param_drive = 17,
+  param_internal_carrier = 18,
+  param_tuning = 19,
+  param_octave = 20,
+  param_unused = 21,  // always 0
+  param_sampled = 22,
+  param_lfo_rate2 = 36,  // 22 to 36 are the synthesizer's values from `value_sampled` on, in order
+  param_core_rate = 37,  // 44100 divided by the block's rate ratio
+};
+
+constexpr int32_t voco_param_count = 38;
+
+using voco_params = std::array<float, voco_param_count>;
+
+// Puts a sound's values, the chorus switch and the core rate into their places.
+voco_params voco_params_from(const sound_values& values, float chorus, float core_rate);

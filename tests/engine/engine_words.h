@@ -1,0 +1,221 @@
+// MIT License. The words that the engine's tests are written in.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <memory>
+#include <numbers>
+#include <vector>
+
+#include "dsp/fft.h"
+#include "engine/sound_values.h"
+#include "engine/vocoder.h"
+
+using waveform = std::vector<float>;
+
+struct stereo {
+  waveform left;
+  waveform right;
+};
+
+struct instance_deleter {
+  void operator()(vocoder_instance* instance) const { vocoder_destroy(instance); }
+};
+using instance_ptr = std::unique_ptr<vocoder_instance, instance_deleter>;
+
+inline instance_ptr make_instance(float sample_rate = 44100.0F) {
+  return instance_ptr(vocoder_create(sample_rate));
+}
+
+// A plain sound: everything wet, computed saws at concert pitch as the carrier, open filter, no modulation.
+inline sound_values plain_sound(float mode) {
+  sound_values v{};
+  v[value_wet_gain] = 1.0F;
+  v[value_mode] = mode;
+  v[value_cutoff] = 1.0F;
+  v[value_internal_carrier] = 1.0F;
+  v[value_tuning] = 440.0F;
+  v[value_octave] = 1.0F;
+  v[value_wave1] = 1.0F;
+  v[value_wave2] = 1.0F;
+  v[value_pitch_source1] = 3.0F;
+  v[value_pitch_source2] = 3.0F;
+  return v;
+}
+
+// The plain sound with the second input as its carrier.
+inline sound_values external_carrier_sound(float mode) {
+  sound_values v = plain_sound(mode);
+  v[value_internal_carrier] = 0.0F;
+  return v;
+}
+
+inline int32_t process_values(const sound_values& v, int32_t frames, const float* const* inputs, float* const* outputs,
+                              vocoder_instance* instance) {
+  return vocoder_process_values(0, 0, 0, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11],
+                                v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20], v[21], v[22], v[23],
+                                v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32], v[33], v[34], v[35],
+                                v[36], frames, inputs, outputs, instance);
+}
+
+// Runs the two signals through `instance` in blocks of `block` samples. An empty carrier is a null input.
+inline stereo run(const sound_values& sound, const waveform& modulator, const waveform& carrier, int32_t block,
+                  vocoder_instance* instance) {
+  stereo out{waveform(modulator.size()), waveform(modulator.size())};
+  for (size_t start = 0; start < modulator.size(); start += static_cast<size_t>(block)) {
+    const auto frames = static_cast<int32_t>(std::min(modulator.size() - start, static_cast<size_t>(block)));
+    const float* const inputs[4] = {modulator.data() + start, nullptr,
+                                    carrier.empty() ? nullptr : carrier.data() + start, nullptr};
+    float* const outputs[2] = {out.left.data() + start, out.right.data() + start};
+    if (process_values(sound, frames, inputs, outputs, instance) != 0) return {};
+  }
+  return out;
+}
+
+inline stereo run_fresh(const sound_values& sound, const waveform& modulator, const waveform& carrier = {},
+                        int32_t block = 512) {
+  return run(sound, modulator, carrier, block, make_instance().get());
+}
+
+inline waveform silence(size_t count) {
+  return waveform(count, 0.0F);
+}
+
+// White noise in -level..level from a fixed seed.
+inline waveform noise(size_t count, float level, uint32_t seed = 1) {
+  waveform out(count);
+  for (float& sample : out) {
+    seed = seed * 1664525U + 1013904223U;
+    sample = level * (static_cast<float>(seed >> 8) / 8388608.0F - 1.0F);
+  }
+  return out;
+}
+
+inline waveform sine(size_t count, double frequency_hz, double level, double rate_hz = 44100.0) {
+  waveform out(count);
+  for (size_t i = 0; i < count; ++i) {
+    out[i] =
+        static_cast<float>(level * std::sin(2.0 * std::numbers::pi * frequency_hz * static_cast<double>(i) / rate_hz));
+  }
+  return out;
+}
+
+// A voice-like source: harmonics of 110 Hz that stand out around `formant_hz`.
+inline waveform vowel(size_t count, double formant_hz, double level) {
+  waveform out(count, 0.0F);
+  for (int harmonic = 1; harmonic < 150; ++harmonic) {
+    const double frequency = 110.0 * harmonic;
+    const double octaves_off = std::log2(frequency / formant_hz);
+    const double amplitude = level * std::exp(-octaves_off * octaves_off * 12.0);
+    for (size_t i = 0; i < count; ++i) {
+      out[i] += static_cast<float>(
+          amplitude *
+          std::cos(2.0 * std::numbers::pi * frequency * static_cast<double>(i) / 44100.0 + harmonic * harmonic * 0.7));
+    }
+  }
+  return out;
+}
+
+// Magnitude of the Hann-windowed signal at one frequency; a sine of level 1 gives 1.
+inline double level_at(const waveform& x, size_t start, size_t count, double frequency_hz, double rate_hz = 44100.0) {
+  const std::complex<double> turn = std::polar(1.0, -2.0 * std::numbers::pi * frequency_hz / rate_hz);
+  const std::complex<double> window_turn = std::polar(1.0, 2.0 * std::numbers::pi / static_cast<double>(count));
+  std::complex<double> sum = 0.0;
+  std::complex<double> phase = 1.0;
+  std::complex<double> window = 1.0;
+  for (size_t i = 0; i < count; ++i) {
+    sum += (0.5 - 0.5 * window.real()) * static_cast<double>(x[start + i]) * phase;
+    phase *= turn;
+    window *= window_turn;
+  }
+  return std::abs(sum) * 4.0 / static_cast<double>(count);
+}
+
+// Mean power between two frequencies, over Hann-windowed frames of 4096 samples.
+inline double band_power(const waveform& x, size_t start, double low_hz, double high_hz, double rate_hz = 44100.0) {
+  constexpr int32_t size = 4096;
+  int32_t log2_size = 0;
+  std::vector<float> table(size / 4 + 1);
+  fft_cos_table_init(&log2_size, size, table.data());
+  double sum = 0.0;
+  int frames = 0;
+  for (; start + size <= x.size(); start += size / 2, ++frames) {
+    std::vector<float> data(2 * size, 0.0F);
+    for (size_t i = 0; i < size; ++i) {
+      data[2 * i] = x[start + i] *
+                    static_cast<float>(0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * static_cast<double>(i) / size));
+    }
+    fft_forward(data.data(), log2_size, table.data());
+    for (auto k = static_cast<size_t>(low_hz * size / rate_hz); static_cast<double>(k) <= high_hz * size / rate_hz;
+         ++k) {
+      sum += double{data[2 * k]} * data[2 * k] + double{data[2 * k + 1]} * data[2 * k + 1];
+    }
+  }
+  return frames == 0 ? 0.0 : sum / frames;
+}
+
+inline double decibels(double power_ratio) {
+  return 10.0 * std::log10(power_ratio);
+}
+
+// Frequency of the partial nearest to `near_hz`, by climbing the windowed spectrum's peak.
+inline double partial_hz(const waveform& x, size_t start, size_t count, double near_hz, double rate_hz = 44100.0) {
+  double low = near_hz * 0.985;
+  double high = near_hz * 1.015;
+  for (int i = 0; i < 40; ++i) {
+    const double a = low + (high - low) * 0.382;
+    const double b = low + (high - low) * 0.618;
+    if (level_at(x, start, count, a, rate_hz) < level_at(x, start, count, b, rate_hz)) {
+      low = a;
+    } else {
+      high = b;
+    }
+  }
+  return 0.5 * (low + high);
+}
+
+// Mean frequency of the power within half a semitone of `near_hz`: what an ensemble of detuned partials sounds like.
+inline double centre_hz(const waveform& x, size_t start, size_t count, double near_hz, double rate_hz = 44100.0) {
+  double weighted = 0.0;
+  double sum = 0.0;
+  const double step = 0.5 * rate_hz / static_cast<double>(count);
+  for (double frequency = near_hz * 0.97; frequency < near_hz * 1.03; frequency += step) {
+    const double level = level_at(x, start, count, frequency, rate_hz);
+    weighted += level * level * frequency;
+    sum += level * level;
+  }
+  return weighted / sum;
+}
+
+inline double cents(double frequency_hz, double reference_hz) {
+  return 1200.0 * std::log2(frequency_hz / reference_hz);
+}
+
+inline double note_hz(int note) {
+  return 440.0 * std::exp2((note - 69) / 12.0);
+}
+
+inline float peak(const waveform& x, size_t start = 0) {
+  float result = 0.0F;
+  for (size_t i = start; i < x.size(); ++i) result = std::max(result, std::fabs(x[i]));
+  return result;
+}
+
+inline float largest_difference(const waveform& a, const waveform& b) {
+  float result = 0.0F;
+  for (size_t i = 0; i < a.size(); ++i) result = std::max(result, std::fabs(a[i] - b[i]));
+  return result;
+}
+
+inline bool all_finite(const waveform& x) {
+  for (const float sample : x) {
+    if (!std::isfinite(sample)) return false;
+  }
+  return true;
+}
+
+// The algorithms that are on hand: seven spectral, two filter banks.
+constexpr std::array<int, 9> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 11};

@@ -1,0 +1,159 @@
+// MIT License.
+#include "engine/notes.h"
+
+#include <gtest/gtest.h>
+
+#include "dsp/oscillators.h"
+#include "engine/parameter_commit.h"
+#include "engine/voco_state.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+class Notes : public testing::Test {
+ protected:
+  Notes() {
+    voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
+    voco_commit(&params, &state);
+    wsyn_select_render(&state.synth);
+  }
+
+  int32_t voice(int32_t note) const { return state.synth.voices[note].state; }
+  int slots_in_use() const {
+    return static_cast<int>(std::count_if(std::begin(state.synth.note_slots), std::end(state.synth.note_slots),
+                                          [](int32_t slot) { return slot >= lowest_note; }));
+  }
+  void play(int samples) {
+    for (int i = 0; i < samples; ++i) last = wsyn_next_sample(&state.synth);
+  }
+
+  std::unique_ptr<voco_state> owner = std::make_unique<voco_state>();
+  voco_state& state = *owner;
+  float last = 0.0F;
+};
+
+TEST_F(Notes, SoundFrom27To108Only) {
+  for (const int32_t note : {26, 109, -1, 128, INT32_MAX, INT32_MIN}) {
+    notes_on(note, &state);
+    notes_off(note, &state);
+  }
+  EXPECT_EQ(slots_in_use(), 0);
+  notes_on(27, &state);
+  notes_on(108, &state);
+  EXPECT_EQ(voice(27), voice_held);
+  EXPECT_EQ(voice(108), voice_held);
+  EXPECT_EQ(state.note_mirror[0], 27.0F);
+  EXPECT_EQ(state.note_mirror[1], 108.0F);
+}
+
+TEST_F(Notes, DropTheThirtyThird) {
+  for (int32_t note = 30; note < 63; ++note) notes_on(note, &state);
+  EXPECT_EQ(slots_in_use(), 32);
+  EXPECT_EQ(voice(62), voice_idle);
+  notes_off(62, &state);
+  EXPECT_EQ(voice(62), voice_idle);
+  notes_off(40, &state);
+  notes_on(62, &state);
+  EXPECT_EQ(voice(62), voice_held);
+}
+
+TEST_F(Notes, RetriggerInTheirSlotAndGoOnFromTheirLevel) {
+  notes_on(60, &state);
+  play(300);
+  const float level = state.synth.voices[60].level;
+  const float phase = state.synth.voices[60].phase1;
+  notes_off(60, &state);
+  notes_on(60, &state);
+  EXPECT_EQ(slots_in_use(), 1);
+  EXPECT_EQ(state.synth.voices[60].level, level);
+  EXPECT_EQ(state.synth.voices[60].phase1, phase);
+  notes_on(60, &state);
+  EXPECT_EQ(slots_in_use(), 1);
+}
+
+TEST_F(Notes, RiseAndFallWithATimeConstantOf501Samples) {
+  notes_on(60, &state);
+  play(501);
+  EXPECT_NEAR(state.synth.voices[60].level, 1.0 - std::exp(-1.0), 0.001);
+  play(20000);
+  notes_off(60, &state);
+  play(501);
+  EXPECT_NEAR(state.synth.voices[60].level, std::exp(-1.0), 0.001);
+  play(3000);  // -60 dB after 6.9 time constants
+  EXPECT_EQ(voice(60), voice_idle);
+  EXPECT_EQ(state.synth.voices[60].phase1, 0.0F);
+  EXPECT_EQ(state.synth.voices[60].filter[4], 0.0F);
+  EXPECT_EQ(state.synth.sounding[0] | state.synth.sounding[1], 0U);
+}
+
+TEST_F(Notes, AreKeptByThePedal) {
+  notes_on(60, &state);
+  notes_on(64, &state);
+  notes_set_sustain(1, &state);
+  notes_off(60, &state);
+  EXPECT_EQ(voice(60), voice_sustained);
+  EXPECT_EQ(slots_in_use(), 2);
+  notes_set_sustain(1, &state);
+  EXPECT_EQ(voice(60), voice_sustained);
+  notes_set_sustain(0, &state);
+  EXPECT_EQ(voice(60), voice_releasing);
+  EXPECT_EQ(voice(64), voice_held);
+  EXPECT_EQ(slots_in_use(), 1);
+}
+
+TEST_F(Notes, ComeFromAListToo) {
+  notes_on(40, &state);
+  notes_on(41, &state);
+  const std::array<float, 4> list = {10.0F, 72.9F, 26.0F, 200.0F};
+  notes_set_list(list.data(), sizeof(list), &state);
+  EXPECT_EQ(voice(40), voice_releasing);
+  EXPECT_EQ(voice(72), voice_held);
+  EXPECT_EQ(state.synth.note_slots[0], 40);  // entries outside the range leave their slot
+  EXPECT_EQ(state.synth.note_slots[1], 72);
+
+  const std::vector<float> too_long(100, 60.0F);
+  notes_set_list(too_long.data(), 400, &state);
+  EXPECT_EQ(voice(60), voice_held);
+  EXPECT_EQ(voice(72), voice_releasing);
+}
+
+TEST_F(Notes, AllOffReleasesAndCentresTheBend) {
+  notes_on(60, &state);
+  play(10);
+  state.synth.bend = 1.5F;
+  notes_all_off(&state);
+  EXPECT_EQ(voice(60), voice_releasing);
+  EXPECT_EQ(state.synth.bend, 1.0F);
+  EXPECT_EQ(state.synth.note_slots[0], 60);
+  notes_on(60, &state);
+  EXPECT_EQ(voice(60), voice_held);
+  EXPECT_EQ(slots_in_use(), 1);
+}
+
+TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
+  state.synth.cutoff_target = 0.1F;
+  const float before = state.synth.cutoff_now;
+  play(100);
+  EXPECT_EQ(last, 0.0F);
+  EXPECT_NE(state.synth.cutoff_now, before);
+}
+
+TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
+  uint32_t seed = 5;
+  for (int i = 0; i < 20000; ++i) {
+    seed = seed * 1664525U + 1013904223U;
+    const auto note = static_cast<int32_t>(20 + (seed >> 24) % 95);
+    if (seed & 0x100) {
+      notes_on(note, &state);
+    } else {
+      notes_off(note, &state);
+    }
+    if (i % 500 == 0) notes_set_sustain(i / 500 % 2, &state);
+    play(3);
+  }
+  for (int32_t note = 0; note < 128; ++note) {
+    EXPECT_EQ(voice(note) != voice_idle, (state.synth.sounding[note / 64] >> (note % 64) & 1) != 0) << note;
+  }
+}
+
+}  // namespace

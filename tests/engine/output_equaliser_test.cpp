@@ -1,0 +1,86 @@
+// MIT License.
+#include "engine/output_equaliser.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+output_equaliser fresh_equaliser(float gain_db) {
+  output_equaliser equaliser;
+  equaliser_prepare(44100.0F, nullptr, &equaliser);
+  equaliser_set_gain(gain_db, &equaliser);
+  return equaliser;
+}
+
+// The judge: one section over the whole signal, then the next.
+void filter_plainly(std::array<eq_section, eq_bands>* sections, waveform* samples) {
+  for (eq_section& s : *sections) {
+    const float b0 = s.b0 / s.a0;
+    const float b1 = s.b1 / s.a0;
+    const float b2 = s.b2 / s.a0;
+    const float a1 = s.a1 / s.a0;
+    const float a2 = s.a2 / s.a0;
+    for (float& x : *samples) {
+      const float y = b0 * x + b1 * s.x1 + b2 * s.x2 - a1 * s.y1 - a2 * s.y2;
+      s.x2 = s.x1;
+      s.x1 = x;
+      s.y2 = s.y1;
+      s.y1 = y;
+      x = y * s.gain;
+    }
+  }
+}
+
+double gain_db_at(double frequency_hz, float output_gain_db) {
+  output_equaliser equaliser = fresh_equaliser(output_gain_db);
+  waveform left = sine(88200, frequency_hz, 0.25);
+  waveform right = silence(left.size());
+  equaliser_process(left.data(), right.data(), static_cast<int32_t>(left.size()), &equaliser);
+  EXPECT_EQ(peak(right), 0.0F);
+  return 20.0 * std::log10(level_at(left, 44100, 44100, frequency_hz) / 0.25);
+}
+
+TEST(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLength) {
+  output_equaliser fast = fresh_equaliser(-3.0F);
+  output_equaliser plain = fast;
+  uint32_t seed = 1;
+  for (const size_t n : {0U, 1U, 2U, 5U, 9U, 10U, 11U, 12U, 64U, 1000U, 3U}) {
+    waveform left = noise(n, 1.0F, ++seed);
+    waveform right = noise(n, 0.5F, ++seed);
+    waveform plain_left = left;
+    waveform plain_right = right;
+    equaliser_process(left.data(), right.data(), static_cast<int32_t>(n), &fast);
+    filter_plainly(&plain.left, &plain_left);
+    filter_plainly(&plain.right, &plain_right);
+    ASSERT_EQ(left, plain_left) << n;
+    ASSERT_EQ(right, plain_right) << n;
+  }
+}
+
+TEST(OutputEqualiser, LiftsBothEndsAndLeavesTheMiddle) {
+  EXPECT_NEAR(gain_db_at(32.0, 0.0F), 3.6, 0.5);  // 3 dB and what 64 Hz adds
+  EXPECT_NEAR(gain_db_at(700.0, 0.0F), 0.0, 0.3);
+  EXPECT_NEAR(gain_db_at(1000.0, 0.0F), 0.5, 0.3);   // what 2 and 4 kHz add
+  EXPECT_NEAR(gain_db_at(16000.0, 0.0F), 2.8, 0.5);  // 2.5 dB and what 8 kHz adds
+}
+
+TEST(OutputEqualiser, CarriesTheOutputGainInTenEqualParts) {
+  EXPECT_EQ(fresh_equaliser(0.0F).left[0].gain, 1.0F);
+  EXPECT_NEAR(std::pow(double{fresh_equaliser(-20.0F).right[9].gain}, 10.0), 0.1, 1e-6);
+  EXPECT_NEAR(gain_db_at(700.0, -20.0F) - gain_db_at(700.0, 0.0F), -20.0, 0.001);
+}
+
+TEST(OutputEqualiser, AddsOffsetsToItsCurveWhenGivenAny) {
+  output_equaliser equaliser = fresh_equaliser(0.0F);
+  const std::array<float, eq_bands> offsets = {0, 0, 0, 0, 0, -6.0F, 0, 0, 0, 0};
+  equaliser_prepare(44100.0F, offsets.data(), &equaliser);
+  eq_section expected;
+  eq_prepare(44100.0F, 1000.0F, -6.0F, 1.0F, &expected);
+  EXPECT_EQ(equaliser.left[5].b0, expected.b0);
+  EXPECT_EQ(equaliser.right[5].a2, expected.a2);
+  EXPECT_EQ(equaliser.left[4].b0, fresh_equaliser(0.0F).left[4].b0);
+}
+
+}  // namespace
