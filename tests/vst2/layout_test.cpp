@@ -1,0 +1,226 @@
+// MIT License. Compile-time tests: our records and numbers against literal offsets and an independent header.
+#include <cstddef>
+
+#include "vst2/aeffect.h"
+
+// The header names a calling convention that only Windows compilers know.
+#ifndef __cdecl
+#define __cdecl  // NOLINT(bugprone-reserved-identifier)
+#endif
+#include <xaymar-vst2/vst.h>
+
+// Not compared, as the header is known to be wrong or vague there: the number of effGetParameterProperties, the types
+// of the host callback's last argument and of effEditGetRect's pointer, and the records of parameter properties and
+// speaker arrangements.
+
+namespace {
+
+// clang-format off
+static_assert(sizeof(AEffect) == 192 && sizeof(AEffect) == sizeof(vst_effect));
+static_assert(kEffectMagic == 0x56737450 && kEffectMagic == VST_MAGICNUMBER);
+static_assert(kVstVersion == 2400 && kVstVersion == VST_VERSION_2_4_0_0);
+
+#define SAME_PLACE(offset, ours, theirs) \
+  static_assert(offsetof(AEffect, ours) == (offset) && offsetof(vst_effect, theirs) == (offset)); \
+  static_assert(sizeof(AEffect::ours) == sizeof(vst_effect::theirs))
+SAME_PLACE(  0, magic,                  magic_number);
+SAME_PLACE(  8, dispatcher,             control);
+SAME_PLACE( 16, process,                process);
+SAME_PLACE( 24, setParameter,           set_parameter);
+SAME_PLACE( 32, getParameter,           get_parameter);
+SAME_PLACE( 40, numPrograms,            num_programs);
+SAME_PLACE( 44, numParams,              num_params);
+SAME_PLACE( 48, numInputs,              num_inputs);
+SAME_PLACE( 52, numOutputs,             num_outputs);
+SAME_PLACE( 56, flags,                  flags);
+SAME_PLACE( 64, resvd1,                 _unknown_ptr_00[0]);
+SAME_PLACE( 72, resvd2,                 _unknown_ptr_00[1]);
+SAME_PLACE( 80, initialDelay,           delay);
+SAME_PLACE( 84, realQualities,          _unknown_int32_00[0]);
+SAME_PLACE( 88, offQualities,           _unknown_int32_00[1]);
+SAME_PLACE( 92, ioRatio,                _unknown_float_00);
+SAME_PLACE( 96, object,                 effect_internal);
+SAME_PLACE(104, user,                   host_internal);
+SAME_PLACE(112, uniqueID,               unique_id);
+SAME_PLACE(116, version,                version);
+SAME_PLACE(120, processReplacing,       process_float);
+SAME_PLACE(128, processDoubleReplacing, process_double);
+SAME_PLACE(136, future,                 _unknown);
+#undef SAME_PLACE
+
+#define PLACE(record, field, offset) static_assert(offsetof(record, field) == (offset))
+static_assert(sizeof(ERect) == 8 && sizeof(vst_rect) == 8);
+PLACE(ERect, top,    offsetof(vst_rect, top));
+PLACE(ERect, left,   offsetof(vst_rect, left));
+PLACE(ERect, bottom, offsetof(vst_rect, bottom));
+PLACE(ERect, right,  offsetof(vst_rect, right));
+
+static_assert(sizeof(VstSpeakerProperties) == 112 && sizeof(vst_speaker_properties) == 112);
+PLACE(VstSpeakerProperties, azimuth,   offsetof(vst_speaker_properties, _unknown_00));
+PLACE(VstSpeakerProperties, elevation, offsetof(vst_speaker_properties, _unknown_04));
+PLACE(VstSpeakerProperties, radius,    offsetof(vst_speaker_properties, _unknown_08));
+PLACE(VstSpeakerProperties, reserved,  offsetof(vst_speaker_properties, _unknown_0C));
+PLACE(VstSpeakerProperties, name,      offsetof(vst_speaker_properties, name));
+PLACE(VstSpeakerProperties, type,      80);
+PLACE(VstSpeakerProperties, future,    84);
+
+static_assert(sizeof(VstSpeakerArrangement) == 904);
+PLACE(VstSpeakerArrangement, type,        0);
+PLACE(VstSpeakerArrangement, numChannels, 4);
+PLACE(VstSpeakerArrangement, speakers,    8);
+
+static_assert(sizeof(VstKeyCode) == 8);
+PLACE(VstKeyCode, character, 0);
+PLACE(VstKeyCode, virt,      4);
+PLACE(VstKeyCode, modifier,  5);
+
+static_assert(sizeof(VstEvent) == 32);
+PLACE(VstEvent, type,        0);
+PLACE(VstEvent, byteSize,    4);
+PLACE(VstEvent, deltaFrames, 8);
+PLACE(VstEvent, flags,       12);
+PLACE(VstEvent, data,        16);
+
+static_assert(sizeof(VstEvents) == 32);
+PLACE(VstEvents, numEvents, 0);
+PLACE(VstEvents, reserved,  8);
+PLACE(VstEvents, events,    16);
+
+static_assert(sizeof(VstMidiEvent) == 32);
+PLACE(VstMidiEvent, flags,           12);
+PLACE(VstMidiEvent, noteLength,      16);
+PLACE(VstMidiEvent, noteOffset,      20);
+PLACE(VstMidiEvent, midiData,        24);
+PLACE(VstMidiEvent, detune,          28);
+PLACE(VstMidiEvent, noteOffVelocity, 29);
+PLACE(VstMidiEvent, reserved1,       30);
+PLACE(VstMidiEvent, reserved2,       31);
+
+static_assert(sizeof(VstMidiSysexEvent) == 48);
+PLACE(VstMidiSysexEvent, flags,     12);
+PLACE(VstMidiSysexEvent, dumpBytes, 16);
+PLACE(VstMidiSysexEvent, resvd1,    24);
+PLACE(VstMidiSysexEvent, sysexDump, 32);
+PLACE(VstMidiSysexEvent, resvd2,    40);
+
+static_assert(sizeof(VstTimeInfo) == 88);
+PLACE(VstTimeInfo, samplePos,          0);
+PLACE(VstTimeInfo, tempo,              32);
+PLACE(VstTimeInfo, cycleEndPos,        56);
+PLACE(VstTimeInfo, timeSigNumerator,   64);
+PLACE(VstTimeInfo, samplesToNextClock, 80);
+PLACE(VstTimeInfo, flags,              84);
+
+static_assert(sizeof(VstPinProperties) == 128);
+PLACE(VstPinProperties, label,           0);
+PLACE(VstPinProperties, flags,           64);
+PLACE(VstPinProperties, arrangementType, 68);
+PLACE(VstPinProperties, shortLabel,      72);
+PLACE(VstPinProperties, future,          80);
+
+static_assert(sizeof(VstParameterProperties) == 152);
+PLACE(VstParameterProperties, label,                   12);
+PLACE(VstParameterProperties, flags,                   76);
+PLACE(VstParameterProperties, largeStepInteger,        92);
+PLACE(VstParameterProperties, shortLabel,              96);
+PLACE(VstParameterProperties, displayIndex,            104);
+PLACE(VstParameterProperties, category,                106);
+PLACE(VstParameterProperties, numParametersInCategory, 108);
+PLACE(VstParameterProperties, reserved,                110);
+PLACE(VstParameterProperties, categoryLabel,           112);
+PLACE(VstParameterProperties, future,                  136);
+
+static_assert(sizeof(VstPatchChunkInfo) == 64);
+PLACE(VstPatchChunkInfo, numElements, 12);
+PLACE(VstPatchChunkInfo, future,      16);
+#undef PLACE
+
+// Opcodes to which the header gives a meaning, and, behind them, those that are only counted there.
+#define SAME_OPCODE(ours, theirs) static_assert(int{ours} == static_cast<int>(VST_EFFECT_OPCODE_##theirs))
+SAME_OPCODE(effOpen,                     CREATE);
+SAME_OPCODE(effClose,                    DESTROY);
+SAME_OPCODE(effGetParamLabel,            PARAM_GETLABEL);
+SAME_OPCODE(effGetParamDisplay,          PARAM_GETVALUE);
+SAME_OPCODE(effGetParamName,             PARAM_GETNAME);
+SAME_OPCODE(effSetSampleRate,            SET_SAMPLE_RATE);
+SAME_OPCODE(effSetBlockSize,             SET_BLOCK_SIZE);
+SAME_OPCODE(effMainsChanged,             SUSPEND);
+SAME_OPCODE(effEditGetRect,              WINDOW_GETRECT);
+SAME_OPCODE(effEditOpen,                 WINDOW_CREATE);
+SAME_OPCODE(effEditClose,                WINDOW_DESTROY);
+SAME_OPCODE(effCanBeAutomated,           PARAM_ISAUTOMATABLE);
+SAME_OPCODE(effGetInputProperties,       INPUT_CHANNEL_NAME);
+SAME_OPCODE(effGetOutputProperties,      OUTPUT_CHANNEL_NAME);
+SAME_OPCODE(effGetPlugCategory,          EFFECT_CATEGORY);
+SAME_OPCODE(effSetSpeakerArrangement,    SET_SPEAKER_ARRANGEMENT);
+SAME_OPCODE(effSetBypass,                BYPASS);
+SAME_OPCODE(effGetEffectName,            EFFECT_NAME);
+SAME_OPCODE(effGetErrorText,             TRANSLATE_ERROR);
+SAME_OPCODE(effGetVendorString,          VENDOR_NAME);
+SAME_OPCODE(effGetProductString,         PRODUCT_NAME);
+SAME_OPCODE(effGetVendorVersion,         VENDOR_VERSION);
+SAME_OPCODE(effVendorSpecific,           CUSTOM);
+SAME_OPCODE(effCanDo,                    SUPPORTS);
+SAME_OPCODE(effGetTailSize,              TAIL_SAMPLES);
+SAME_OPCODE(effGetVstVersion,            VST_VERSION);
+SAME_OPCODE(effGetSpeakerArrangement,    GET_SPEAKER_ARRANGEMENT);
+SAME_OPCODE(effStartProcess,             PROCESS_BEGIN);
+SAME_OPCODE(effStopProcess,              PROCESS_END);
+
+SAME_OPCODE(effSetProgram,               02);
+SAME_OPCODE(effGetProgram,               03);
+SAME_OPCODE(effSetProgramName,           04);
+SAME_OPCODE(effGetProgramName,           05);
+SAME_OPCODE(effEditIdle,                 13);  // hexadecimal, as all here
+SAME_OPCODE(effIdentify,                 16);
+SAME_OPCODE(effGetChunk,                 17);
+SAME_OPCODE(effSetChunk,                 18);
+SAME_OPCODE(effProcessEvents,            19);
+SAME_OPCODE(effGetProgramNameIndexed,    1D);
+SAME_OPCODE(effEditKeyDown,              3B);
+SAME_OPCODE(effEditKeyUp,                3C);
+SAME_OPCODE(effSetEditKnobMode,          3D);
+SAME_OPCODE(effGetCurrentMidiProgram,    3F);
+SAME_OPCODE(effSetTotalSampleToProcess,  49);
+SAME_OPCODE(effGetNumMidiInputChannels,  4E);
+SAME_OPCODE(effGetNumMidiOutputChannels, 4F);
+SAME_OPCODE(effGetNumMidiOutputChannels + 1, MAX);
+#undef SAME_OPCODE
+static_assert(effGetParameterProperties == 56 && effKeysRequired == 57);
+
+#define SAME_HOST_OPCODE(ours, theirs) static_assert(int{ours} == static_cast<int>(VST_HOST_OPCODE_##theirs))
+SAME_HOST_OPCODE(audioMasterAutomate,         00);
+SAME_HOST_OPCODE(audioMasterVersion,          01);
+SAME_HOST_OPCODE(audioMasterGetVendorString,  20);
+SAME_HOST_OPCODE(audioMasterGetProductString, 21);
+SAME_HOST_OPCODE(audioMasterGetVendorVersion, 22);
+SAME_HOST_OPCODE(audioMasterVendorSpecific,   23);
+SAME_HOST_OPCODE(audioMasterBeginEdit,        2B);
+SAME_HOST_OPCODE(audioMasterEndEdit,          2C);
+#undef SAME_HOST_OPCODE
+
+#define SAME_VALUE(ours, theirs) static_assert(int{ours} == static_cast<int>(theirs))
+SAME_VALUE(kSpeakerArrUserDefined, VST_ARRANGEMENT_TYPE_CUSTOM);
+SAME_VALUE(kSpeakerArrEmpty,       VST_ARRANGEMENT_TYPE_UNKNOWN);
+SAME_VALUE(kSpeakerArrMono,        VST_ARRANGEMENT_TYPE_MONO);
+SAME_VALUE(kSpeakerArrStereo,      VST_ARRANGEMENT_TYPE_STEREO);
+SAME_VALUE(kSpeakerArr51,          VST_ARRANGEMENT_TYPE_5_1);
+SAME_VALUE(kSpeakerLfe,            VST_SPEAKER_TYPE_LFE);
+SAME_VALUE(kSpeakerRs,             VST_SPEAKER_TYPE_RIGHT_SIDE);
+SAME_VALUE(kPlugCategRestoration,  VST_CATEGORY_RESTORATION);
+SAME_VALUE(kPlugCategShell,        VST_CATEGORY_CONTAINER);
+SAME_VALUE(kPlugCategMaxCount,     VST_CATEGORY_MAX);
+SAME_VALUE(kVstMaxParamStrLen,     VST_BUFFER_8);
+SAME_VALUE(kVstMaxProgNameLen,     VST_BUFFER_24);
+SAME_VALUE(kVstMaxEffectNameLen,   VST_EFFECT_BUFFER_SIZE);
+SAME_VALUE(kVstMaxVendorStrLen,    VST_VENDOR_BUFFER_SIZE);
+SAME_VALUE(kVstMaxProductStrLen,   VST_PRODUCT_BUFFER_SIZE);
+#undef SAME_VALUE
+
+// Ends of the runs in which keys are counted on from the first of a line.
+static_assert(VKEY_RETURN == 4 && VKEY_HOME == 10 && VKEY_DOWN == 14 && VKEY_PAGEDOWN == 16 && VKEY_ENTER == 19);
+static_assert(VKEY_SNAPSHOT == 20 && VKEY_HELP == 23 && VKEY_NUMPAD9 == 33 && VKEY_SEPARATOR == 36);
+static_assert(VKEY_DIVIDE == 39 && VKEY_F12 == 51 && VKEY_ALT == 56 && VKEY_EQUALS == 57);
+// clang-format on
+
+}  // namespace

@@ -1,0 +1,18 @@
+// MIT License. An effect for tests that overrides nothing but what it must.
+#pragma once
+
+#include "vst2/audio_effect_x.h"
+
+constexpr VstInt32 plain_programs = 24;
+constexpr VstInt32 plain_params = 3;
+
+class PlainEffect : public AudioEffectX {
+ public:
+  explicit PlainEffect(audioMasterCallback host = nullptr) : AudioEffectX(host, plain_programs, plain_params) {}
+  void processReplacing(float** /*inputs*/, float** /*outputs*/, VstInt32 /*sampleFrames*/) override {}
+
+  // Sends an opcode as a host does.
+  VstIntPtr send(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0.0F) {
+    return cEffect.dispatcher(&cEffect, opcode, index, value, ptr, opt);
+  }
+};

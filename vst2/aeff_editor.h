@@ -1,0 +1,53 @@
+// MIT License. Base class of an effect's editor window.
+#pragma once
+
+#include "vst2/aeffect.h"
+
+class AudioEffect;
+
+// All operations run on the host's user-interface thread.
+//
+// An editor that was handed to AudioEffect::setEditor belongs to the effect, which deletes it when its own derived
+// parts are gone already: an editor's destructor must not call the effect.
+class AEffEditor {
+ public:
+  // The editor doesn't announce itself to the effect.
+  explicit AEffEditor(AudioEffect* owner = nullptr) : effect(owner) {}
+  virtual ~AEffEditor() = default;
+  AEffEditor(const AEffEditor&) = delete;
+  AEffEditor& operator=(const AEffEditor&) = delete;
+
+  virtual AudioEffect* getEffect() { return effect; }
+
+  // Hands out the window's size, which must stay valid after the call. May come while the editor is closed.
+  virtual bool getRect(ERect** rect) {
+    *rect = nullptr;
+    return false;
+  }
+
+  // Opens the editor inside the parent window `ptr`: on X11 the window's number itself, on Windows its handle. May be
+  // called again without a close.
+  virtual bool open(void* ptr) {
+    systemWindow = ptr;
+    return false;
+  }
+
+  // May be called again without an open.
+  virtual void close() { systemWindow = nullptr; }
+  virtual bool isOpen() { return systemWindow != nullptr; }
+
+  // The host's regular call while the editor is open, 10 to 60 times a second.
+  virtual void idle() {}
+
+  // Keys and wheel; true when the editor used them.
+  virtual bool onKeyDown(VstKeyCode& /*keyCode*/) { return false; }
+  virtual bool onKeyUp(VstKeyCode& /*keyCode*/) { return false; }
+  virtual bool onWheel(float /*distance*/) { return false; }
+
+  // 0 circular, 1 relative circular, 2 linear; true when the editor has knobs to follow it.
+  virtual bool setKnobMode(VstInt32 /*mode*/) { return false; }
+
+ protected:
+  AudioEffect* effect;
+  void* systemWindow = nullptr;  // parent window while open
+};
