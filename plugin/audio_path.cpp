@@ -1,0 +1,90 @@
+// MIT License. The audio thread's part of the effect: one block from requests to output.
+#include <algorithm>
+
+#include "plugin/effect.h"
+#include "support/logbook.h"
+
+namespace {
+
+void write_silence(float* const* outputs, int32_t frames) {
+  for (int32_t channel = 0; channel < 2; ++channel) std::fill_n(outputs[channel], frames, 0.0F);
+}
+
+// Each frame is read whole before it is written, as the outputs may be the inputs, even with the sides exchanged.
+void copy_dry(const std::array<const float*, 2>& inputs, float* const* outputs, int32_t frames) {
+  for (int32_t frame = 0; frame < frames; ++frame) {
+    const float left = inputs[0] != nullptr ? inputs[0][frame] : 0.0F;
+    const float right = inputs[1] != nullptr ? inputs[1][frame] : 0.0F;
+    outputs[0][frame] = left;
+    outputs[1][frame] = right;
+  }
+}
+
+}  // namespace
+
+void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** outputs, VstInt32 frames) {
+  if (!ready_.load(std::memory_order_acquire)) {
+    write_silence(outputs, frames);
+    return;
+  }
+  // The flag is taken before the selection is read, and the keys are updated after the sound has changed: the base note
+  // follows the sound, and a choice that lands in between is left whole to the next block.
+  const bool keys_requested = take_key_request();
+  activation_token token{};
+  const uint8_t* const sound_key = switch_sound(&token);
+  if (keys_requested) apply_keys();
+
+  const std::array<const float*, 2> arranged = arranged_inputs(inputs);
+  if (current_sound_ == nullptr) {
+    copy_dry(arranged, outputs, frames);
+    return;
+  }
+  const float* const engine_inputs[4] = {arranged[0], arranged[1], nullptr, nullptr};
+  vocoder_process_sound(0, is_on(k_chorus_on), is_on(k_reverb_on), current_sound_->sound_number, sound_key, frames,
+                        engine_inputs, outputs, engine_.get());
+}
+
+// Only the exchange tells whether the data behind the flag may be read, and it is made only when something was asked.
+bool KesrelVocoder4TarvixEffect::take_key_request() {
+  return keys_dirty_.load(std::memory_order_relaxed) != 0 && keys_dirty_.exchange(0, std::memory_order_acquire) != 0;
+}
+
+// Follows the selection, and acknowledges it even when the sound is refused, so that it is not tried at every block.
+// The answer is the engine's permission to take the new sound, null in every block but that of a switch.
+const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
+  const int32_t selected = selected_sound_index_.load(std::memory_order_relaxed);
+  if (selected == current_sound_index_) return nullptr;
+  current_sound_index_ = selected;
+  current_sound_ = row_at(catalogue(), selected);
+  if (current_sound_ == nullptr) return nullptr;
+  const int32_t category_id = current_sound_->category_id;
+  if (!pass_gate(category_id)) {
+    halvern::log_error("soundpack not activated yet!");
+    current_sound_.reset();
+    return nullptr;
+  }
+  if (current_sound_->sound_number < 0) {
+    current_sound_.reset();
+    return nullptr;
+  }
+  return gate_.supply_token(category_id, token) ? token->data() : nullptr;
+}
+
+void KesrelVocoder4TarvixEffect::apply_keys() {
+  key_flags wanted;
+  getPendingKeys(wanted);
+  const int32_t base = key_base_for(current_sound_.get(), is_on(k_octave_on));
+  const note_changes changes = update_keys(wanted, base, &active_keys_);
+  for (const int32_t note : changes.ended()) vocoder_note_off(note, 0, engine_.get());
+  for (const int32_t note : changes.begun()) vocoder_note_on(note, k_key_velocity, engine_.get());
+}
+
+// Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault, and told at
+// every block; that side is silent.
+std::array<const float*, 2> KesrelVocoder4TarvixEffect::arranged_inputs(float** inputs) const {
+  if (input_channels_.load(std::memory_order_relaxed) != 2) return {inputs[0], inputs[0]};
+  if (inputs[1] == nullptr) {
+    halvern::log_error("stereo input setup but no second input data channel on process!");
+  }
+  return {inputs[0], inputs[1]};
+}

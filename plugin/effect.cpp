@@ -1,0 +1,177 @@
+// MIT License. The effect object: identity, parameters, arrangement, and the operations for the editor.
+#include "plugin/effect.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "plugin/host_version_check.h"
+#include "plugin/trace.h"
+#include "support/err/exception.h"
+
+namespace {
+
+constexpr VstInt32 k_unique_id = CCONST('K', 'V', '4', 'M');
+constexpr VstInt32 k_program_count = 24;
+constexpr char k_effect_name[] = "Kesrel Vocoder 4 ME";
+constexpr char k_vendor_name[] = "Quorvant";
+
+// In the order of parameter_index. Eight characters are all that a host's buffer is sure to take.
+constexpr const char* k_parameter_names[] = {"ChorusOn", "ReverbOn", "OctaveOn"};
+static_assert(std::size(k_parameter_names) == k_parameter_count);
+
+// What the effect says it can do. The two answers on events stand although no event is taken or sent.
+constexpr std::string_view k_abilities[] = {
+    "receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"};
+
+// The sound and the chord of a fresh effect: a major triad one octave above the base.
+constexpr std::string_view k_first_sound_uuid = "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder";
+constexpr size_t k_first_chord[] = {12, 16, 19};
+
+constexpr float k_engine_rate_hz = 44100.0F;
+
+}  // namespace
+
+KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate)
+    : AudioEffectX(host, k_program_count, k_parameter_count),
+      gate_(gate),
+      catalogues_(1),
+      catalogue_(&catalogues_.front()) {
+  if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
+  trace("init plugin");
+  setUniqueID(k_unique_id);
+  setNumInputs(2);
+  setNumOutputs(2);
+  canProcessReplacing();
+  programsAreChunks();
+  sound_uuid_ = k_first_sound_uuid;
+  selected_sound_index_.store(0, std::memory_order_relaxed);
+  for (const size_t key : k_first_chord) pending_keys_[key].store(1, std::memory_order_relaxed);
+  trace("create KV Instance");
+  engine_.reset(vocoder_create(k_engine_rate_hz));
+  trace("KV Instance created");
+  request_key_update();
+  trace("plugin ready to go");
+}
+
+void KesrelVocoder4TarvixEffect::setSampleRate(float rate) {
+  trace("changing sample rate");
+  AudioEffectX::setSampleRate(rate);
+  if (engine_) {
+    engine_.reset();
+    std::ranges::fill(active_keys_.held, uint8_t{0});
+  }
+  engine_.reset(vocoder_create(rate));
+  request_key_update();
+}
+
+bool KesrelVocoder4TarvixEffect::setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) {
+  if (input != nullptr && input->numChannels >= 3) return false;
+  if (output != nullptr && output->numChannels > 2) return false;
+  if (input != nullptr) {
+    input_channels_.store(input->numChannels, std::memory_order_relaxed);
+    trace("input channels set to ", input->numChannels == 1 ? "mono" : "stereo");
+  }
+  if (output != nullptr) {
+    output_channels_.store(output->numChannels, std::memory_order_relaxed);
+    trace("output channels set to ", output->numChannels == 1 ? "mono" : "stereo");
+  }
+  return true;
+}
+
+// The value is kept as it was given, and switches on only at exactly 1.
+bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
+  if (index < 0 || index >= k_parameter_count) return false;
+  const auto position = static_cast<size_t>(index);
+  switches_[position].store(value == 1.0F, std::memory_order_relaxed);
+  if (index == k_octave_on) request_key_update();
+  parameter_values_[position].store(value, std::memory_order_relaxed);
+  return true;
+}
+
+void KesrelVocoder4TarvixEffect::setParameter(VstInt32 index, float value) {
+  store_parameter(index, value);
+}
+
+void KesrelVocoder4TarvixEffect::setParameterAutomated(VstInt32 index, float value) {
+  if (store_parameter(index, value)) callHost(audioMasterAutomate, index, 0, nullptr, value);
+}
+
+float KesrelVocoder4TarvixEffect::getParameter(VstInt32 index) {
+  if (index < 0 || index >= k_parameter_count) return 0.0F;
+  return parameter_values_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
+}
+
+void KesrelVocoder4TarvixEffect::getParameterName(VstInt32 index, char* text) {
+  const bool known = index >= 0 && index < k_parameter_count;
+  vst_strncpy(text, known ? k_parameter_names[index] : "", kVstMaxParamStrLen);
+}
+
+bool KesrelVocoder4TarvixEffect::getEffectName(char* name) {
+  vst_strncpy(name, k_effect_name, kVstMaxEffectNameLen);
+  return true;
+}
+
+bool KesrelVocoder4TarvixEffect::getVendorString(char* text) {
+  vst_strncpy(text, k_vendor_name, kVstMaxVendorStrLen);
+  return true;
+}
+
+bool KesrelVocoder4TarvixEffect::getProductString(char* text) {
+  vst_strncpy(text, k_effect_name, kVstMaxProductStrLen);
+  return true;
+}
+
+VstInt32 KesrelVocoder4TarvixEffect::canDo(char* text) {
+  if (text == nullptr) return -1;
+  return std::ranges::find(k_abilities, std::string_view(text)) != std::end(k_abilities) ? 1 : -1;
+}
+
+bool KesrelVocoder4TarvixEffect::setBypass(bool on_off) {
+  trace("setBypass ", on_off ? "true" : "false");
+  return false;
+}
+
+std::vector<menu_row_ref> KesrelVocoder4TarvixEffect::getMenuRows() const {
+  return catalogue().rows;
+}
+
+std::vector<sound_category_ref> KesrelVocoder4TarvixEffect::getCategories() const {
+  return catalogue().categories;
+}
+
+void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
+  const menu_row_ref row = row_at(catalogue(), row_index);
+  if (row == nullptr) return;
+  trace("select_preset_by_index");
+  if (!pass_gate(row->category_id)) return;
+  sound_uuid_ = row->uuid;
+  selected_sound_index_.store(row_index, std::memory_order_relaxed);
+  request_key_update();
+}
+
+void KesrelVocoder4TarvixEffect::getPendingKeys(key_flags& keys) const {
+  std::ranges::transform(pending_keys_, keys, [](const auto& key) { return key.load(std::memory_order_relaxed); });
+}
+
+void KesrelVocoder4TarvixEffect::set_pending_keys(const key_flags& keys) {
+  for (size_t key = 0; key < pending_keys_.size(); ++key) {
+    pending_keys_[key].store(keys[key], std::memory_order_relaxed);
+  }
+  request_key_update();
+}
+
+void KesrelVocoder4TarvixEffect::request_key_update() {
+  keys_dirty_.store(1, std::memory_order_release);
+}
+
+bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {
+  const sound_category_ref category = category_with_id(catalogue(), category_id);
+  if (category == nullptr || !gate_.passes(category_id)) return false;
+  category->activated.store(true, std::memory_order_relaxed);
+  return true;
+}
+
+bool KesrelVocoder4TarvixEffect::is_on(parameter_index index) const {
+  return switches_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
+}

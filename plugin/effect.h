@@ -1,0 +1,130 @@
+// MIT License. The effect object that a host talks to: the VST 2.4 face over one vocoder engine.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <forward_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/vocoder.h"
+#include "plugin/activation_gate.h"
+#include "plugin/catalogue.h"
+#include "plugin/key_update.h"
+#include "vst2/audio_effect_x.h"
+
+// The host-visible parameters: three switches, each on only at exactly 1.0.
+enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parameter_count };
+
+// The effect as host and editor see it.
+//
+// Life: the constructor makes the engine, and blocks are silent. The host handshake (vendorSpecific) builds the sound
+// catalogue and makes the effect ready: from then on a block is the dry input until a sound is selected, and the
+// vocoder's output after that. A change of sample rate replaces the engine, which then holds no sound: blocks are left
+// unwritten until another sound is selected. effClose deletes the object.
+//
+// Threads: three sides meet here without a lock.
+//   - The host's main thread constructs, shakes hands, sets rate and speakers, and destroys. Rate, speakers and
+//     destruction come while processing stands still; that is the host's part of the interface's contract.
+//   - The user-interface thread chooses sounds, keys and switches, and reads what it shows.
+//   - The audio thread runs processReplacing, alone writes the sound and the keys in use, and alone plays the engine.
+// What the first two ask of the third are requests: data first, the flag that publishes them last, taken at the head of
+// the next block. `sound_uuid_` is never touched by the audio thread. An ordinary block, one without a change of sound,
+// takes no lock and doesn't reach the heap.
+class KesrelVocoder4TarvixEffect : public AudioEffectX {
+ public:
+  // Throws err::runtime_error when the host's version does not pass.
+  //   gate   asked for each use of a sound category; must outlive the effect
+  KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate);
+  // The engine ends first, then the sound in use, then the catalogues: the reverse of the members' order.
+  ~KesrelVocoder4TarvixEffect() override = default;
+
+  KesrelVocoder4TarvixEffect(const KesrelVocoder4TarvixEffect&) = delete;
+  KesrelVocoder4TarvixEffect& operator=(const KesrelVocoder4TarvixEffect&) = delete;
+
+  // What the host calls through the dispatcher while processing stands still.
+  void setSampleRate(float rate) override;
+  // Refuses three or more inputs and more than two outputs; null leaves that side as it is.
+  bool setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) override;
+
+  // The host handshake: `index` 'KVHs' with `value` 1 builds the catalogue and answers 1. Everything else answers 0.
+  // Each handshake appends the catalogue once more.
+  VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
+
+  // Audio thread. One host block is one engine block of any length; outputs may be the inputs' own arrays in any order.
+  void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
+
+  // Parameters, from any thread. Indices outside the three do nothing and read as 0. A change by the host stays here;
+  // the automated one, made by the editor, is told to the host.
+  void setParameter(VstInt32 index, float value) override;
+  void setParameterAutomated(VstInt32 index, float value) override;
+  float getParameter(VstInt32 index) override;
+  void getParameterName(VstInt32 index, char* text) override;
+
+  // Identity.
+  bool getEffectName(char* name) override;
+  bool getVendorString(char* text) override;
+  bool getProductString(char* text) override;
+  VstInt32 canDo(char* text) override;
+  // There is no bypass: false, and a host does its own.
+  bool setBypass(bool on_off) override;
+
+  // Operations for the editor, on the user-interface thread.
+  std::vector<menu_row_ref> getMenuRows() const;
+  std::vector<sound_category_ref> getCategories() const;
+  // Asks for the row at that position of the menu. Ignored when there is no such row or its category may not be used. A
+  // separator or title row is accepted and gives the dry input.
+  void select_preset_by_index(int32_t row_index);
+  // The sound last chosen, as stored state names it.
+  const std::string& sound_uuid() const { return sound_uuid_; }
+  // The keys that are wanted, which the next block makes sound.
+  void getPendingKeys(key_flags& keys) const;
+  void set_pending_keys(const key_flags& keys);
+
+ private:
+  struct engine_deleter {
+    void operator()(vocoder_instance* instance) const { vocoder_destroy(instance); }
+  };
+
+  // Host and user-interface threads.
+  void shake_hands();
+  bool store_parameter(VstInt32 index, float value);
+  void request_key_update();
+
+  // Any thread.
+  const sound_catalogue& catalogue() const { return *catalogue_.load(std::memory_order_acquire); }
+  bool pass_gate(int32_t category_id) const;
+  bool is_on(parameter_index index) const;
+
+  // Audio thread: the stages of a block.
+  bool take_key_request();
+  const uint8_t* switch_sound(activation_token* token);
+  void apply_keys();
+  std::array<const float*, 2> arranged_inputs(float** inputs) const;
+
+  const activation_gate& gate_;
+
+  // The handshake's work. Every catalogue there was lives as long as the effect, so that the audio thread may go on
+  // reading one while its successor is published, and never holds the last reference to a row.
+  std::forward_list<sound_catalogue> catalogues_;
+  std::atomic<const sound_catalogue*> catalogue_;
+  std::atomic<bool> ready_{false};
+
+  // Requests to the audio thread, and the state of the switches.
+  std::string sound_uuid_;
+  std::array<std::atomic<uint8_t>, std::size(key_flags{})> pending_keys_{};
+  std::atomic<int32_t> selected_sound_index_{k_no_row};
+  std::atomic<int32_t> keys_dirty_{0};
+  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};
+  std::array<std::atomic<bool>, k_parameter_count> switches_{};
+  std::atomic<int32_t> input_channels_{2};
+  std::atomic<int32_t> output_channels_{2};  // as arranged; both outputs are written whatever it says
+
+  // The audio thread's own.
+  int32_t current_sound_index_ = k_no_row;
+  sounding_keys active_keys_;
+  menu_row_ref current_sound_;
+  std::unique_ptr<vocoder_instance, engine_deleter> engine_;
+};

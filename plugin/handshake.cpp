@@ -1,0 +1,35 @@
+// MIT License. The host handshake, which makes the effect ready to sound.
+#include "plugin/effect.h"
+#include "plugin/trace.h"
+#include "support/logbook.h"
+
+namespace {
+
+// How a host that knows the plug-in greets it, and the version of the interface that both speak.
+constexpr VstInt32 k_handshake_id = CCONST('K', 'V', 'H', 's');
+constexpr VstIntPtr k_interface_version = 1;
+
+}  // namespace
+
+VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr value, void*, float) {
+  if (index != k_handshake_id || value != k_interface_version) return 0;
+  try {
+    shake_hands();
+    return 1;
+  } catch (...) {
+    halvern::log_error("host handshake failed");
+    return 0;
+  }
+}
+
+// `ready_` comes last: it publishes all the rest to the audio thread. A handshake that runs out of memory leaves the
+// effect as it was.
+void KesrelVocoder4TarvixEffect::shake_hands() {
+  trace("interface version 1");
+  sound_catalogue extended = catalogue();
+  append_factory_sounds(&extended);
+  catalogues_.push_front(std::move(extended));
+  catalogue_.store(&catalogues_.front(), std::memory_order_release);
+  ready_.store(true, std::memory_order_release);
+  trace("interface okay");
+}

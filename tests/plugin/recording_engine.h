@@ -1,0 +1,29 @@
+// MIT License. Stands in for the engine in the tests of the shell and keeps what it is asked to do.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/vocoder.h"
+
+struct recorded_block {
+  int32_t curve, chorus_on, reverb_on, sound_number;
+  std::string sound_key;  // empty for null
+  int32_t frames;
+  const float* inputs[4];
+};
+
+struct engine_recording {
+  bool running = true;             // false while a test counts allocations
+  std::vector<std::string> calls;  // "create 44100", "destroy", "on 48 127", "off 48 0", "process"
+  std::vector<recorded_block> blocks;
+
+  // The calls so far, which are then forgotten.
+  std::vector<std::string> take_calls() { return std::exchange(calls, {}); }
+};
+extern engine_recording recording;
+
+// What a block writes once the instance has taken a sound, to the left and the right output.
+constexpr float k_recorded_left = 0.25F;
+constexpr float k_recorded_right = 0.5F;

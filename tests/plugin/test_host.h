@@ -1,0 +1,81 @@
+// MIT License. A host for tests, and a look at what the plug-in logs.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/logbook.h"
+#include "vst2/audio_effect_x.h"
+
+constexpr VstInt32 k_handshake_id = 0x4B564873;  // 'KVHs'
+
+// Answers audioMasterVersion and keeps what it is told. One at a time, as the interface's callback carries no context.
+class test_host {
+ public:
+  explicit test_host(VstIntPtr answered_version = 2400) : version_(answered_version) { current_ = this; }
+  ~test_host() { current_ = nullptr; }
+  test_host(const test_host&) = delete;
+  test_host& operator=(const test_host&) = delete;
+
+  static VstIntPtr VSTCALLBACK callback(AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr, void*, float opt) {
+    if (opcode == audioMasterVersion) return current_->version_;
+    if (opcode == audioMasterAutomate) current_->automated.emplace_back(index, opt);
+    return 0;
+  }
+
+  std::vector<std::pair<VstInt32, float>> automated;
+
+ private:
+  VstIntPtr version_;
+  static inline test_host* current_ = nullptr;
+};
+
+// Collects what reaches the debugger's output while it lives. Its lines alternate with line ends.
+class log_capture {
+ public:
+  log_capture() : earlier_(halvern::logbook_impl::instance().redirect_debugger(keep)) { kept_.clear(); }
+  ~log_capture() { halvern::logbook_impl::instance().redirect_debugger(earlier_); }
+  log_capture(const log_capture&) = delete;
+  log_capture& operator=(const log_capture&) = delete;
+
+  std::string text() const { return kept_; }
+
+ private:
+  static void keep(const char* text) { kept_ += text; }
+
+  halvern::logbook_impl::debugger_output earlier_;
+  static inline std::string kept_;
+};
+
+// One stereo block whose outputs start as 9, which no test signal holds.
+struct stereo_block {
+  explicit stereo_block(int32_t frame_count) : frames(frame_count) {
+    left.reserve(1);  // no null pointers, even without frames
+    right.reserve(1);
+    for (int32_t frame = 0; frame < frames; ++frame) {
+      left.push_back(0.001F * static_cast<float>(frame + 1));
+      right.push_back(-0.002F * static_cast<float>(frame + 1));
+    }
+    out_left.assign(left.size(), 9.0F);
+    out_right = out_left;
+  }
+
+  int32_t frames;
+  std::vector<float> left, right, out_left, out_right;
+  float* inputs[2] = {nullptr, nullptr};
+  float* outputs[2] = {nullptr, nullptr};
+
+  // Through the record, as a host does.
+  void run(AEffect* effect) {
+    inputs[0] = left.data();
+    inputs[1] = right.data();
+    run_with(inputs, effect);
+  }
+  void run_with(float** chosen_inputs, AEffect* effect) {
+    outputs[0] = out_left.data();
+    outputs[1] = out_right.data();
+    effect->processReplacing(effect, chosen_inputs, outputs, frames);
+  }
+};
