@@ -1,0 +1,133 @@
+// MIT License. Sound files: reading the voice, writing the result.
+#include "hosts/audio_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "hosts/failure.h"
+
+namespace fs = std::filesystem;
+
+constexpr int64_t most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
+constexpr int64_t wav_header_bytes = 4096;      // more than libsndfile ever writes around the samples
+
+static std::string system_text(int error) {
+  return std::generic_category().message(error);
+}
+
+static void check_voice_place(const std::string& path) {
+  std::error_code error;
+  const auto status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) throw failure("voice '" + path + "' doesn't exist");
+  if (error) throw failure("voice '" + path + "' cannot be read: " + error.message());
+  if (!fs::is_regular_file(status)) throw failure("voice '" + path + "' is no regular file");
+  if (access(path.c_str(), R_OK) != 0) throw failure("voice '" + path + "' cannot be read: " + system_text(errno));
+  if (fs::file_size(path, error) == 0) throw failure("voice '" + path + "' is empty");
+}
+
+voice_reader::voice_reader(const std::string& path) : path_(path) {
+  check_voice_place(path);
+  file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
+  const std::string name = "voice '" + path + "'";
+  if (!file_) throw failure(name + " is no sound file that can be read: " + sf_strerror(nullptr));
+  if (info_.channels > 2) {
+    throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
+  }
+  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
+    throw failure(name + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
+                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
+  }
+  if (info_.frames <= 0) throw failure(name + " has no samples");
+}
+
+int64_t voice_reader::read(float* const* channels, int count) {
+  const auto stride = static_cast<std::size_t>(info_.channels);
+  interleaved_.assign(static_cast<std::size_t>(count) * stride, 0.0F);
+  const sf_count_t got = sf_readf_float(file_.get(), interleaved_.data(), count);
+  if (got < count && sf_error(file_.get()) != SF_ERR_NO_ERROR) {
+    throw failure("voice '" + path_ + "' cannot be read to its end: " + sf_strerror(file_.get()));
+  }
+  for (std::size_t channel = 0; channel < stride; ++channel) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+      channels[channel][i] = interleaved_[i * stride + channel];
+    }
+  }
+  return got;
+}
+
+void check_output_place(const std::string& voice, const std::string& output) {
+  std::error_code error;
+  const auto status = fs::status(output, error);
+  if (!fs::exists(status)) return;
+  if (!fs::is_regular_file(status)) throw failure("output '" + output + "' is no regular file");
+  if (fs::equivalent(voice, output, error)) {
+    throw failure("output '" + output + "' is the voice itself: name another file");
+  }
+}
+
+// Creates the file beside `target` that becomes it, with the permissions that the user's mask leaves.
+static int open_partial(const fs::path& target, fs::path* partial) {
+  *partial = target;
+  std::string name = ".";
+  name.append(target.filename().string()).append(".").append(std::to_string(getpid())).append(".part");
+  partial->replace_filename(name);
+  return open(partial->c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+}
+
+wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format) : path_(path), target_(path) {
+  std::error_code error;
+  if (fs::exists(target_, error)) target_ = fs::canonical(target_, error);
+  if (error) throw failure("output '" + path_ + "' cannot be written: " + error.message());
+  if (fs::exists(target_) && access(target_.c_str(), W_OK) != 0) {
+    throw failure("output '" + path_ + "' cannot be written: " + system_text(errno));
+  }
+  const int descriptor = open_partial(target_, &partial_);
+  if (descriptor < 0) throw failure("output '" + path_ + "' cannot be written: " + system_text(errno));
+
+  SF_INFO info{};
+  info.samplerate = rate_hz;
+  info.channels = 2;
+  info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
+  file_.reset(sf_open_fd(descriptor, SFM_WRITE, &info, SF_TRUE));
+  if (!file_) {
+    unlink(partial_.c_str());
+    throw failure("output '" + path_ + "' cannot be written: " + sf_strerror(nullptr));
+  }
+  sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
+  sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
+  room_ = (most_wav_bytes - wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
+}
+
+wav_writer::~wav_writer() {
+  if (!file_) return;
+  file_.reset();
+  unlink(partial_.c_str());
+}
+
+void wav_writer::write(const float* left, const float* right, int count) {
+  room_ -= count;
+  if (room_ < 0) throw failure("output '" + path_ + "' would exceed the 4 GiB that a WAV file can hold");
+  interleaved_.resize(2 * static_cast<std::size_t>(count));
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    interleaved_[2 * i] = left[i];
+    interleaved_[2 * i + 1] = right[i];
+  }
+  if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
+    throw failure("output '" + path_ + "' cannot be written: " + sf_strerror(file_.get()));
+  }
+}
+
+void wav_writer::finish() {
+  sf_write_sync(file_.get());
+  const int unsaid = sf_error(file_.get());
+  const int unclosed = sf_close(file_.release());
+  if (unsaid != SF_ERR_NO_ERROR || unclosed != 0 || rename(partial_.c_str(), target_.c_str()) != 0) {
+    const std::string reason = unsaid != SF_ERR_NO_ERROR ? sf_error_number(unsaid) : system_text(errno);
+    unlink(partial_.c_str());
+    throw failure("output '" + path_ + "' cannot be written: " + reason);
+  }
+}

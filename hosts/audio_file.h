@@ -1,0 +1,74 @@
+// MIT License. Sound files: reading the voice, writing the result.
+#pragma once
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct sound_file_closer {
+  void operator()(SNDFILE* file) const { sf_close(file); }
+};
+using sound_file = std::unique_ptr<SNDFILE, sound_file_closer>;
+
+// The voice, read from start to end.
+class voice_reader {
+ public:
+  // Throws failure for what isn't a readable sound file of 1 or 2 channels with at least one sample, and for rates
+  // outside `lowest_rate_hz` to `highest_rate_hz`.
+  explicit voice_reader(const std::string& path);
+
+  int channels() const { return info_.channels; }
+  int rate_hz() const { return info_.samplerate; }
+  int64_t frames() const { return info_.frames; }
+
+  // Reads the next `count` samples of each channel; what lies behind the end is 0.
+  //   shapes    channels[this->channels()][count]
+  //   returns   samples read, below `count` at the end only
+  //   throws    failure when the file breaks off
+  int64_t read(float* const* channels, int count);
+
+ private:
+  std::string path_;
+  SF_INFO info_{};
+  sound_file file_;
+  std::vector<float> interleaved_;
+};
+
+// Bounds of the voice's rate: below, speech is no longer understood; above, there are no recordings.
+constexpr int lowest_rate_hz = 2000;
+constexpr int highest_rate_hz = 768000;
+
+enum class sample_format { pcm_24, float_32 };
+
+// A stereo WAV file that appears under its name only when it is finished; until then it grows in a file beside it,
+// which vanishes with the writer.
+class wav_writer {
+ public:
+  // Throws failure when the place cannot be written to.
+  wav_writer(const std::string& path, int rate_hz, sample_format format);
+  ~wav_writer();
+  wav_writer(const wav_writer&) = delete;
+  wav_writer& operator=(const wav_writer&) = delete;
+
+  // Appends `count` samples. In 24-bit files they are clipped at full scale. Throws failure, for a full disk say, or
+  // when the file would outgrow the 4 GiB that its header can count.
+  void write(const float* left, const float* right, int count);
+
+  // Closes the file and gives it its name.
+  void finish();
+
+ private:
+  std::string path_;              // as the user named it
+  std::filesystem::path target_;  // where links lead to
+  std::filesystem::path partial_;
+  sound_file file_;
+  int64_t room_;  // samples per channel that still fit
+  std::vector<float> interleaved_;
+};
+
+// Throws failure when `output` is the very file `voice`, by whatever name, or is no regular file.
+void check_output_place(const std::string& voice, const std::string& output);

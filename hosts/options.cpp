@@ -1,0 +1,67 @@
+// MIT License. The command line of kesrel-render.
+#include "hosts/options.h"
+
+#include <charconv>
+
+#include <CLI/CLI.hpp>
+
+#include "hosts/failure.h"
+
+static const char* const closing_words =
+    "VOICE may be any sound file that libsndfile reads, at any rate, mono or stereo; of a stereo file the effect "
+    "hears\n"
+    "the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency "
+    "of\n"
+    "1024 samples at 44100 Hz unless --compensate drops it.\n"
+    "Exit status: 0 done, 2 not done, with the reason on standard error and no file left.";
+
+// CLI11 asks a check for the text of its complaint; an empty one means that all is well.
+static std::string complaint_about_block(const std::string& text) {
+  int block = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), block);
+  const bool is_number = error == std::errc{} && end == text.data() + text.size();
+  if (is_number && block >= smallest_block && block <= largest_block) return {};
+  return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
+         " samples, which '" + text + "' isn't";
+}
+
+static void declare(CLI::App* app, render_options* options) {
+  app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
+  app->set_help_flag("-h,--help", "Print this help and leave");
+  app->footer(closing_words);
+  app->add_option("VOICE", options->voice, "Sound file with the voice");
+  app->add_option("OUT", options->output, "WAV file to write");
+  app->add_option("--sound", options->sound,
+                  "Sound: its number, its uuid, or its name or a part of it that is unique; default 0")
+      ->type_name("NAME|UUID|NUMBER");
+  app->add_option("--keys", options->keys,
+                  "Held keys: indices 0 to 35, or note names such as C4,Eb4,G4, where C4 is note 60; default 12,16,19")
+      ->type_name("LIST");
+  app->add_option("--block", options->block, "Samples per call of the effect, default 512")
+      ->type_name("N")
+      ->check(CLI::Validator(complaint_about_block, ""));
+  app->add_flag("--chorus", options->chorus, "Switch the chorus on");
+  app->add_flag("--reverb", options->reverb, "Switch the reverb on, and write its tail");
+  app->add_flag("--octave", options->octave, "Raise the keyboard by an octave");
+  app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
+  app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
+  app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");
+  app->add_flag("--quiet", options->quiet, "Neither a progress bar nor the closing line");
+}
+
+command_line read_command_line(int argc, const char* const* argv, render_options* options) {
+  CLI::App app("Sends a voice through the vocoder and writes what comes out", "kesrel-render");
+  declare(&app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& asked) {
+    app.exit(asked);
+    return command_line::done;
+  } catch (const CLI::ParseError& error) {
+    throw failure(std::string(error.what()) + "; --help tells what is possible");
+  }
+  if (!options->list_sounds && (options->voice.empty() || options->output.empty())) {
+    throw failure("VOICE and OUT.wav must be named; --help tells what is possible");
+  }
+  return command_line::render;
+}

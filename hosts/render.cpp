@@ -1,0 +1,224 @@
+// MIT License. Renders a voice through the effect into a file.
+#include "hosts/render.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "hosts/audio_file.h"
+#include "hosts/effect_host.h"
+#include "hosts/failure.h"
+#include "hosts/interruption.h"
+#include "hosts/keys.h"
+#include "hosts/meters.h"
+#include "hosts/progress.h"
+#include "hosts/sound_and_keys.h"
+#include "hosts/timeline.h"
+
+namespace {
+
+// A not-a-number that no arithmetic makes. The effect's output is always finite, so a block that still holds it after
+// processing was not written.
+const float k_unwritten = std::bit_cast<float>(0x7fc0beefU);
+
+// A tail below this level, for this long, has died away.
+constexpr float k_inaudible = 1e-4F;  // -80 dBFS
+constexpr double k_quiet_seconds = 0.1;
+
+class stereo_block {
+ public:
+  explicit stereo_block(int size) : left_(static_cast<std::size_t>(size)), right_(left_) {}
+  stereo_block(const stereo_block&) = delete;
+  stereo_block& operator=(const stereo_block&) = delete;
+
+  float** channels() { return pointers_.data(); }
+  void fill(float value) {
+    std::fill(left_.begin(), left_.end(), value);
+    std::fill(right_.begin(), right_.end(), value);
+  }
+  bool holds_only(float value) const {
+    const auto same = [value](float x) { return std::bit_cast<uint32_t>(x) == std::bit_cast<uint32_t>(value); };
+    return std::all_of(left_.begin(), left_.end(), same) && std::all_of(right_.begin(), right_.end(), same);
+  }
+
+ private:
+  std::vector<float> left_;
+  std::vector<float> right_;
+  std::array<float*, 2> pointers_{left_.data(), right_.data()};
+};
+
+// Whether the effect, fresh from a change of rate, writes a block with this sound.
+bool yields_output(const sound& candidate, effect_host* host) {
+  stereo_block input(64);
+  stereo_block output(64);
+  output.fill(k_unwritten);
+  choose_sound(candidate, host->record());
+  host->process(input.channels(), output.channels(), 64);
+  return !output.holds_only(k_unwritten);
+}
+
+failure no_output_from(const sound& chosen, const std::vector<sound>& sounds) {
+  effect_host host(44100, 64, 1);
+  std::vector<int> possible;
+  for (const auto& candidate : sounds) {
+    host.set_rate(44100);  // the new engine holds no sound, so that no earlier one answers for the candidate
+    if (yields_output(candidate, &host)) possible.push_back(candidate.number);
+  }
+  return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name +
+                 "' yields no output, as the engine has no values for it: sounds with output are " + runs_of(possible));
+}
+
+// One rendering, from the set-up effect to the finished file.
+class rendering {
+ public:
+  rendering(const render_options& options, const std::vector<int>& keys, voice_reader* voice, effect_host* host)
+      : options_(options),
+        voice_(*voice),
+        host_(*host),
+        plan_(timeline_of(voice->frames(), voice->rate_hz(), options.block, options.compensate, options.reverb)),
+        input_(options.block),
+        output_(options.block),
+        meters_(voice->rate_hz()),
+        writer_(options.output, voice->rate_hz(),
+                options.float_samples ? sample_format::float_32 : sample_format::pcm_24) {
+    hold_keys(keys, host_.record());
+  }
+
+  // False when the effect writes nothing.
+  bool run() {
+    progress_bar progress(plan_.end - plan_.run_in, !options_.quiet);
+    host_.start();
+    for (position_ = plan_.run_in; position_ < plan_.end; position_ += options_.block) {
+      check_interruption();
+      if (position_ >= plan_.keys_up) hold_keys({}, host_.record());
+      fill_input();
+      output_.fill(k_unwritten);
+      host_.process(input_.channels(), output_.channels(), options_.block);
+      if (output_.holds_only(k_unwritten)) return false;
+      deliver_output();
+      progress.show(position_ - plan_.run_in);
+    }
+    writer_.finish();
+    return true;
+  }
+
+  render_report report(double elapsed_seconds) const {
+    render_report result;
+    result.seconds = static_cast<double>(plan_.end - plan_.start) / voice_.rate_hz();
+    result.peak = static_cast<double>(meters_.peak());
+    result.lufs = meters_.loudness_lufs();
+    result.times_real_time = result.seconds / elapsed_seconds;
+    result.samples_above_full_scale = meters_.samples_above_full_scale();
+    return result;
+  }
+
+ private:
+  // The next block: silence before and behind the voice. A mono voice stands in both channels, for an effect that reads
+  // the second in spite of the arrangement.
+  void fill_input() {
+    input_.fill(0.0F);
+    const int64_t lead = std::max<int64_t>(0, -position_);
+    const int64_t wanted = std::min(options_.block - lead, voice_.frames() - position_ - lead);
+    if (wanted <= 0) return;
+    float* const left = input_.channels()[0] + lead;
+    float* const right = input_.channels()[1] + lead;
+    float* const channels[2] = {left, right};
+    if (voice_.read(channels, static_cast<int>(wanted)) < wanted) {
+      throw failure("voice '" + options_.voice + "' breaks off before its end");
+    }
+    if (voice_.channels() == 1) std::copy_n(left, wanted, right);
+  }
+
+  // Writes and measures what of the block lies within the timeline.
+  void deliver_output() {
+    const int64_t first = std::max(int64_t{0}, plan_.start - position_);
+    lengthen_tail();
+    const int64_t last = std::min<int64_t>(options_.block, plan_.end - position_);
+    if (last <= first) return;
+    const float* left = output_.channels()[0] + first;
+    const float* right = output_.channels()[1] + first;
+    writer_.write(left, right, static_cast<int>(last - first));
+    meters_.add(left, right, static_cast<int>(last - first));
+  }
+
+  // Moves the end on while a tail is audible.
+  void lengthen_tail() {
+    if (position_ < plan_.keys_up || plan_.end >= plan_.longest_end) return;
+    for (int i = 0; i < options_.block; ++i) {
+      const float magnitude = std::max(std::abs(output_.channels()[0][i]), std::abs(output_.channels()[1][i]));
+      if (magnitude <= k_inaudible) continue;
+      const auto quiet_from = position_ + i + static_cast<int64_t>(k_quiet_seconds * voice_.rate_hz());
+      plan_.end = std::clamp(quiet_from, plan_.end, plan_.longest_end);
+    }
+  }
+
+  const render_options& options_;
+  voice_reader& voice_;
+  effect_host& host_;
+  timeline plan_;
+  stereo_block input_;
+  stereo_block output_;
+  meters meters_;
+  wav_writer writer_;
+  int64_t position_ = 0;
+};
+
+// Checks that come from the rate, which only the voice tells.
+void check_block(const render_options& options, const voice_reader& voice) {
+  const int shortest = shortest_block(voice.rate_hz());
+  if (options.block >= shortest) return;
+  throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(voice.rate_hz()) +
+                " Hz: at least " + std::to_string(shortest));
+}
+
+std::string in_db(double value) {
+  if (std::isinf(value)) return "-inf";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
+
+}  // namespace
+
+render_report render(const render_options& options) {
+  voice_reader voice(options.voice);
+  check_output_place(options.voice, options.output);
+  check_block(options, voice);
+
+  effect_host host(voice.rate_hz(), options.block, voice.channels());
+  const auto sounds = sounds_of(*host.record());
+  const auto& chosen = find_sound(sounds, options.sound);
+  const auto keys = parse_keys(options.keys, chosen.root_key + (options.octave ? octave_switch_keys : 0));
+  choose_sound(chosen, host.record());
+  host.set(effect_switch::chorus, options.chorus);
+  host.set(effect_switch::reverb, options.reverb);
+  host.set(effect_switch::octave, options.octave);
+
+  note_interruptions();
+  const auto began = std::chrono::steady_clock::now();
+  rendering run(options, keys, &voice, &host);
+  if (!run.run()) throw no_output_from(chosen, sounds);
+  return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
+}
+
+std::string sound_table() {
+  const effect_host host(44100, 64, 1);
+  return table_of(sounds_of(*host.record()));
+}
+
+std::string closing_line(const render_options& options, const render_report& report) {
+  char figures[128];
+  std::snprintf(figures, sizeof figures, ": %.2f s, peak %s dBFS, %s LUFS, %.0f x real time", report.seconds,
+                in_db(20.0 * std::log10(report.peak)).c_str(), in_db(report.lufs).c_str(), report.times_real_time);
+  std::string line = options.output + figures;
+  if (report.peak == 0.0) line += ", silent";
+  if (report.samples_above_full_scale > 0) {
+    const std::string count = std::to_string(report.samples_above_full_scale);
+    line += options.float_samples ? ", " + count + " samples above full scale" : ", clipped " + count + " samples";
+  }
+  return line;
+}

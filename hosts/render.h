@@ -1,0 +1,24 @@
+// MIT License. Renders a voice through the effect into a file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "hosts/options.h"
+
+struct render_report {
+  double seconds = 0.0;  // length of the output
+  double peak = 0.0;     // full scale is 1
+  double lufs = 0.0;     // -infinity for silence and for less than 400 ms
+  double times_real_time = 0.0;
+  int64_t samples_above_full_scale = 0;
+};
+
+// Carries `options` out. Throws failure, and interrupted, and then leaves no file behind.
+render_report render(const render_options& options);
+
+// The sounds of the effect as a table.
+std::string sound_table();
+
+// The report as the closing line of a rendering.
+std::string closing_line(const render_options& options, const render_report& report);

@@ -1,0 +1,58 @@
+// MIT License. Small text operations that messages and look-ups share.
+#include "hosts/text.h"
+
+#include <algorithm>
+
+std::string lower_case(std::string_view text) {
+  std::string result(text);
+  for (char& c : result) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return result;
+}
+
+static std::string_view without_blanks_around(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+  std::vector<std::string> pieces;
+  for (;;) {
+    const auto end = text.find(separator);
+    pieces.emplace_back(without_blanks_around(text.substr(0, end)));
+    if (end == std::string_view::npos) return pieces;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::string joined(const std::vector<std::string>& items) {
+  std::string result;
+  for (const auto& item : items) {
+    if (!result.empty()) result += ", ";
+    result += item;
+  }
+  return result;
+}
+
+std::string on_one_line(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
+  }
+  return text;
+}
+
+int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
+  std::vector<int> row(text.size() + 1, 0);  // zeros: the stretch may start anywhere
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    int diagonal = row[0];
+    row[0] = static_cast<int>(i) + 1;
+    for (std::size_t j = 1; j <= text.size(); ++j) {
+      const int replaced = diagonal + (wanted[i] == text[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return *std::min_element(row.begin(), row.end());  // and may end anywhere
+}

@@ -1,0 +1,126 @@
+// MIT License. Words for tests that run kesrel-render as a user does.
+#include "tests/hosts/command.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sndfile.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace fs = std::filesystem;
+
+extern char** environ;
+
+scratch_folder::scratch_folder() {
+  std::string name = (fs::temp_directory_path() / "kesrel-render-XXXXXX").string();
+  path_ = mkdtemp(name.data());
+}
+
+scratch_folder::~scratch_folder() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::vector<std::string> scratch_folder::listing() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// The program with its output in `out` and `error`. Its log goes to a folder of the tests.
+static pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
+  static const scratch_folder log_folder;
+  setenv("XDG_DATA_HOME", log_folder.file("").c_str(), 1);
+  std::vector<char*> argv;
+  arguments owned = words;
+  owned.insert(owned.begin(), KESREL_RENDER);
+  for (auto& word : owned) argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, error.c_str(), O_WRONLY | O_CREAT, 0600);
+  // A shell that runs the tests in the background has us ignore SIGINT; the program shall not inherit that.
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t reset;
+  sigemptyset(&reset);
+  sigaddset(&reset, SIGINT);
+  sigaddset(&reset, SIGTERM);
+  posix_spawnattr_setsigdefault(&attributes, &reset);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+
+  pid_t process = -1;
+  EXPECT_EQ(posix_spawn(&process, KESREL_RENDER, &actions, &attributes, argv.data(), environ), 0);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&actions);
+  return process;
+}
+
+static std::string content_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+int status_of(pid_t process) {
+  int status = 0;
+  waitpid(process, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+outcome run(const arguments& words) {
+  const scratch_folder output;
+  const int status = status_of(spawn(words, output.file("out"), output.file("error")));
+  return {status, content_of(output.file("out")), content_of(output.file("error"))};
+}
+
+pid_t start(const arguments& words) {
+  return spawn(words, "/dev/null", "/dev/null");
+}
+
+recording read_recording(const std::string& path) {
+  SF_INFO info{};
+  SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
+  EXPECT_NE(file, nullptr) << path;
+  recording content{info.samplerate, info.channels, info.format, {}};
+  content.samples.resize(static_cast<std::size_t>(info.frames * info.channels));
+  EXPECT_EQ(sf_readf_float(file, content.samples.data(), info.frames), info.frames);
+  sf_close(file);
+  return content;
+}
+
+void write_recording(const std::string& path, const recording& content) {
+  SF_INFO info{};
+  info.samplerate = content.rate_hz;
+  info.channels = content.channels;
+  info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+  SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+  ASSERT_NE(file, nullptr) << path;
+  sf_writef_float(file, content.samples.data(), static_cast<sf_count_t>(content.frames()));
+  sf_close(file);
+}
+
+recording voice_of(double seconds, int rate_hz, int channels) {
+  std::mt19937 generator(1);
+  recording voice{rate_hz, channels, 0, {}};
+  const int frames = static_cast<int>(seconds * rate_hz);
+  for (int i = 0; i < frames; ++i) {
+    const double beat = 0.5 - 0.5 * std::cos(2.0 * 3.14159265 * 4.0 * i / rate_hz);
+    const double noise = static_cast<double>(generator()) / 4294967296.0 - 0.5;
+    voice.samples.insert(voice.samples.end(), static_cast<std::size_t>(channels),
+                         static_cast<float>(0.5 * beat * noise));
+  }
+  return voice;
+}

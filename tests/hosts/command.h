@@ -1,0 +1,59 @@
+// MIT License. Words for tests that run kesrel-render as a user does.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// A folder that is made for one test and vanishes with it.
+class scratch_folder {
+ public:
+  scratch_folder();
+  ~scratch_folder();
+  scratch_folder(const scratch_folder&) = delete;
+  scratch_folder& operator=(const scratch_folder&) = delete;
+
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+  // Names of the files in it, sorted.
+  std::vector<std::string> listing() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct outcome {
+  int status;         // exit status, or -n for an end by signal n
+  std::string out;    // standard output
+  std::string error;  // standard error
+};
+
+using arguments = std::vector<std::string>;
+
+// Runs the program to its end.
+outcome run(const arguments& words);
+
+// Starts the program and doesn't wait.
+pid_t start(const arguments& words);
+
+// The exit status of a started program, or -n for an end by signal n.
+int status_of(pid_t process);
+
+// Samples of a sound file, channels in turn.
+struct recording {
+  int rate_hz = 44100;
+  int channels = 1;
+  int format = 0;  // as libsndfile has it
+  std::vector<float> samples;
+
+  std::size_t frames() const { return samples.size() / static_cast<std::size_t>(channels); }
+};
+
+recording read_recording(const std::string& path);
+
+// Writes a 32-bit float WAV file.
+void write_recording(const std::string& path, const recording& content);
+
+// Noise with a slow beat, near enough to a voice for a vocoder to sing with; the same for the same arguments.
+recording voice_of(double seconds, int rate_hz = 44100, int channels = 1);

@@ -1,0 +1,36 @@
+// MIT License. Tests of the meters.
+#include "hosts/meters.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+TEST(Meters, ShowPeakAndCountWhatExceedsFullScale) {
+  meters meter(44100);
+  const float left[] = {0.5F, -1.5F, 1.0F, 0.0F};
+  const float right[] = {0.0F, 1.25F, -1.0F, 0.0F};
+  meter.add(left, right, 4);
+  EXPECT_EQ(meter.peak(), 1.5F);
+  EXPECT_EQ(meter.samples_above_full_scale(), 2);
+}
+
+// EBU Tech 3341, case 1: a stereo sine of 1 kHz at -23 dBFS per channel measures -23 LUFS.
+TEST(Meters, MeasureTheReferenceToneAtItsLoudness) {
+  meters meter(48000);
+  std::vector<float> tone(48000 * 5);
+  for (std::size_t i = 0; i < tone.size(); ++i) {
+    tone[i] = static_cast<float>(std::pow(10.0, -23.0 / 20.0) *
+                                 std::sin(2.0 * std::numbers::pi * 1000.0 * static_cast<double>(i) / 48000.0));
+  }
+  meter.add(tone.data(), tone.data(), static_cast<int>(tone.size()));
+  EXPECT_NEAR(meter.loudness_lufs(), -23.0, 0.1);
+}
+
+TEST(Meters, HaveNoLoudnessForSilence) {
+  meters meter(8000);
+  const std::vector<float> silence(16000);
+  meter.add(silence.data(), silence.data(), static_cast<int>(silence.size()));
+  EXPECT_EQ(meter.loudness_lufs(), -HUGE_VAL);
+  EXPECT_EQ(meter.peak(), 0.0F);
+}
