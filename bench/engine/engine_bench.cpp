@@ -46,8 +46,6 @@ void whole_engine(benchmark::State& state) {
   for (auto _ : state) s.run_block();
   const double samples = static_cast<double>(state.iterations()) * block;
   state.counters["x_real_time"] = benchmark::Counter(samples / rate_hz, benchmark::Counter::kIsRate);
-  state.counters["ns_per_sample"] =
-      benchmark::Counter(samples * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(whole_engine)->ArgNames({"mode", "block"})->ArgsProduct({{0, 1, 2, 3, 4, 5, 6, 7, 11}, {512}});
 
