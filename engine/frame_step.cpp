@@ -7,6 +7,7 @@
 #include "dsp/convert.h"
 #include "dsp/noise.h"
 #include "dsp/oscillators.h"
+#include "engine/prediction_modes.h"
 #include "engine/transform_modes.h"
 #include "engine/voco_state.h"
 
@@ -99,6 +100,15 @@ void vocode_in_time_domain(voco_state* state) {
       break;
     case 7:
       vocoder_filter_bank(band_filter::bandpass_twice, modulator, carrier, frame_size, state);
+      break;
+    case 8:
+      vocoder_prediction(prediction_order_low, modulator, carrier, frame_size, &state->prediction, &state->arena);
+      break;
+    case 9:
+      vocoder_prediction(prediction_order_medium, modulator, carrier, frame_size, &state->prediction, &state->arena);
+      break;
+    case 10:
+      vocoder_prediction(prediction_order_high, modulator, carrier, frame_size, &state->prediction, &state->arena);
       break;
     default:
       break;

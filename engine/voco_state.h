@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "dsp/linear_prediction.h"
 #include "dsp/wsyn.h"
 #include "engine/filter_bank.h"
 #include "engine/frame_arena.h"
@@ -88,5 +89,6 @@ struct voco_state {
   int32_t frame_pos = 0;  // next write position in the frames
   std::array<float, 32> note_mirror{};
 
+  lpc_workspace prediction{};
   frame_arena arena{};
 };

@@ -217,5 +217,5 @@ inline bool all_finite(const waveform& x) {
   return true;
 }
 
-// The algorithms that are on hand: seven spectral, two filter banks.
-constexpr std::array<int, 9> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 11};
+// The algorithms that are on hand: seven spectral, two filter banks, three linear predictions.
+constexpr std::array<int, 12> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};

@@ -1,0 +1,134 @@
+// MIT License.
+#include "engine/prediction_modes.h"
+
+#include <gtest/gtest.h>
+
+#include "dsp/linear_prediction.h"
+#include "engine/dc_block.h"
+#include "engine/frame_arena.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+constexpr int32_t frame_length = 1024;
+constexpr float quantum = 3.051851e-05F;
+
+waveform without_dc(waveform x) {
+  dc_block(x.data(), static_cast<int32_t>(x.size()));
+  return x;
+}
+
+waveform windowed(waveform x) {
+  for (size_t t = 0; t < x.size(); ++t) {
+    const float u = (2.0F * static_cast<float>(t) + 1.0F) / static_cast<float>(x.size()) - 1.0F;
+    x[t] *= 1.0F - u * u;
+  }
+  return x;
+}
+
+struct predictor {
+  std::unique_ptr<lpc_workspace> workspace = std::make_unique<lpc_workspace>();
+  std::unique_ptr<frame_arena> arena = std::make_unique<frame_arena>();
+
+  waveform vocode(int32_t order, waveform modulator, const waveform& carrier) {
+    vocoder_prediction(order, modulator.data(), carrier.data(), static_cast<int32_t>(modulator.size()), workspace.get(),
+                       arena.get());
+    EXPECT_EQ(arena->used, 0);
+    return modulator;
+  }
+};
+
+constexpr int32_t orders[] = {prediction_order_low, prediction_order_medium, prediction_order_high};
+
+TEST(DcBlock, FollowsItsRecursionWithinTheQuantum) {
+  const waveform x = noise(4096, 0.9F);
+  const waveform y = without_dc(x);
+  double expected = 0.0;
+  for (size_t t = 0; t < x.size(); ++t) {
+    expected = x[t] - (t == 0 ? 0.0 : double{x[t - 1]}) + (1.0 - 1.0 / 1024.0) * expected;
+    ASSERT_NEAR(y[t], expected, 4 * quantum) << t;
+    ASSERT_EQ(y[t], std::round(y[t] / quantum) * quantum) << t;
+  }
+}
+
+TEST(DcBlock, RoundsItsInputTowardsZeroAndItsOutputDown) {
+  EXPECT_EQ(without_dc({0.99F * quantum, 0.0F})[0], 0.0F);
+  EXPECT_EQ(without_dc({-0.99F * quantum, 0.0F})[0], 0.0F);
+  // A step of 1.5 quanta up counts as one, and its decay falls below the quantum at once.
+  EXPECT_EQ(without_dc({1.5F * quantum, 1.5F * quantum}), (waveform{quantum, 0.0F}));
+  EXPECT_EQ(without_dc({-1.5F * quantum, -1.5F * quantum}), (waveform{-quantum, -quantum}));
+}
+
+TEST(DcBlock, RemovesDcAndKeepsTheSound) {
+  waveform x = sine(44100, 440.0, 0.4);
+  for (float& sample : x) sample += 0.3F;
+  const waveform y = without_dc(x);
+  double mean = 0.0;
+  for (size_t t = 22050; t < y.size(); ++t) mean += y[t] / 22050.0;
+  EXPECT_NEAR(mean, 0.0, quantum);
+  EXPECT_NEAR(level_at(y, 22050, 22050, 440.0), 0.4, 0.0004);
+}
+
+TEST(DcBlock, TakesWhateverComes) {
+  waveform x = {1e30F, -1e30F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 1.0F,
+                -1.0F, 1.0F};
+  EXPECT_TRUE(all_finite(without_dc(x)));
+}
+
+TEST(Prediction, ImposesAFormantOnANoiseCarrier) {
+  predictor p;
+  for (const int32_t order : orders) {
+    waveform result;
+    for (uint32_t frame = 0; frame < 24; ++frame) {
+      const waveform y =
+          p.vocode(order, windowed(vowel(frame_length, 1500.0, 0.5)), windowed(noise(frame_length, 0.5F, frame + 1)));
+      result.insert(result.end(), y.begin(), y.end());
+    }
+    const double formant = band_power(result, 0, 1300.0, 1700.0);
+    EXPECT_GT(decibels(formant / band_power(result, 0, 4000.0, 4400.0)), 20.0) << order;
+    EXPECT_GT(decibels(formant / band_power(result, 0, 12000.0, 12400.0)), 20.0) << order;
+  }
+}
+
+TEST(Prediction, OfASignalByItselfGivesAQuarterOfItWithoutDc) {
+  predictor p;
+  const waveform x = windowed(vowel(frame_length, 800.0, 0.5));
+  const waveform expected = without_dc(x);
+  for (const int32_t order : orders) {
+    const waveform y = p.vocode(order, x, x);
+    for (size_t t = 0; t < y.size(); ++t) ASSERT_NEAR(y[t], 0.25F * expected[t], 2e-5F) << order << ", " << t;
+  }
+}
+
+TEST(Prediction, OfSilenceIsSilence) {
+  predictor p;
+  const waveform sound = noise(frame_length, 0.5F);
+  for (const int32_t order : orders) {
+    EXPECT_EQ(p.vocode(order, sound, silence(frame_length)), silence(frame_length));
+    EXPECT_EQ(p.vocode(order, silence(frame_length), sound), silence(frame_length));
+    EXPECT_EQ(p.vocode(order, silence(frame_length), silence(frame_length)), silence(frame_length));
+  }
+}
+
+TEST(Prediction, StaysFiniteOnPoorlyConditionedFrames) {
+  predictor p;
+  const waveform poor[] = {sine(frame_length, 11025.0, 1.0), sine(frame_length, 100.0, 1.0),
+                           waveform(frame_length, 1.0F), noise(frame_length, 2.0F * quantum),
+                           windowed(sine(frame_length, 5000.0, 1.0))};
+  for (const int32_t order : orders) {
+    for (const waveform& modulator : poor) {
+      for (const waveform& carrier : poor) EXPECT_TRUE(all_finite(p.vocode(order, modulator, carrier))) << order;
+    }
+  }
+}
+
+TEST(Prediction, LeavesTheModulatorAsItCameWhenTheArenaIsExhausted) {
+  predictor p;
+  const waveform modulator = noise(frame_length, 1.0F);
+  for (const int32_t capacity : {0, frame_length, 2 * frame_length - 1}) {
+    p.arena->capacity = capacity;
+    EXPECT_EQ(p.vocode(prediction_order_low, modulator, modulator), modulator) << capacity;
+  }
+}
+
+}  // namespace
