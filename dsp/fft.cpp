@@ -4,35 +4,17 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <numbers>
 #include <utility>
 
 #include "dsp/convert.h"
+#include "dsp/lanes.h"
 
 // Decimation in time: the samples are permuted into bit-reversed order, then stages of growing span combine them. With
 // M = log2(N), the permutation does the first radix-2 stage, radix-8 stages do the last 3 * ((M - 1) / 3), and what is
 // left between them is one radix-2 or radix-4 stage of span 2, whose twiddles are plain constants.
 
 namespace {
-
-// Four floats that are added and multiplied lane by lane; no lane depends on another, so the width doesn't show in the
-// results.
-using float4 = float __attribute__((vector_size(16)));
-
-float4 load4(const float* from) {
-  float4 value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-void store4(float4 value, float* to) {
-  std::memcpy(to, &value, sizeof value);
-}
-
-float4 splat(float value) {
-  return float4{value, value, value, value};
-}
 
 // Direction of a transform: the sign of the exponent.
 constexpr int forward = -1;

@@ -3,33 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "dsp/convert.h"
+#include "dsp/lanes.h"
 
 // Speed comes from lanes that hold independent results: neighbouring lags, columns of a row, output samples. Each of
 // them adds up in the order that a plain loop has.
 
 namespace {
-
-using float4 = float __attribute__((vector_size(16)));
-using double2 = double __attribute__((vector_size(16)));
-
-float4 load4(const float* from) {
-  float4 value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-double2 load2(const double* from) {
-  double2 value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-void store2(double2 value, double* to) {
-  std::memcpy(to, &value, sizeof value);
-}
 
 size_t index(int32_t i) {
   return static_cast<size_t>(i);
@@ -44,7 +25,7 @@ void measure_lag_group(int32_t length, const float* signal, int32_t first, int32
   std::array<float4, lag_lanes / 4> sums{};
   const int32_t common = std::max(0, length - first - lag_lanes);  // products that even the longest lag has
   for (int32_t i = 0; i < common; ++i) {
-    const float4 x = {signal[i], signal[i], signal[i], signal[i]};
+    const float4 x = splat(signal[i]);
     const float* const partner = signal + i + first;
     for (size_t lane = 0; lane < sums.size(); ++lane) sums[lane] += x * load4(partner + 4 * lane);
   }
