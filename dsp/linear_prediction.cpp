@@ -45,7 +45,8 @@ void measure_lags(int32_t length, const float* signal, int32_t count, float* lag
 
 void taper_lags(int32_t length, int32_t count, float* lags) {
   const double scale = 1.0 / length;
-  for (int32_t k = 0; k < count; ++k) lags[k] = static_cast<float>((length / 2 - k) * double{lags[k]} * scale);
+  const int32_t zero_lag = length / 2;
+  for (int32_t k = 0; k < count; ++k) lags[k] = static_cast<float>((zero_lag - k) * double{lags[k]} * scale);
 }
 
 // The highest of the lags behind the first slope, the earliest of equals.

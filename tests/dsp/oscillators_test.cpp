@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <complex>
 #include <limits>
 #include <memory>
 #include <numbers>
@@ -180,41 +179,6 @@ TEST(Pitch, StepsGoForwardUnderANegativeModulation) {
   state->render(1.0f, 1.0f, &voice, state.get());
   EXPECT_EQ(voice.phase1, 3.0f);
   EXPECT_EQ(voice.phase2, 5.0f);
-}
-
-// Strength of the first four harmonics of `hz`, under a Hann window.
-double strength(const std::vector<float>& sound, double hz) {
-  double sum = 0.0;
-  for (int harmonic = 1; harmonic <= 4; ++harmonic) {
-    const auto turn = std::polar(1.0, -2 * std::numbers::pi * harmonic * hz / 44100.0);
-    std::complex<double> phasor = 1.0, bin = 0.0;
-    for (size_t i = 0; i < sound.size(); ++i, phasor *= turn) {
-      const double window =
-          1 - std::cos(2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(sound.size()));
-      bin += static_cast<double>(sound[i]) * window * phasor;
-    }
-    sum += std::abs(bin);
-  }
-  return sum;
-}
-
-TEST(Pitch, EveryLoopIsInTuneAtItsRootKey) {
-  for (int32_t wave = 0; wave < noise_loop; ++wave) {
-    const int32_t key = sample_loops[static_cast<size_t>(wave)].root_key;
-    const auto select = static_cast<float>(wave);
-    const auto state =
-        committed({{wsyn_param_sampled, 1.0f}, {wsyn_param_wave_select1, select}, {wsyn_param_wave_select2, 7.0f}});
-    voice_record voice;
-    std::vector<float> sound(30000);
-    for (float& sample : sound) sample = next_sample(state, &voice, key);
-
-    double best_cents = 0.0, best = 0.0;
-    for (double cents = -50; cents <= 50; cents += 1) {
-      const double now = strength(sound, 440.0 * std::exp2((key - 69) / 12.0 + cents / 1200));
-      if (now > best) best = now, best_cents = cents;
-    }
-    EXPECT_NEAR(best_cents, 0.0, 6.0) << "loop " << wave << " at key " << key;
-  }
 }
 
 // --- Rendering ---
