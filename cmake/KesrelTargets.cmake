@@ -1,5 +1,12 @@
 # Functions that make our targets, so that each folder's CMakeLists.txt says only what it holds and links.
 
+# What the systems do differently stands in whole files, named after the system.
+if(WIN32)
+  set(platform win32)
+else()
+  set(platform posix)
+endif()
+
 # Flags of all our own code.
 add_library(kesrel_flags INTERFACE)
 target_compile_features(kesrel_flags INTERFACE cxx_std_20)
@@ -37,17 +44,21 @@ function(kesrel_program name)
 endfunction()
 
 # kesrel_tests(NAME SOURCES ... LINKS ...)
-#   A test program of one folder. A *_test.cpp that stands in the folder but not in the list stops the configuration,
-#   so that no test is left out unseen.
+#   A test program of one folder. A *_test.cpp that stands beside one of the SOURCES but not in the list stops the
+#   configuration, so that no test is left out unseen.
 function(kesrel_tests name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
-  file(GLOB present RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *_test.cpp)
+  set(patterns ${arg_SOURCES})
+  list(FILTER patterns EXCLUDE REGEX "^\\.\\./")  # the tests of other folders are theirs to list
+  list(TRANSFORM patterns REPLACE "[^/]+$" "*_test.cpp")
+  list(REMOVE_DUPLICATES patterns)
+  file(GLOB present RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS ${patterns})
   list(REMOVE_ITEM present ${arg_SOURCES})
   if(present)
     message(FATAL_ERROR "Tests that ${name} does not list: ${present}")
   endif()
   kesrel_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300)
 endfunction()
 
 # kesrel_embed(TARGET SYMBOL FILE)

@@ -1,0 +1,23 @@
+// MIT License. What resource streams need of the platform.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace files::system {
+
+// The module that holds this code; null where that needn't be known.
+const void* this_module();
+
+// Null when there is none. The pointers stay valid as long as the module.
+//   id         names the resource when `res_name` is empty
+const void* find_resource(const void* module, const std::string& type_name, const std::string& res_name, uint32_t id,
+                          uint32_t language);
+
+// In bytes; 0 when it can't be told.
+uint32_t resource_size(const void* module, const void* resource);
+
+// The bytes of a found resource, or null.
+const uint8_t* lock_resource(const void* module, const void* resource);
+
+}  // namespace files::system

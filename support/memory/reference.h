@@ -1,0 +1,45 @@
+// MIT License. Shared references to objects that count their holders themselves.
+#pragma once
+
+#include <utility>
+
+namespace memory {
+
+// Holds one count of a T, which offers add_reference() and release_reference(); the latter deletes the object with its
+// last holder. Several threads may hold the same object; one reference belongs to one thread at a time.
+template <typename T>
+class reference {
+ public:
+  reference() = default;
+  // Takes over a new object, or shares one that others hold.
+  explicit reference(T* object) : object_(object) { hold(); }
+  reference(const reference& other) : object_(other.object_) { hold(); }
+  reference(reference&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  // A reference to a base.
+  template <typename Derived>
+  reference(const reference<Derived>& other) : object_(other.get()) {
+    hold();
+  }
+  ~reference() {
+    if (object_ != nullptr) object_->release_reference();
+  }
+
+  reference& operator=(reference other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+
+  T* get() const { return object_; }
+  T& operator*() const { return *object_; }
+  T* operator->() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+
+ private:
+  void hold() const {
+    if (object_ != nullptr) object_->add_reference();
+  }
+
+  T* object_ = nullptr;
+};
+
+}  // namespace memory

@@ -1,0 +1,11 @@
+// MIT License. The operating system's handle of an object, in a form that no system header is needed for.
+#pragma once
+
+#include <cstdint>
+
+namespace synchronization {
+
+// A HANDLE on Windows; on POSIX a file descriptor or a pthread_t.
+using system_handle = intptr_t;
+
+}  // namespace synchronization

@@ -1,0 +1,124 @@
+// MIT License. Tests of what is POSIX's own: the data folder, the browser, full devices.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <thread>
+
+#include "support/files/error.h"
+#include "support/files/hdd_file.h"
+#include "support/files/operations.h"
+#include "support/logbook.h"
+#include "tests/support/files/test_folder.h"
+
+namespace {
+
+// Sets an environment variable, or takes it away, for the length of a test.
+class environment_variable {
+ public:
+  environment_variable(const char* name, const char* value) : name_(name) {
+    if (const char* const before = getenv(name)) before_ = before;
+    set(value);
+  }
+  environment_variable(const environment_variable&) = delete;
+  environment_variable& operator=(const environment_variable&) = delete;
+  ~environment_variable() { set(before_ ? before_->c_str() : nullptr); }
+
+ private:
+  void set(const char* value) const { value != nullptr ? setenv(name_, value, 1) : unsetenv(name_); }
+
+  const char* name_;
+  std::optional<std::string> before_;
+};
+
+std::string support_path(const char* data_home, const char* home) {
+  const environment_variable first("XDG_DATA_HOME", data_home);
+  const environment_variable second("HOME", home);
+  return files::get_user_app_support_path().path();
+}
+
+TEST(UserFolder, IsTheDataHomeElseTheUsualPlaceBelowHome) {
+  const test_folder folder;
+  const std::string home = folder.path("home");
+  const std::string usual = home + "/.local/share";
+  EXPECT_EQ(support_path(folder.path("data/home").c_str(), home.c_str()), folder.path("data/home"));
+  EXPECT_FALSE(std::filesystem::exists(usual));
+  EXPECT_EQ(support_path(nullptr, home.c_str()), usual);
+  EXPECT_EQ(support_path("", home.c_str()), usual);
+  EXPECT_EQ(support_path("relative", home.c_str()), usual);
+}
+
+TEST(UserFolder, MayBeNowhere) {
+  const test_folder folder;
+  const std::string text = "get_user_app_support_path() cannot get the application data path!";
+  EXPECT_EQ(thrown<err::runtime_error>([] { support_path(nullptr, nullptr); }), text);
+  EXPECT_EQ(thrown<err::runtime_error>([] { support_path("relative", ""); }), text);
+  const std::string below_a_file = folder.with_file("file").path() + "/data";
+  EXPECT_EQ(thrown<err::runtime_error>([&] { support_path(below_a_file.c_str(), nullptr); }), text);
+}
+
+// A browser of our own notes what it is asked for.
+TEST(Browser, GetsTheAddressAndLeavesNoChildBehind) {
+  const test_folder folder;
+  const std::string browser = folder.with_file("xdg-open", "#!/bin/sh\nprintf '%s|' \"$@\" >\"$0.said\"\n").path();
+  std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
+  const environment_variable path("PATH", (folder.place().path() + ":/usr/bin:/bin").c_str());
+  files::open_url("host/a page?$(b)&'c'");
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+  const std::string wanted = "http://host/a page?$(b)&'c'|";
+  for (int tries = 0; tries < 1000 && folder.content("xdg-open.said") != wanted; ++tries) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(folder.content("xdg-open.said"), wanted);
+}
+
+TEST(Browser, MayBeMissing) {
+  const environment_variable path("PATH", "/nowhere");
+  files::open_url("host");
+}
+
+TEST(FullDisk, IsToldFromOtherFailures) {
+  const files::filepath full("/dev/full");
+  uint32_t done = 1;
+  files::hdd_file file(full, files::file_mode::writing, files::existing_content::keep);
+  EXPECT_EQ(thrown<files::error::not_enough_disk_space>([&] { file.write("x", 1, &done); }),
+            "cannot write data to file! volume full!" + path_line("/dev/full") + name_line("full"));
+  EXPECT_EQ(done, 0U);
+  EXPECT_EQ(file.position(), 0);
+}
+
+TEST(FailedCalls, AreToldByWritesAndNotByReads) {
+  const test_folder folder;
+  const files::filepath place = folder.with_file("file", "abc");
+  uint32_t done = 1;
+  files::hdd_file reader(place, files::file_mode::reading);
+  EXPECT_EQ(thrown<files::error::cannot_write_to_file>([&] { reader.write("x", 1, &done); }),
+            "cannot write data to file!" + path_line(place.path()) + name_line("file"));
+  files::hdd_file writer(place, files::file_mode::writing);
+  char byte = 0;
+  done = 1;
+  writer.read(&byte, 1, &done);
+  EXPECT_EQ(done, 0U);
+}
+
+TEST(FailedCalls, ThatCutAFileAreOnlyReported) {
+  static std::string reported;
+  auto& logbook = halvern::logbook_impl::instance();
+  const auto before = logbook.redirect_debugger([](const char* text) { reported += text; });
+  files::hdd_file(files::filepath("/dev/null"), files::file_mode::writing);
+  logbook.redirect_debugger(before);
+  EXPECT_EQ(reported, "SetEndOfFile failed for: /dev/null\n");
+}
+
+TEST(CreateFolder, FailsThroughAFileAsThroughNothing) {
+  const test_folder folder;
+  EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(folder.with_file("file"), "new"); }),
+            "cannot create folder! One or more intermediate directories do not exist!" +
+                path_line(folder.path("file/new")) + name_line("new"));
+}
+
+}  // namespace

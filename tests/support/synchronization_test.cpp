@@ -1,0 +1,142 @@
+// MIT License. Tests of locks, events and threads.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <shared_mutex>
+#include <thread>
+#include <vector>
+
+#include "support/synchronization/error.h"
+#include "support/synchronization/event.h"
+#include "support/synchronization/object_task.h"
+#include "support/synchronization/shared_ticket_lock.h"
+#include "support/synchronization/ticket_lock.h"
+
+namespace {
+
+using synchronization::event;
+using synchronization::shared_ticket_lock;
+using synchronization::ticket_lock;
+
+// More rounds than a ticket has values, so that it wraps.
+TEST(TicketLock, WrapsItsTickets) {
+  ticket_lock lock;
+  for (int round = 0; round < 70000; ++round) {
+    const std::lock_guard guard(lock);
+  }
+  shared_ticket_lock shared;
+  for (int round = 0; round < 300; ++round) {
+    const std::lock_guard guard(shared);
+  }
+  for (int round = 0; round < 300; ++round) {
+    const std::shared_lock guard(shared);
+  }
+  SUCCEED();  // a lost ticket would have spun for ever
+}
+
+TEST(TicketLockThreads, EnterOneAtATime) {
+  ticket_lock lock;
+  int count = 0;
+  const auto work = [&] {
+    for (int round = 0; round < 5000; ++round) {
+      const std::lock_guard guard(lock);
+      ++count;
+    }
+  };
+  std::thread first(work), second(work);
+  first.join();
+  second.join();
+  EXPECT_EQ(count, 10000);
+}
+
+TEST(SharedTicketLockThreads, LetReadersInTogetherAndAWriterAlone) {
+  shared_ticket_lock lock;
+  lock.lock_shared();
+  std::thread([&] {
+    const std::shared_lock beside(lock);  // does not wait for the first reader
+  }).join();
+
+  std::atomic<bool> written{false};
+  std::thread writer([&] {
+    const std::lock_guard guard(lock);
+    written = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(written);
+  lock.unlock_shared();
+  writer.join();
+  EXPECT_TRUE(written);
+}
+
+TEST(SharedTicketLockThreads, KeepWhatTheyGuardWhole) {
+  shared_ticket_lock lock;
+  int left = 0, right = 0;
+  std::atomic<bool> torn{false};
+  const auto write = [&] {
+    for (int round = 0; round < 2000; ++round) {
+      const std::lock_guard guard(lock);
+      ++left;
+      ++right;
+    }
+  };
+  const auto read = [&] {
+    for (int round = 0; round < 2000; ++round) {
+      const std::shared_lock guard(lock);
+      if (left != right) torn = true;
+    }
+  };
+  std::vector<std::thread> threads;
+  threads.emplace_back(write);
+  threads.emplace_back(read);
+  threads.emplace_back(read);
+  for (auto& thread : threads) thread.join();
+  EXPECT_FALSE(torn);
+  EXPECT_EQ(left, 2000);
+}
+
+TEST(Event, KeepsOneSignalAndResetsItself) {
+  event signalled;
+  EXPECT_FALSE(signalled.wait(0));
+  signalled.signal();
+  signalled.signal();
+  EXPECT_TRUE(signalled.wait(1000));
+  EXPECT_FALSE(signalled.wait(1));
+}
+
+TEST(Event, ShowsTheSystemsErrorNumber) {
+  EXPECT_STREQ(synchronization::error::event_runtime_error("event::event() CreateEvent", 24).what(),
+               "event::event() CreateEvent\n error id: 24");
+}
+
+// A background worker as an object would have it.
+struct worker {
+  int work() {
+    while (running > 0) {
+      if (wake.wait(1000)) ++wakes;
+    }
+    return 0;
+  }
+
+  event wake;
+  std::atomic<int> running{1};
+  std::atomic<int> wakes{0};
+};
+
+TEST(TaskThread, RunsAnOperationOfItsObjectUntilItIsStopped) {
+  worker object;
+  auto* const task = new synchronization::object_task<worker>(&object, &worker::work);
+  task->wait();  // nothing runs yet
+  EXPECT_FALSE(task->is_running());
+  task->start();
+  EXPECT_TRUE(task->is_running());
+  --object.running;
+  object.wake.signal();
+  task->wait();
+  EXPECT_FALSE(task->is_running());
+  task->release_reference();
+  EXPECT_LE(object.wakes, 1);
+}
+
+}  // namespace
