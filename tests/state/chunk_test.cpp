@@ -1,0 +1,139 @@
+// MIT License. Tests of chunks: bytes written, bytes read, bytes refused.
+#include "state/chunk.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using chunks::chunk;
+using chunks::chunk_id;
+using chunks::mutable_chunk;
+using chunks::string_chunk;
+
+memory::data_reference block_of(const std::string& bytes) {
+  auto* const block = new memory::byte_block;
+  memory::data_reference reference(block);
+  block->append(bytes.data(), bytes.size());
+  return reference;
+}
+
+std::string bytes_of(const memory::data& block) {
+  return {reinterpret_cast<const char*>(block.bytes()), static_cast<size_t>(block.size())};
+}
+
+// Bytes in hexadecimal digits, without blanks between them.
+std::string from_hex(const std::string& digits) {
+  std::string bytes;
+  for (size_t at = 0; at < digits.size(); at += 2) {
+    bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
+  }
+  return bytes;
+}
+
+template <typename Action>
+std::string error_of(Action action) {
+  try {
+    action();
+  } catch (const err::exception& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+constexpr char k_no_chunk[] = "basic_chunk_input_stream: chunk not valid or no chunk at all!";
+
+TEST(Chunk, IsWrittenInOrderAndBigEndian) {
+  mutable_chunk outer(chunk_id("CcnK"));
+  outer.write(uint32_t{0x01020304});
+  outer.append(string_chunk(7, "ab"));
+  outer.write(uint8_t{0xFF});
+  const std::string wire = from_hex("43636e4b") + from_hex("00000017") +                          // header
+                           from_hex("01020304") +                                                 // number
+                           "strn" + from_hex("0000000a") + from_hex("0000000700000002") + "ab" +  // string chunk
+                           from_hex("ff");
+  EXPECT_EQ(bytes_of(*outer.final_form()), wire);
+  outer.write(uint8_t{1});  // taking the final form froze nothing
+  EXPECT_EQ(outer.final_form()->size(), wire.size() + 1);
+}
+
+TEST(Chunk, ReadsWhatWasWritten) {
+  mutable_chunk outer(chunk_id("KVLP"));
+  outer.append(string_chunk(0, ""));  // an empty text still has a body
+  outer.append(string_chunk(1, "grüße"));
+  outer.write(uint32_t{1010});
+  chunks::chunk_input_stream stream{chunk(outer.final_form())};
+  chunk read;
+  stream.next(&read);
+  EXPECT_EQ(string_chunk(read).text(), "");
+  stream.next(&read);
+  EXPECT_EQ(string_chunk(read).text(), "grüße");
+  EXPECT_EQ(stream.cursor().read_number(), 1010U);
+  EXPECT_EQ(error_of([&] { stream.next(&read); }), k_no_chunk);
+}
+
+TEST(Chunk, OfANestedBodyOutlivesWhatItWasReadFrom) {
+  chunk inner;
+  {
+    mutable_chunk outer(chunk_id("CcnK"));
+    outer.append(string_chunk(0, "kept"));
+    chunks::chunk_input_stream(chunk(outer.final_form())).next(&inner);
+  }
+  EXPECT_EQ(string_chunk(inner).text(), "kept");
+}
+
+TEST(Chunk, LeavesAloneWhatLiesBehindIt) {
+  const chunk read(block_of("strn" + from_hex("00000002") + "abcdef"));
+  EXPECT_EQ(bytes_of(*read.data()), "ab");
+}
+
+TEST(Chunk, IsRefusedWhenItIsLongerThanItsBlock) {
+  const std::string text = "chunk::chunk(data_ref) chunk corrupt! chunk size bigger than avail data!";
+  for (const char* const size : {"00000003", "7fffffff", "ffffffff", "fffffff8"}) {
+    const auto block = block_of("strn" + from_hex(size) + "ab");
+    EXPECT_EQ(error_of([&] { chunk{block}; }), text) << size;
+    EXPECT_THROW(chunk{block}, chunks::error::chunk_error);
+  }
+  for (const size_t length : {0U, 4U, 7U}) {
+    const auto block = block_of(std::string("strn\0\0\0", length));
+    EXPECT_EQ(error_of([&] { chunk{block}; }), text) << length;
+  }
+}
+
+TEST(Chunk, StreamRefusesHeadersAndBodiesThatDoNotFit) {
+  chunk read;
+  // Up to a whole header with a body that does not fit.
+  for (const char* const body : {"", "00", "7374726e000000", "7374726e00000001", "7374726effffffff"}) {
+    chunks::chunk_input_stream stream{chunk(1, block_of(from_hex(body)))};
+    EXPECT_EQ(error_of([&] { stream.next(&read); }), k_no_chunk) << body;
+  }
+  EXPECT_EQ(error_of([&] { chunks::chunk_input_stream(chunk()).next(&read); }), k_no_chunk);
+
+  chunks::chunk_input_stream empty_body{chunk(1, block_of(from_hex("7374726e00000000")))};
+  empty_body.next(&read);
+  EXPECT_EQ(read.size(), 0U);
+  EXPECT_EQ(error_of([&] { empty_body.next(&read); }), k_no_chunk);
+}
+
+TEST(Chunk, RefusesEmptyOnesAndForeignTexts) {
+  mutable_chunk outer(chunk_id("CcnK"));
+  const std::string text = "cannot append chunks to mutable_chunk after we created a final chunk!";
+  EXPECT_EQ(error_of([&] { outer.append(chunk()); }), text);
+  EXPECT_EQ(error_of([&] { outer.append(mutable_chunk(chunk_id("strn"))); }), text);
+  EXPECT_EQ(error_of([&] { string_chunk{chunk(chunk_id("strm"), block_of("........"))}; }),
+            "basic_string_chunk initialized with wrong chunk data!");
+}
+
+// Reads that go past a body find what lies behind it in its block, then zeros.
+TEST(Chunk, TextsLongerThanTheirBodyReadOn) {
+  const std::string header = "strn" + from_hex("0000000a") + from_hex("00000000");
+  const auto text_of_length = [&](const char* length) {
+    return string_chunk(chunk(block_of(header + from_hex(length) + "abcdef"))).text();
+  };
+  EXPECT_EQ(text_of_length("00000002"), "ab");
+  EXPECT_EQ(text_of_length("00000006"), "abcdef");
+  EXPECT_EQ(text_of_length("00000008"), std::string("abcdef\0\0", 8));
+  EXPECT_THROW(text_of_length("ffffffff"), std::bad_alloc);
+  EXPECT_EQ(string_chunk(chunk(chunk_id("strn"), {})).text(), "");
+}
+
+}  // namespace
