@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "plugin/host_version_check.h"
+#include "plugin/log_folder.h"
 #include "plugin/trace.h"
 #include "support/err/exception.h"
 
@@ -24,9 +25,8 @@ static_assert(std::size(k_parameter_names) == k_parameter_count);
 constexpr std::string_view k_abilities[] = {
     "receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"};
 
-// The sound and the chord of a fresh effect: a major triad one octave above the base.
-constexpr std::string_view k_first_sound_uuid = "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder";
-constexpr size_t k_first_chord[] = {12, 16, 19};
+// The name of a program that nobody has named.
+constexpr char k_unnamed[] = "default";
 
 constexpr float k_engine_rate_hz = 44100.0F;
 
@@ -36,7 +36,9 @@ KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host,
     : AudioEffectX(host, k_program_count, k_parameter_count),
       gate_(gate),
       catalogues_(1),
-      catalogue_(&catalogues_.front()) {
+      catalogue_(&catalogues_.front()),
+      preset_name_(k_unnamed) {
+  log_to_application_data();
   if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
   trace("init plugin");
   setUniqueID(k_unique_id);
@@ -44,9 +46,14 @@ KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host,
   setNumOutputs(2);
   canProcessReplacing();
   programsAreChunks();
-  sound_uuid_ = k_first_sound_uuid;
+  const std::vector<state::program> built_in = built_in_programs();
+  preset_name_.set(built_in.front().name);
+  sound_uuid_.set(built_in.front().sound_uuid);
   selected_sound_index_.store(0, std::memory_order_relaxed);
   for (const size_t key : k_first_chord) pending_keys_[key].store(1, std::memory_order_relaxed);
+  trace("create default chunk preset");
+  for (const auto& program : built_in) programs_.append(state::to_chunk(program));
+  trace("create chunks bank done");
   trace("create KV Instance");
   engine_.reset(vocoder_create(k_engine_rate_hz));
   trace("KV Instance created");
@@ -145,7 +152,7 @@ void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
   if (row == nullptr) return;
   trace("select_preset_by_index");
   if (!pass_gate(row->category_id)) return;
-  sound_uuid_ = row->uuid;
+  sound_uuid_.set(row->uuid);
   selected_sound_index_.store(row_index, std::memory_order_relaxed);
   request_key_update();
 }

@@ -12,7 +12,10 @@
 #include "engine/vocoder.h"
 #include "plugin/activation_gate.h"
 #include "plugin/catalogue.h"
+#include "plugin/guarded.h"
 #include "plugin/key_update.h"
+#include "plugin/program_bank.h"
+#include "state/bank_image.h"
 #include "vst2/audio_effect_x.h"
 
 // The host-visible parameters: three switches, each on only at exactly 1.0.
@@ -21,18 +24,23 @@ enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parame
 // The effect as host and editor see it.
 //
 // Life: the constructor makes the engine, and blocks are silent. The host handshake (vendorSpecific) builds the sound
-// catalogue and makes the effect ready: from then on a block is the dry input until a sound is selected, and the
-// vocoder's output after that. A change of sample rate replaces the engine, which then holds no sound: blocks are left
-// unwritten until another sound is selected. effClose deletes the object.
+// catalogue, restores the default bank and makes the effect ready: from then on a block is the vocoder's output, or the
+// dry input while no sound is selected. A change of sample rate replaces the engine, which then holds no sound: blocks
+// are left unwritten until another sound is selected. effClose deletes the object.
+//
+// Programs: the sound's uuid, the program's name, the switches and the wanted keys are the live state. A stored program
+// is written back from it only when the host leaves the program or asks for state; a choice in the editor alters the
+// live state alone.
 //
 // Threads: three sides meet here without a lock.
 //   - The host's main thread constructs, shakes hands, sets rate and speakers, and destroys. Rate, speakers and
-//     destruction come while processing stands still; that is the host's part of the interface's contract.
+//     destruction come while processing stands still; that is the host's part of the interface's contract. Programs and
+//     state may be asked for and restored while it goes on.
 //   - The user-interface thread chooses sounds, keys and switches, and reads what it shows.
 //   - The audio thread runs processReplacing, alone writes the sound and the keys in use, and alone plays the engine.
 // What the first two ask of the third are requests: data first, the flag that publishes them last, taken at the head of
-// the next block. `sound_uuid_` is never touched by the audio thread. An ordinary block, one without a change of sound,
-// takes no lock and doesn't reach the heap.
+// the next block. Texts and stored programs are never touched by the audio thread. An ordinary block, one without a
+// change of sound, takes no lock and doesn't reach the heap.
 class KesrelVocoder4TarvixEffect : public AudioEffectX {
  public:
   // Throws err::runtime_error when the host's version does not pass.
@@ -63,6 +71,22 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   float getParameter(VstInt32 index) override;
   void getParameterName(VstInt32 index, char* text) override;
 
+  // Programs, on host threads. All of them log what goes wrong and leave the rest as it is.
+  // Stores the live state in the slot that is left and restores the other one; numbers outside the slots and the one in
+  // use do nothing.
+  void setProgram(VstInt32 program) override;
+  // The name of the live state; the slot gets it when it is written back.
+  void setProgramName(char* name) override;
+  void getProgramName(char* name) override;
+  // False outside the slots, and for a slot without a name or of a later version. `category` has no meaning here.
+  bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
+
+  // State, on host threads. The image stays valid until the next getChunk; 0 bytes and null when it cannot be made.
+  VstInt32 getChunk(void** data, bool isPreset) override;
+  // Restores a bank, or the program in use from a single program. Announces the three parameters to the host for the
+  // program that is then in use. Answers 0 whether the bytes were taken or not.
+  VstInt32 setChunk(void* data, VstInt32 byteSize, bool isPreset) override;
+
   // Identity.
   bool getEffectName(char* name) override;
   bool getVendorString(char* text) override;
@@ -78,7 +102,7 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   // separator or title row is accepted and gives the dry input.
   void select_preset_by_index(int32_t row_index);
   // The sound last chosen, as stored state names it.
-  const std::string& sound_uuid() const { return sound_uuid_; }
+  std::string sound_uuid() const { return sound_uuid_.get(); }
   // The keys that are wanted, which the next block makes sound.
   void getPendingKeys(key_flags& keys) const;
   void set_pending_keys(const key_flags& keys);
@@ -91,7 +115,17 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   // Host and user-interface threads.
   void shake_hands();
   bool store_parameter(VstInt32 index, float value);
+  void load_default_bank();
   void request_key_update();
+
+  // Host threads: programs and state.
+  state::plugin_identity identity() const;
+  chunks::chunk chunk_from_current_program() const;
+  state::image_bytes current_program_image();
+  void restore_bank(state::opened_image* image);
+  void restore_single_program(state::opened_image* image);
+  void execute_chunk_to_current_program(int32_t index);
+  void restore(const state::program& stored);
 
   // Any thread.
   const sound_catalogue& catalogue() const { return *catalogue_.load(std::memory_order_acquire); }
@@ -104,6 +138,9 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   void apply_keys();
   std::array<const float*, 2> arranged_inputs(float** inputs) const;
 
+  // Some hosts end their effects after the module's own statics; the pools that hold the programs wait for that.
+  std::shared_ptr<memory::allocator_registry> pools_ = memory::allocator_registry::shared();
+
   const activation_gate& gate_;
 
   // The handshake's work. Every catalogue there was lives as long as the effect, so that the audio thread may go on
@@ -112,8 +149,13 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::atomic<const sound_catalogue*> catalogue_;
   std::atomic<bool> ready_{false};
 
+  // Host and user-interface threads: stored programs, the image last handed out, and the texts of the live state.
+  program_bank programs_;
+  state::image_bytes last_chunk_;
+  guarded<std::string> preset_name_;
+  guarded<std::string> sound_uuid_;
+
   // Requests to the audio thread, and the state of the switches.
-  std::string sound_uuid_;
   std::array<std::atomic<uint8_t>, std::size(key_flags{})> pending_keys_{};
   std::atomic<int32_t> selected_sound_index_{k_no_row};
   std::atomic<int32_t> keys_dirty_{0};

@@ -1,4 +1,5 @@
 // MIT License. The host handshake, which makes the effect ready to sound.
+#include "plugin/default_bank.h"
 #include "plugin/effect.h"
 #include "plugin/trace.h"
 #include "support/logbook.h"
@@ -22,14 +23,27 @@ VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr v
   }
 }
 
-// `ready_` comes last: it publishes all the rest to the audio thread. A handshake that runs out of memory leaves the
-// effect as it was.
+// `ready_` comes last: it publishes all the rest to the audio thread. A handshake that runs out of memory before that
+// leaves the effect as it was.
 void KesrelVocoder4TarvixEffect::shake_hands() {
   trace("interface version 1");
   sound_catalogue extended = catalogue();
   append_factory_sounds(&extended);
   catalogues_.push_front(std::move(extended));
   catalogue_.store(&catalogues_.front(), std::memory_order_release);
+  load_default_bank();
   ready_.store(true, std::memory_order_release);
   trace("interface okay");
+}
+
+// Without the bank the built-in programs stay.
+void KesrelVocoder4TarvixEffect::load_default_bank() {
+  try {
+    trace("loading default fx bank");
+    const memory::data_reference bank = read_default_bank();
+    trace("loading default fx bank done");
+    setChunk(const_cast<uint8_t*>(bank->bytes()), static_cast<VstInt32>(bank->size()), false);
+  } catch (...) {
+    halvern::log_error("unknown exception while loading default fx bank");
+  }
 }

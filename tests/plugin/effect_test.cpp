@@ -1,16 +1,14 @@
 // MIT License. Tests of the effect object in front of an engine that only records.
 #include "plugin/effect.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <atomic>
 #include <thread>
 
 #include "support/err/exception.h"
 #include "tests/plugin/allocation_count.h"
-#include "tests/plugin/recording_engine.h"
-#include "tests/plugin/test_host.h"
+#include "tests/plugin/effect_fixture.h"
+#include "tests/plugin/own_log.h"
 
 namespace {
 
@@ -18,79 +16,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-
-// Refuses one category, and may have no token for the others.
-class choosy_gate : public built_in_activation_gate {
- public:
-  bool passes(int32_t category_id) const override {
-    return category_id != refused_category && built_in_activation_gate::passes(category_id);
-  }
-  bool supply_token(int32_t category_id, activation_token* token) const override {
-    return has_token && built_in_activation_gate::supply_token(category_id, token);
-  }
-
-  int32_t refused_category = 0;
-  bool has_token = true;
-};
-
-// An effect whose host can go away.
-class loose_effect : public KesrelVocoder4TarvixEffect {
- public:
-  using KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect;
-  void lose_host() { audioMaster = nullptr; }
-};
-
-class Effect : public testing::Test {
- protected:
-  Effect() { recording = {}; }
-
-  void shake_hands() { ASSERT_EQ(effect.vendorSpecific(k_handshake_id, 1, nullptr, 0.0F), 1); }
-
-  stereo_block run_block(int32_t frames = 8) {
-    stereo_block block(frames);
-    block.run(effect.getAeffect());
-    return block;
-  }
-
-  // What the engine was called for in one block.
-  std::vector<std::string> calls_of_block() {
-    recording.calls.clear();
-    run_block();
-    return recording.take_calls();
-  }
-
-  void set_input_channels(VstInt32 channels) {
-    VstSpeakerArrangement arrangement{};
-    arrangement.numChannels = channels;
-    ASSERT_TRUE(effect.setSpeakerArrangement(&arrangement, nullptr));
-  }
-
-  void hold_keys(std::initializer_list<size_t> held) {
-    key_flags keys = {};
-    for (const size_t key : held) keys[key] = 1;
-    effect.set_pending_keys(keys);
-  }
-
-  test_host host;
-  choosy_gate gate;
-  loose_effect effect{&test_host::callback, gate};
-};
-
-void expect_dry(const stereo_block& block) {
-  EXPECT_EQ(block.out_left, block.left);
-  EXPECT_EQ(block.out_right, block.right);
-}
-
-void expect_processed(const stereo_block& block) {
-  EXPECT_THAT(block.out_left, Each(k_recorded_left));
-  EXPECT_THAT(block.out_right, Each(k_recorded_right));
-}
-
-// Positions in the menu.
-constexpr int32_t k_first_sound = 3;
-constexpr int32_t k_first_title = 1;
-constexpr int32_t k_first_electronica_sound = 14;
-constexpr int32_t k_ambient_indigo = 65;  // root key 60
 
 TEST_F(Effect, RefusesAHostOfTheFirstVersion) {
   for (const VstIntPtr version : {0, 1}) {
@@ -107,7 +32,7 @@ TEST_F(Effect, OwnsOneEngineFromConstructionToItsEnd) {
   EXPECT_THAT(recording.take_calls(), ElementsAre("create 44100", "destroy"));
 }
 
-TEST_F(Effect, IsSilentAndKeepsItsRequestsUntilTheHandshake) {
+TEST_F(Effect, IsSilentUntilTheHandshakeAndThenSingsTheDefaultBanksFirstProgram) {
   const stereo_block block = run_block();
   EXPECT_THAT(block.out_left, Each(0.0F));
   EXPECT_THAT(block.out_right, Each(0.0F));
@@ -115,11 +40,12 @@ TEST_F(Effect, IsSilentAndKeepsItsRequestsUntilTheHandshake) {
   effect.select_preset_by_index(k_first_sound);  // there is no such row yet
 
   shake_hands();
-  EXPECT_THAT(calls_of_block(), ElementsAre("on 48 127", "on 52 127", "on 55 127"));
+  EXPECT_THAT(calls_of_block(), ElementsAre("on 60 127", "on 64 127", "on 67 127", "process"));
+  EXPECT_EQ(recording.blocks.at(0).sound_number, 0);
 }
 
 TEST_F(Effect, IsDryUntilASoundIsChosen) {
-  shake_hands();
+  start_without_sound();
   expect_dry(run_block());
   effect.select_preset_by_index(k_first_sound);
   expect_processed(run_block());
@@ -144,7 +70,7 @@ TEST_F(Effect, BuildsTheCatalogueOncePerHandshake) {
 }
 
 TEST_F(Effect, GivesTheEngineAKeyInTheBlockOfASwitchOnly) {
-  shake_hands();
+  start_without_sound();
   effect.setParameter(k_chorus_on, 1.0F);
   effect.select_preset_by_index(k_first_electronica_sound);
   stereo_block block = run_block(5);
@@ -165,7 +91,7 @@ TEST_F(Effect, GivesTheEngineAKeyInTheBlockOfASwitchOnly) {
 }
 
 TEST_F(Effect, SwitchesOnceToTheLastOfSeveralChoices) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   effect.select_preset_by_index(k_ambient_indigo);
   run_block();
@@ -176,14 +102,14 @@ TEST_F(Effect, SwitchesOnceToTheLastOfSeveralChoices) {
 
 TEST_F(Effect, SendsNoKeyWhenTheGateHasNone) {
   gate.has_token = false;
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   EXPECT_THAT(run_block().out_left, Each(9.0F));
   EXPECT_EQ(recording.blocks.at(0).sound_key, "");
 }
 
 TEST_F(Effect, GoesDryWithoutAWordOnARowThatIsNoSound) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   run_block();
   const log_capture log;
@@ -194,7 +120,7 @@ TEST_F(Effect, GoesDryWithoutAWordOnARowThatIsNoSound) {
 }
 
 TEST_F(Effect, IgnoresAChoiceOutsideTheMenu) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   run_block();
   for (const int32_t row : {-1, 67, INT32_MAX, INT32_MIN}) effect.select_preset_by_index(row);
@@ -204,7 +130,7 @@ TEST_F(Effect, IgnoresAChoiceOutsideTheMenu) {
 
 TEST_F(Effect, RefusesAChoiceWhoseCategoryIsClosed) {
   gate.refused_category = 10001;
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_electronica_sound);
   effect.select_preset_by_index(k_first_sound);
   EXPECT_TRUE(effect.getCategories()[0]->activated);
@@ -214,7 +140,7 @@ TEST_F(Effect, RefusesAChoiceWhoseCategoryIsClosed) {
 }
 
 TEST_F(Effect, LogsOnceWhenTheCategoryClosedBeforeTheSwitch) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_electronica_sound);
   gate.refused_category = 10001;
   const log_capture log;
@@ -224,7 +150,7 @@ TEST_F(Effect, LogsOnceWhenTheCategoryClosedBeforeTheSwitch) {
 }
 
 TEST_F(Effect, MovesTheKeysWithTheSoundAndTheOctaveSwitch) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   run_block();
 
@@ -241,7 +167,7 @@ TEST_F(Effect, MovesTheKeysWithTheSoundAndTheOctaveSwitch) {
 }
 
 TEST_F(Effect, ReleasesClearedKeys) {
-  shake_hands();
+  start_without_sound();
   run_block();
   hold_keys({});
   EXPECT_THAT(calls_of_block(), ElementsAre("off 48 0", "off 52 0", "off 55 0"));
@@ -260,7 +186,7 @@ TEST_F(Effect, CopiesTheWantedKeysForTheEditor) {
 }
 
 TEST_F(Effect, StrikesHeldKeysAgainOnTheEngineOfANewRate) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_ambient_indigo);
   run_block();
   recording.calls.clear();
@@ -271,7 +197,7 @@ TEST_F(Effect, StrikesHeldKeysAgainOnTheEngineOfANewRate) {
 }
 
 TEST_F(Effect, LeavesOutputsAloneAfterARateChangeUntilAnotherSoundIsChosen) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   run_block();
   effect.setSampleRate(96000.0F);
@@ -283,7 +209,7 @@ TEST_F(Effect, LeavesOutputsAloneAfterARateChangeUntilAnotherSoundIsChosen) {
 }
 
 TEST_F(Effect, SwitchesAParameterOnAtExactlyOne) {
-  shake_hands();
+  start_without_sound();
   effect.select_preset_by_index(k_first_sound);
   effect.setParameter(k_reverb_on, 0.7F);
   run_block();
@@ -308,7 +234,7 @@ TEST_F(Effect, TellsTheHostOfTheEditorsParametersOnly) {
 }
 
 TEST_F(Effect, FeedsMonoToBothSides) {
-  shake_hands();
+  start_without_sound();
   set_input_channels(1);
   const log_capture log;
   stereo_block block(4);
@@ -324,7 +250,7 @@ TEST_F(Effect, FeedsMonoToBothSides) {
 }
 
 TEST_F(Effect, HearsAMissingSecondInputAsSilenceAndLogsIt) {
-  shake_hands();
+  start_without_sound();
   const log_capture log;
   stereo_block block(4);
   float* half[] = {block.left.data(), nullptr};
@@ -340,7 +266,7 @@ TEST_F(Effect, HearsAMissingSecondInputAsSilenceAndLogsIt) {
 }
 
 TEST_F(Effect, CopiesTheDryInputInPlaceWithTheSidesExchanged) {
-  shake_hands();
+  start_without_sound();
   const stereo_block original(4);
   stereo_block block(4);
   float* inputs[] = {block.left.data(), block.right.data()};
@@ -362,7 +288,7 @@ TEST_F(Effect, RefusesArrangementsBeyondStereo) {
   EXPECT_FALSE(arrange(2, 3));
   EXPECT_TRUE(effect.setSpeakerArrangement(nullptr, nullptr));
 
-  shake_hands();
+  start_without_sound();
   stereo_block block = run_block();
   EXPECT_EQ(block.out_right, block.left) << "the input is mono as accepted first";
   EXPECT_TRUE(arrange(2, 1));
@@ -370,7 +296,7 @@ TEST_F(Effect, RefusesArrangementsBeyondStereo) {
 }
 
 TEST_F(Effect, ReachesForNoHeapInAnOrdinaryBlock) {
-  shake_hands();
+  start_without_sound();
   stereo_block block(64);
   recording.running = false;
   for (const int32_t row : {0, k_first_sound}) {
@@ -386,7 +312,7 @@ TEST_F(Effect, ReachesForNoHeapInAnOrdinaryBlock) {
 
 // For the thread sanitizer, and for the promise that the last request wins.
 TEST_F(Effect, SettlesOnTheLastRequestsOfAnotherThread) {
-  shake_hands();
+  start_without_sound();
   recording.running = false;
   std::atomic<bool> done{false};
   std::atomic<int32_t> blocks{0};

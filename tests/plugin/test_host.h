@@ -1,4 +1,4 @@
-// MIT License. A host for tests, and a look at what the plug-in logs.
+// MIT License. A host for tests.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "support/logbook.h"
 #include "vst2/audio_effect_x.h"
 
 constexpr VstInt32 k_handshake_id = 0x4B564873;  // 'KVHs'
@@ -30,23 +29,6 @@ class test_host {
  private:
   VstIntPtr version_;
   static inline test_host* current_ = nullptr;
-};
-
-// Collects what reaches the debugger's output while it lives. Its lines alternate with line ends.
-class log_capture {
- public:
-  log_capture() : earlier_(halvern::logbook_impl::instance().redirect_debugger(keep)) { kept_.clear(); }
-  ~log_capture() { halvern::logbook_impl::instance().redirect_debugger(earlier_); }
-  log_capture(const log_capture&) = delete;
-  log_capture& operator=(const log_capture&) = delete;
-
-  std::string text() const { return kept_; }
-
- private:
-  static void keep(const char* text) { kept_ += text; }
-
-  halvern::logbook_impl::debugger_output earlier_;
-  static inline std::string kept_;
 };
 
 // One stereo block whose outputs start as 9, which no test signal holds.

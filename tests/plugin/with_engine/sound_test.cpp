@@ -18,6 +18,7 @@ class Sound : public testing::Test {
  protected:
   Sound() : block(k_block_frames) {
     effect.vendorSpecific(k_handshake_id, 1, nullptr, 0.0F);
+    effect.setParameter(k_octave_on, 0.0F);
     // A low voice of two partials; one period a block, so that blocks join without a click.
     for (size_t frame = 0; frame < k_block_frames; ++frame) {
       const double phase = 2.0 * std::numbers::pi * static_cast<double>(frame) / k_block_frames;

@@ -1,0 +1,34 @@
+// MIT License.
+#include "plugin/default_bank.h"
+
+#include "support/files/embedded_resources.h"
+#include "support/files/resource_file.h"
+
+extern const signed char default_bank_bytes[];
+extern const unsigned int default_bank_bytes_size;
+
+namespace {
+
+constexpr char k_type[] = "RAWDATA";
+constexpr char k_name[] = "defaultbank.vstpreset";
+
+// Room behind the bytes of a file that was read as a whole.
+constexpr uint64_t k_spare_room = 15;
+
+memory::data_reference read_whole(files::file* file) {
+  const uint64_t size = file->size();
+  if (size == 0) return memory::data_reference(new memory::data);
+  memory::reference<memory::byte_block> block(new memory::byte_block(size + k_spare_room));
+  uint32_t done = 0;
+  file->read(block->writable_bytes(), static_cast<uint32_t>(size), &done);
+  block->resize(done);
+  return block;
+}
+
+}  // namespace
+
+memory::data_reference read_default_bank() {
+  files::add_embedded_resource({k_type, k_name, default_bank_bytes, default_bank_bytes_size});
+  files::resource_file file(k_type, k_name);
+  return read_whole(&file);
+}

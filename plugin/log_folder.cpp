@@ -1,0 +1,29 @@
+// MIT License.
+#include "plugin/log_folder.h"
+
+#include "support/err/exception.h"
+#include "support/files/operations.h"
+#include "support/logbook.h"
+
+namespace {
+
+constexpr char k_product_folder[] = "Quorvant/Kesrel Vocoder 4 ME";
+constexpr char k_log_folder[] = "logs";
+// The words that open the log on every system.
+constexpr char k_banner[] = "Kesrel Vocoder Version 1.0 Windows 64 bit\r\n";
+
+}  // namespace
+
+void log_to_application_data() {
+  try {
+    const auto product = files::create_folder_path(files::get_user_app_support_path(), k_product_folder);
+    if (!product.exists()) return;
+    const auto folder = files::get_or_create_folder(product, k_log_folder);
+    if (!folder.exists()) return;
+    halvern::logbook_impl::instance().log_to(folder, k_banner, halvern::log_levels_with_a_file);
+  } catch (const err::exception& failure) {
+    halvern::log_error(failure.what());
+  } catch (...) {
+    // Out of memory: the log is not worth the plug-in.
+  }
+}

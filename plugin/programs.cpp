@@ -1,0 +1,105 @@
+// MIT License. The effect's programs: stored records on one side, the live state on the other.
+#include <algorithm>
+#include <cstring>
+
+#include "plugin/effect.h"
+#include "plugin/trace.h"
+#include "support/logbook.h"
+
+namespace {
+
+constexpr float switch_value(bool on) {
+  return on ? 1.0F : 0.0F;
+}
+
+}  // namespace
+
+// The program that is left keeps what the user did to it while it was in use.
+void KesrelVocoder4TarvixEffect::setProgram(VstInt32 program) {
+  trace("setProgram");
+  try {
+    if (!programs_.has(program) || program == getProgram()) return;
+    programs_.replace(getProgram(), chunk_from_current_program());
+    curProgram = program;
+    execute_chunk_to_current_program(program);
+  } catch (...) {
+    halvern::log_error("setProgram failed");
+  }
+}
+
+void KesrelVocoder4TarvixEffect::setProgramName(char* name) {
+  if (name != nullptr) preset_name_.set(name);
+}
+
+// A name that does not fit is not cut: the host gets an empty text.
+void KesrelVocoder4TarvixEffect::getProgramName(char* name) {
+  const std::string text = preset_name_.get();
+  const bool fits = std::strlen(text.c_str()) <= kVstMaxProgNameLen;
+  vst_strncpy(name, fits ? text.c_str() : "", kVstMaxProgNameLen);
+}
+
+bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index, char* text) {
+  try {
+    const auto record = programs_.record(index);
+    if (!record) return false;
+    if (index == getProgram()) {
+      getProgramName(text);
+      return true;
+    }
+    const auto name = state::read_program_name(*record);
+    if (!name || name->empty()) return false;
+    vst_strncpy(text, name->c_str(), kVstMaxProgNameLen);
+    return true;
+  } catch (...) {
+    halvern::log_error("getProgramNameIndexed failed");
+    return false;
+  }
+}
+
+// The keys are those that are wanted, though no block may have taken them yet.
+chunks::chunk KesrelVocoder4TarvixEffect::chunk_from_current_program() const {
+  state::program live;
+  live.name = preset_name_.get();
+  live.sound_uuid = sound_uuid_.get();
+  live.chorus_on = is_on(k_chorus_on);
+  live.reverb_on = is_on(k_reverb_on);
+  live.octave_on = is_on(k_octave_on);
+  key_flags keys;
+  getPendingKeys(keys);
+  std::copy_n(keys, live.keys.size(), live.keys.begin());
+  return state::to_chunk(live);
+}
+
+void KesrelVocoder4TarvixEffect::execute_chunk_to_current_program(int32_t index) {
+  trace("execute Chunk");
+  try {
+    const auto record = programs_.record(index);
+    if (!record) return;
+    const auto stored = state::read_program(*record);
+    if (stored) restore(*stored);
+  } catch (...) {
+    halvern::log_error("execute_chunk_to_current_program failed");
+  }
+}
+
+// The octave switch, told last, asks for the keys once more: a block that took the first request before the sound was
+// selected brings them to the new sound's base with the next one.
+void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
+  const menu_row_ref row = row_at(catalogue(), find_row_by_uuid(catalogue().rows, stored.sound_uuid));
+  if (row != nullptr) pass_gate(row->category_id);
+  preset_name_.set(stored.name);
+  sound_uuid_.set(stored.sound_uuid);
+  trace("preset to be restored: ", stored.name);
+  trace("uuid to be restored: ", stored.sound_uuid);
+  const bool switches[k_parameter_count] = {stored.chorus_on, stored.reverb_on, stored.octave_on};
+  for (size_t index = 0; index < switches_.size(); ++index) {
+    switches_[index].store(switches[index], std::memory_order_relaxed);
+  }
+  key_flags keys = {};
+  std::ranges::copy(stored.keys, keys);
+  set_pending_keys(keys);
+  selected_sound_index_.store(find_row_by_uuid(catalogue().rows, stored.sound_uuid), std::memory_order_relaxed);
+  for (VstInt32 index = 0; index < k_parameter_count; ++index) {
+    setParameterAutomated(index, switch_value(switches[index]));
+  }
+}

@@ -1,0 +1,56 @@
+// MIT License.
+#include "tests/plugin/own_log.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "support/logbook.h"
+
+namespace {
+
+std::filesystem::path data_home;
+
+class own_data_home : public testing::Environment {
+ public:
+  void SetUp() override {
+    std::string pattern = std::filesystem::temp_directory_path() / "kesrel-data-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    data_home = pattern;
+    setenv("XDG_DATA_HOME", pattern.c_str(), 1);
+  }
+  void TearDown() override { std::filesystem::remove_all(data_home); }
+};
+
+const testing::Environment* const k_own_data_home = testing::AddGlobalTestEnvironment(new own_data_home);
+
+// A line without its time and label, which end with a tab; the header has none.
+std::string text_of(const std::string& line) {
+  const size_t tab = line.find('\t');
+  if (tab == std::string::npos) return {};
+  const size_t first = line.find_first_not_of('\t', tab);
+  return line.substr(first, line.find('\r') - first) + "\n";
+}
+
+std::string texts_in(const std::filesystem::path& path) {
+  std::string texts;
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);) texts += text_of(line);
+  return texts;
+}
+
+}  // namespace
+
+std::string logged_texts() {
+  const auto folder = data_home / "Quorvant" / "Kesrel Vocoder 4 ME" / "logs";
+  std::string texts;
+  if (!std::filesystem::exists(folder)) return texts;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) texts += texts_in(entry.path());
+  return texts;
+}
+
+std::string log_capture::own_texts() {
+  return texts_in(halvern::logbook_impl::instance().log_file().path());
+}
