@@ -23,6 +23,9 @@ if(KESREL_SANITIZERS)
   add_compile_options(-fsanitize=${KESREL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KESREL_SANITIZERS})
 endif()
+if(KESREL_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 
 # kesrel_library(NAME SOURCES ... LINKS ...)
 #   A static library of one folder. LINKS is what its headers and sources may include.
