@@ -26,6 +26,7 @@ state::plugin_identity KesrelVocoder4TarvixEffect::identity() const {
 
 VstInt32 KesrelVocoder4TarvixEffect::getChunk(void** data, bool isPreset) {
   trace("getChunk");
+  if (data == nullptr) return 0;
   try {
     programs_.replace(getProgram(), chunk_from_current_program());
     last_chunk_ = isPreset ? current_program_image() : state::bank_image(identity(), getProgram(), programs_.records());

@@ -90,6 +90,7 @@ std::vector<state::program> programs_of_table(const std::string& table) {
 
 std::string default_bank_file(const std::vector<state::program>& programs) {
   std::vector<chunks::chunk> records;
+  records.reserve(programs.size());
   for (const auto& program : programs) records.push_back(state::to_chunk(program));
   const state::image_bytes image = state::bank_image(k_identity, 0, records);
   const std::string meta_info = std::string(k_byte_order_mark) + k_meta_info;

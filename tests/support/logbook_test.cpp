@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <thread>
 
 #include "support/err/exception.h"
@@ -24,9 +23,15 @@ using testing::IsEmpty;
 constexpr uint32_t k_both = log_dest_file | log_dest_debugger;
 constexpr char k_header[] = "first line\r\n";
 
-// GoogleTest's own matcher has no more than points and stars on Windows.
-MATCHER_P(MatchesRegex, pattern, "") {
-  return std::regex_match(arg, std::regex(pattern));
+// With # for each number.
+std::string without_numbers(const std::string& text) {
+  std::string shape;
+  for (const char character : text) {
+    const bool is_digit = character >= '0' && character <= '9';
+    if (!is_digit) shape += character;
+    if (is_digit && !shape.ends_with('#')) shape += '#';
+  }
+  return shape;
 }
 
 std::string read_file(const std::string& path) {
@@ -103,15 +108,13 @@ TEST_F(Logbook, GoesFromTheDebuggerToAFileOnceItHasAFolder) {
   say("");  // makes the file and writes nothing
   EXPECT_EQ(folder().file_count(), 1U);
   EXPECT_EQ(written(), k_header);
-  EXPECT_THAT(logbook_impl::instance().log_file().name(),
-              MatchesRegex("Log [0-9]+_[0-9]+_[0-9]+ [0-9]+_[0-9]+_[0-9]+_[0-9]{16}\\.log"));
+  EXPECT_EQ(without_numbers(logbook_impl::instance().log_file().name()), "Log #_#_# #_#_#_#.log");
 
   say("first");
   halvern::log_error("second");
   say("not for the file", 4, log_dest_debugger);
-  const std::string clock = "[0-9][0-9]:[0-9][0-9]:[0-9][0-9]:[0-9][0-9][0-9] ";
-  EXPECT_THAT(written(), MatchesRegex(std::string(k_header) + clock + "\\(error\\)\t\tfirst\r\n" + clock +
-                                      "\\(error\\)\t\tsecond\r\n"));
+  EXPECT_EQ(without_numbers(written()),
+            std::string(k_header) + "#:#:#:# (error)\t\tfirst\r\n#:#:#:# (error)\t\tsecond\r\n");
   EXPECT_THAT(debugger, IsEmpty());
 
   // A second owner repeats the steps; the file stays in use.
@@ -131,6 +134,7 @@ TEST_F(Logbook, LabelsItsLevels) {
     message.level = level;
     EXPECT_EQ(halvern::log_line(message), std::string("09:14:03:071") + label + "text\r\n");
   }
+  EXPECT_EQ(halvern::random_digits(16).size(), 16U);
   EXPECT_EQ(halvern::log_file_name({3, 7, 2016, 41, 5, 9, 0}, "4907"), "Log 3_7_2016 9_5_41_4907.log");
 }
 

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <numbers>
+#include <thread>
 
 #include "plugin/effect.h"
 #include "tests/plugin/allocation_count.h"
@@ -70,6 +72,26 @@ TEST_F(Sound, SingsAgainAtANewRateOnceAnotherSoundIsChosen) {
   const float peak = peak_of_blocks(20);
   EXPECT_GT(peak, 0.01F);
   EXPECT_LT(peak, 9.0F);
+}
+
+// For the thread sanitizer, with all that an engine shares with the shell.
+TEST_F(Sound, SingsOnWhileAnotherThreadWorksOnProgramsAndState) {
+  std::atomic<bool> done{false};
+  std::thread host_thread([&] {
+    for (int32_t round = 0; round < 200 || !done.load(); ++round) {
+      effect.setProgram(round % 24);
+      effect.setParameter(round % 3, static_cast<float>(round % 2));
+      void* image = nullptr;
+      const VstInt32 size = effect.getChunk(&image, round % 2 == 0);
+      effect.setChunk(image, size, round % 2 == 0);
+      std::this_thread::yield();
+    }
+  });
+  const float peak = peak_of_blocks(60);
+  done.store(true);
+  host_thread.join();
+  EXPECT_FALSE(std::isnan(peak));
+  EXPECT_GT(peak, 0.0F);
 }
 
 TEST_F(Sound, ReachesForNoHeapInAnOrdinaryBlock) {
