@@ -1,7 +1,6 @@
 // MIT License. Sound files: reading the voice, writing the result.
 #include "hosts/audio_file.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -59,65 +58,29 @@ int64_t voice_reader::read(float* const* channels, int count) {
   return got;
 }
 
-void check_output_place(const std::string& voice, const std::string& output) {
-  std::error_code error;
-  const auto status = fs::status(output, error);
-  if (!fs::exists(status)) return;
-  if (!fs::is_regular_file(status)) throw failure("output '" + output + "' is no regular file");
-  if (fs::equivalent(voice, output, error)) {
-    throw failure("output '" + output + "' is the voice itself: name another file");
-  }
-}
-
-// Creates the file beside `target` that becomes it, with the permissions that the user's mask leaves.
-static int open_partial(const fs::path& target, fs::path* partial) {
-  *partial = target;
-  std::string name = ".";
-  name.append(target.filename().string()).append(".").append(std::to_string(getpid())).append(".part");
-  partial->replace_filename(name);
-  return open(partial->c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-}
-
-wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format) : path_(path), target_(path) {
-  std::error_code error;
-  if (fs::exists(target_, error)) target_ = fs::canonical(target_, error);
-  if (error) throw failure("output '" + path_ + "' cannot be written: " + error.message());
-  if (fs::exists(target_) && access(target_.c_str(), W_OK) != 0) {
-    throw failure("output '" + path_ + "' cannot be written: " + system_text(errno));
-  }
-  const int descriptor = open_partial(target_, &partial_);
-  if (descriptor < 0) throw failure("output '" + path_ + "' cannot be written: " + system_text(errno));
-
+wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format)
+    : what_("output '" + path + "'"), partial_(what_, path) {
   SF_INFO info{};
   info.samplerate = rate_hz;
   info.channels = 2;
   info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
-  file_.reset(sf_open_fd(descriptor, SFM_WRITE, &info, SF_TRUE));
-  if (!file_) {
-    unlink(partial_.c_str());
-    throw failure("output '" + path_ + "' cannot be written: " + sf_strerror(nullptr));
-  }
+  file_.reset(sf_open(partial_.path().c_str(), SFM_WRITE, &info));
+  if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
   room_ = (most_wav_bytes - wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
 }
 
-wav_writer::~wav_writer() {
-  if (!file_) return;
-  file_.reset();
-  unlink(partial_.c_str());
-}
-
 void wav_writer::write(const float* left, const float* right, int count) {
   room_ -= count;
-  if (room_ < 0) throw failure("output '" + path_ + "' would exceed the 4 GiB that a WAV file can hold");
+  if (room_ < 0) throw failure(what_ + " would exceed the 4 GiB that a WAV file can hold");
   interleaved_.resize(2 * static_cast<std::size_t>(count));
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
     interleaved_[2 * i] = left[i];
     interleaved_[2 * i + 1] = right[i];
   }
   if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
-    throw failure("output '" + path_ + "' cannot be written: " + sf_strerror(file_.get()));
+    throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
   }
 }
 
@@ -125,9 +88,8 @@ void wav_writer::finish() {
   sf_write_sync(file_.get());
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
-  if (unsaid != SF_ERR_NO_ERROR || unclosed != 0 || rename(partial_.c_str(), target_.c_str()) != 0) {
-    const std::string reason = unsaid != SF_ERR_NO_ERROR ? sf_error_number(unsaid) : system_text(errno);
-    unlink(partial_.c_str());
-    throw failure("output '" + path_ + "' cannot be written: " + reason);
+  for (const int error : {unsaid, unclosed}) {
+    if (error != SF_ERR_NO_ERROR) throw failure(what_ + " cannot be written: " + sf_error_number(error));
   }
+  partial_.finish();
 }

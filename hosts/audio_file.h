@@ -4,10 +4,11 @@
 #include <sndfile.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "hosts/partial_file.h"
 
 struct sound_file_closer {
   void operator()(SNDFILE* file) const { sf_close(file); }
@@ -44,15 +45,11 @@ constexpr int highest_rate_hz = 768000;
 
 enum class sample_format { pcm_24, float_32 };
 
-// A stereo WAV file that appears under its name only when it is finished; until then it grows in a file beside it,
-// which vanishes with the writer.
+// A stereo WAV file that appears under its name only when it is finished.
 class wav_writer {
  public:
   // Throws failure when the place cannot be written to.
   wav_writer(const std::string& path, int rate_hz, sample_format format);
-  ~wav_writer();
-  wav_writer(const wav_writer&) = delete;
-  wav_writer& operator=(const wav_writer&) = delete;
 
   // Appends `count` samples. In 24-bit files they are clipped at full scale. Throws failure, for a full disk say, or
   // when the file would outgrow the 4 GiB that its header can count.
@@ -62,13 +59,9 @@ class wav_writer {
   void finish();
 
  private:
-  std::string path_;              // as the user named it
-  std::filesystem::path target_;  // where links lead to
-  std::filesystem::path partial_;
-  sound_file file_;
-  int64_t room_;  // samples per channel that still fit
+  std::string what_;  // how messages name it
+  partial_file partial_;
+  sound_file file_;  // closed before the partial file vanishes
+  int64_t room_;     // samples per channel that still fit
   std::vector<float> interleaved_;
 };
-
-// Throws failure when `output` is the very file `voice`, by whatever name, or is no regular file.
-void check_output_place(const std::string& voice, const std::string& output);

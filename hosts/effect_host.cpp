@@ -1,11 +1,10 @@
 // MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
 #include "hosts/effect_host.h"
 
-#include <string>
-
 #include "hosts/failure.h"
+#include "hosts/plugin_module.h"
 
-extern "C" AEffect* VSTPluginMain(audioMasterCallback host);
+constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
 
 // What this host answers. Everything it doesn't know is 0, as the interface has it.
 static VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
@@ -19,10 +18,17 @@ static VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, f
   }
 }
 
-effect_host::effect_host(int rate_hz, int block, int input_channels) : effect_(VSTPluginMain(answer)) {
-  if (effect_ == nullptr || effect_->magic != kEffectMagic) throw failure("the effect doesn't start");
+static VstInt32 state_index(image_kind kind) {
+  return kind == image_kind::bank ? 0 : 1;
+}
+
+effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
+    : effect_(load_plugin(plugin)(answer)) {
+  if (effect_ == nullptr) throw failure("the plug-in refuses to start");
+  if (effect_->magic != kEffectMagic) throw failure("what the plug-in starts is no VST 2.4 effect");
   dispatch(effOpen);
   try {
+    check_identity();
     set_rate(rate_hz);
     dispatch(effSetBlockSize, 0, block);
     arrange_speakers(input_channels);
@@ -41,18 +47,41 @@ effect_host::~effect_host() {
   dispatch(effClose);
 }
 
-void effect_host::set_rate(int rate_hz) {
-  dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
+std::string effect_host::program_name(int number) const {
+  char text[256] = {};  // more than the interface allows, as effects exceed it
+  const bool known = dispatch(effGetProgramNameIndexed, number, 0, text) != 0;
+  text[sizeof text - 1] = 0;
+  return known ? text : "";
 }
 
-void effect_host::set(effect_switch which, bool on) {
-  effect_->setParameter(effect_, static_cast<VstInt32>(which), on ? 1.0F : 0.0F);
+std::string effect_host::state(image_kind kind) const {
+  void* bytes = nullptr;
+  const VstIntPtr size = dispatch(effGetChunk, state_index(kind), 0, &bytes);
+  if (bytes == nullptr || size <= 0) throw failure("the effect gives no state");
+  return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+}
+
+void effect_host::set_state(image_kind kind, std::string image) {
+  dispatch(effSetChunk, state_index(kind), static_cast<VstIntPtr>(image.size()), image.data());
+}
+
+void effect_host::set_rate(int rate_hz) {
+  dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
 }
 
 void effect_host::start() {
   dispatch(effMainsChanged, 0, 1);
   dispatch(effStartProcess);
   started_ = true;
+}
+
+// The sounds and the state's format are this one plug-in's.
+void effect_host::check_identity() const {
+  if (effect_->uniqueID == plugin_id) return;
+  char name[256] = {};
+  dispatch(effGetEffectName, 0, 0, name);
+  name[sizeof name - 1] = 0;
+  throw failure(std::string("the module is another plug-in, '") + name + "'");
 }
 
 void effect_host::arrange_speakers(int input_channels) {
@@ -68,11 +97,11 @@ void effect_host::arrange_speakers(int input_channels) {
 }
 
 void effect_host::shake_hands() {
-  constexpr VstInt32 handshake = ('K' << 24) | ('V' << 16) | ('H' << 8) | 's';
+  constexpr VstInt32 handshake = CCONST('K', 'V', 'H', 's');
   constexpr VstIntPtr interface_version = 1;
   if (dispatch(effVendorSpecific, handshake, interface_version) != 1) throw failure("the effect refuses this host");
 }
 
-VstIntPtr effect_host::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+VstIntPtr effect_host::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) const {
   return effect_->dispatcher(effect_, opcode, index, value, ptr, opt);
 }

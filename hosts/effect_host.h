@@ -1,26 +1,34 @@
 // MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
 #pragma once
 
-#include <array>
+#include <string>
 
+#include "hosts/program_image.h"
 #include "vst2/aeffect.h"
 
-// The effect's parameters, all switches.
-enum class effect_switch : VstInt32 { chorus = 0, reverb = 1, octave = 2 };
-
-// One effect from opening to closing. All calls come from one thread.
+// One effect from opening to closing, known through the VST 2.4 interface alone. All calls come from one thread.
 class effect_host {
  public:
-  // Opens the effect for `input_channels` (1 or 2) at `rate_hz` and shakes hands with it. Throws failure when it
-  // refuses.
-  effect_host(int rate_hz, int block, int input_channels);
+  // Loads the module at `plugin` (see load_plugin), opens its effect for `input_channels` (1 or 2) at `rate_hz` and
+  // shakes hands with it. Throws failure when it refuses, or is another plug-in.
+  effect_host(const std::string& plugin, int rate_hz, int block, int input_channels);
   ~effect_host();
   effect_host(const effect_host&) = delete;
   effect_host& operator=(const effect_host&) = delete;
 
-  AEffect* record() const { return effect_; }
+  plugin_identity identity() const { return {effect_->uniqueID, effect_->version}; }
 
-  void set(effect_switch which, bool on);
+  // Programs, by number from 0. The effect may ignore a selection; program() tells.
+  int program_count() const { return effect_->numPrograms; }
+  int program() const { return static_cast<int>(dispatch(effGetProgram)); }
+  void select_program(int number) { dispatch(effSetProgram, 0, number); }
+  // At most `kVstMaxProgNameLen` characters; empty when the effect has none to tell.
+  std::string program_name(int number) const;
+
+  // The image of the bank or of the program in use. Throws failure when the effect gives none.
+  std::string state(image_kind kind) const;
+  // The effect doesn't tell whether it takes the image; state() does. What it asks for holds from the next block on.
+  void set_state(image_kind kind, std::string image);
 
   // Changes the rate while processing stands still.
   void set_rate(int rate_hz);
@@ -35,7 +43,9 @@ class effect_host {
   }
 
  private:
-  VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0.0F);
+  VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                     float opt = 0.0F) const;
+  void check_identity() const;
   void arrange_speakers(int input_channels);
   void shake_hands();
 

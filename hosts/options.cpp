@@ -8,12 +8,16 @@
 #include "hosts/failure.h"
 
 static const char* const closing_words =
-    "VOICE may be any sound file that libsndfile reads, at any rate, mono or stereo; of a stereo file the effect "
-    "hears\n"
-    "the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency "
-    "of\n"
-    "1024 samples at 44100 Hz unless --compensate drops it.\n"
-    "Exit status: 0 done, 2 not done, with the reason on standard error and no file left.";
+    R"(VOICE may be any sound file that libsndfile reads, at any rate, mono or stereo; of a stereo file the effect hears
+the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
+1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
+
+The options on the effect's state are carried out in this order, whatever order they come in: --load-state, --program,
+then --sound, the switches and --keys, then --save-state. Without any of them the effect's first program is in use.
+--sound alone makes a fresh program: keys 12,16,19 and all switches off. After --load-state or --program it replaces
+the sound of that program, as the switches and --keys replace theirs, and the rest stays.
+
+Exit status: 0 done, 2 not done, with the reason on standard error and no unfinished file left.)";
 
 // CLI11 asks a check for the text of its complaint; an empty one means that all is well.
 static std::string complaint_about_block(const std::string& text) {
@@ -25,27 +29,46 @@ static std::string complaint_about_block(const std::string& text) {
          " samples, which '" + text + "' isn't";
 }
 
+static void declare_switch(const std::string& name, const char* on_help, const char* off_help,
+                           std::optional<bool>* value, CLI::App* app) {
+  auto* const on = app->add_flag_callback(
+      "--" + name, [value] { *value = true; }, on_help);
+  auto* const off = app->add_flag_callback(
+      "--no-" + name, [value] { *value = false; }, off_help);
+  on->excludes(off);
+  for (auto* const option : {on, off}) option->option_text(" ");  // the exclusion speaks for itself
+}
+
 static void declare(CLI::App* app, render_options* options) {
   app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
   app->footer(closing_words);
   app->add_option("VOICE", options->voice, "Sound file with the voice");
   app->add_option("OUT", options->output, "WAV file to write");
-  app->add_option("--sound", options->sound,
-                  "Sound: its number, its uuid, or its name or a part of it that is unique; default 0")
+  app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
       ->type_name("NAME|UUID|NUMBER");
   app->add_option("--keys", options->keys,
-                  "Held keys: indices 0 to 35, or note names such as C4,Eb4,G4, where C4 is note 60; default 12,16,19")
+                  "Held keys: indices 0 to 35, or note names such as C4,Eb4,G4, where C4 is note 60")
       ->type_name("LIST");
+  declare_switch("chorus", "Switch the chorus on", "Switch the chorus off", &options->chorus, app);
+  declare_switch("reverb", "Switch the reverb on; its tail is written", "Switch the reverb off", &options->reverb, app);
+  declare_switch("octave", "Raise the keyboard by an octave", "Leave the keyboard where it is", &options->octave, app);
+  app->add_option("--program", options->program, "Program: its number, or its name or a part of it that is unique")
+      ->type_name("NAME|NUMBER");
+  app->add_option("--load-state", options->load_state, "Restore a bank or a single program from a file")
+      ->type_name("FILE");
+  app->add_option("--save-state", options->save_state,
+                  "Write the bank to a file, or the program in use to one whose name ends in .fxp")
+      ->type_name("FILE");
+  app->add_option("--plugin", options->plugin, "The module to load, default KesrelVocoder4ME.so beside this program")
+      ->type_name("PATH");
   app->add_option("--block", options->block, "Samples per call of the effect, default 512")
       ->type_name("N")
       ->check(CLI::Validator(complaint_about_block, ""));
-  app->add_flag("--chorus", options->chorus, "Switch the chorus on");
-  app->add_flag("--reverb", options->reverb, "Switch the reverb on, and write its tail");
-  app->add_flag("--octave", options->octave, "Raise the keyboard by an octave");
   app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
   app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
   app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");
+  app->add_flag("--list-programs", options->list_programs, "List the programs as they then are, and leave");
   app->add_flag("--quiet", options->quiet, "Neither a progress bar nor the closing line");
 }
 
@@ -60,7 +83,9 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");
   }
-  if (!options->list_sounds && (options->voice.empty() || options->output.empty())) {
+  const bool complete = !options->voice.empty() && !options->output.empty();
+  const bool without_voice = options->voice.empty() && options->save_state;
+  if (!complete && !without_voice && !options->list_sounds && !options->list_programs) {
     throw failure("VOICE and OUT.wav must be named; --help tells what is possible");
   }
   return command_line::render;

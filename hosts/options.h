@@ -1,23 +1,30 @@
 // MIT License. The command line of kesrel-render.
 #pragma once
 
+#include <optional>
 #include <string>
 
 constexpr int smallest_block = 1;
 constexpr int largest_block = 65536;
 
 struct render_options {
-  std::string voice;              // sound file to read
-  std::string output;             // WAV file to write
-  std::string sound = "0";        // number, name or uuid
-  std::string keys = "12,16,19";  // key indices or note names; a major chord in the middle of the keyboard
-  int block = 512;                // samples per channel and call
-  bool chorus = false;
-  bool reverb = false;
-  bool octave = false;
-  bool compensate = false;  // drop the latency and the tail
+  std::string voice;   // sound file to read; empty when nothing is to be rendered
+  std::string output;  // WAV file to write; likewise
+  std::string plugin;  // module with the effect; empty for the one beside this program
+  // What isn't given stays as the program in use has it.
+  std::optional<std::string> load_state;  // file with a bank or a single program
+  std::optional<std::string> program;     // number or name
+  std::optional<std::string> sound;       // number, name or uuid
+  std::optional<std::string> keys;        // key indices or note names
+  std::optional<bool> chorus;
+  std::optional<bool> reverb;
+  std::optional<bool> octave;
+  std::optional<std::string> save_state;  // file to write
+  int block = 512;                        // samples per channel and call
+  bool compensate = false;                // drop the latency and the tail
   bool float_samples = false;
   bool list_sounds = false;
+  bool list_programs = false;
   bool quiet = false;
 };
 

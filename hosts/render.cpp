@@ -12,11 +12,14 @@
 #include "hosts/audio_file.h"
 #include "hosts/effect_host.h"
 #include "hosts/failure.h"
+#include "hosts/finding.h"
 #include "hosts/interruption.h"
-#include "hosts/keys.h"
 #include "hosts/meters.h"
+#include "hosts/partial_file.h"
+#include "hosts/preparation.h"
+#include "hosts/programs.h"
 #include "hosts/progress.h"
-#include "hosts/sound_and_keys.h"
+#include "hosts/sounds.h"
 #include "hosts/timeline.h"
 
 namespace {
@@ -56,15 +59,15 @@ bool yields_output(const sound& candidate, effect_host* host) {
   stereo_block input(64);
   stereo_block output(64);
   output.fill(k_unwritten);
-  choose_sound(candidate, host->record());
+  use_program({candidate.name, candidate.uuid}, host);
   host->process(input.channels(), output.channels(), 64);
   return !output.holds_only(k_unwritten);
 }
 
-failure no_output_from(const sound& chosen, const std::vector<sound>& sounds) {
-  effect_host host(44100, 64, 1);
+failure no_output_from(const sound& chosen, const std::string& plugin) {
+  effect_host host(plugin, 44100, 64, 1);
   std::vector<int> possible;
-  for (const auto& candidate : sounds) {
+  for (const auto& candidate : known_sounds()) {
     host.set_rate(44100);  // the new engine holds no sound, so that no earlier one answers for the candidate
     if (yields_output(candidate, &host)) possible.push_back(candidate.number);
   }
@@ -75,18 +78,17 @@ failure no_output_from(const sound& chosen, const std::vector<sound>& sounds) {
 // One rendering, from the set-up effect to the finished file.
 class rendering {
  public:
-  rendering(const render_options& options, const std::vector<int>& keys, voice_reader* voice, effect_host* host)
+  rendering(const render_options& options, const program& in_use, voice_reader* voice, effect_host* host)
       : options_(options),
+        program_(in_use),
         voice_(*voice),
         host_(*host),
-        plan_(timeline_of(voice->frames(), voice->rate_hz(), options.block, options.compensate, options.reverb)),
+        plan_(timeline_of(voice->frames(), voice->rate_hz(), options.block, options.compensate, in_use.reverb)),
         input_(options.block),
         output_(options.block),
         meters_(voice->rate_hz()),
         writer_(options.output, voice->rate_hz(),
-                options.float_samples ? sample_format::float_32 : sample_format::pcm_24) {
-    hold_keys(keys, host_.record());
-  }
+                options.float_samples ? sample_format::float_32 : sample_format::pcm_24) {}
 
   // False when the effect writes nothing.
   bool run() {
@@ -94,7 +96,7 @@ class rendering {
     host_.start();
     for (position_ = plan_.run_in; position_ < plan_.end; position_ += options_.block) {
       check_interruption();
-      if (position_ >= plan_.keys_up) hold_keys({}, host_.record());
+      if (position_ >= plan_.keys_up) let_go_of_keys();
       fill_input();
       output_.fill(k_unwritten);
       host_.process(input_.channels(), output_.channels(), options_.block);
@@ -117,6 +119,12 @@ class rendering {
   }
 
  private:
+  void let_go_of_keys() {
+    if (program_.keys.empty()) return;
+    program_.keys.clear();
+    use_program(program_, &host_);
+  }
+
   // The next block: silence before and behind the voice. A mono voice stands in both channels, for an effect that reads
   // the second in spite of the arrangement.
   void fill_input() {
@@ -157,6 +165,7 @@ class rendering {
   }
 
   const render_options& options_;
+  program program_;  // in use
   voice_reader& voice_;
   effect_host& host_;
   timeline plan_;
@@ -186,28 +195,18 @@ std::string in_db(double value) {
 
 render_report render(const render_options& options) {
   voice_reader voice(options.voice);
-  check_output_place(options.voice, options.output);
+  check_place("output '" + options.output + "'", options.output, "voice", options.voice);
   check_block(options, voice);
 
-  effect_host host(voice.rate_hz(), options.block, voice.channels());
-  const auto sounds = sounds_of(*host.record());
-  const auto& chosen = find_sound(sounds, options.sound);
-  const auto keys = parse_keys(options.keys, chosen.root_key + (options.octave ? octave_switch_keys : 0));
-  choose_sound(chosen, host.record());
-  host.set(effect_switch::chorus, options.chorus);
-  host.set(effect_switch::reverb, options.reverb);
-  host.set(effect_switch::octave, options.octave);
+  effect_host host(options.plugin, voice.rate_hz(), options.block, voice.channels());
+  const program in_use = prepare(options, &host);
+  const sound& chosen = sound_of(in_use);
 
   note_interruptions();
   const auto began = std::chrono::steady_clock::now();
-  rendering run(options, keys, &voice, &host);
-  if (!run.run()) throw no_output_from(chosen, sounds);
+  rendering run(options, in_use, &voice, &host);
+  if (!run.run()) throw no_output_from(chosen, options.plugin);
   return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
-}
-
-std::string sound_table() {
-  const effect_host host(44100, 64, 1);
-  return table_of(sounds_of(*host.record()));
 }
 
 std::string closing_line(const render_options& options, const render_report& report) {

@@ -17,8 +17,5 @@ struct render_report {
 // Carries `options` out. Throws failure, and interrupted, and then leaves no file behind.
 render_report render(const render_options& options);
 
-// The sounds of the effect as a table.
-std::string sound_table();
-
 // The report as the closing line of a rendering.
 std::string closing_line(const render_options& options, const render_report& report);

@@ -1,93 +1,54 @@
-// MIT License. The list of sounds as a person sees it, and finding one in it.
+// MIT License. The list of sounds: finding one in it, and showing it.
 #include "hosts/sounds.h"
 
 #include <algorithm>
-#include <charconv>
-#include <functional>
 #include <iomanip>
 #include <sstream>
-#include <tuple>
 
-#include "hosts/failure.h"
+#include "hosts/finding.h"
 #include "hosts/keys.h"
 #include "hosts/text.h"
 
-constexpr std::size_t most_candidates_named = 5;
-constexpr std::size_t most_suggestions = 3;
+extern const signed char sound_table_bytes[];
+extern const unsigned int sound_table_bytes_size;
 
-using candidates = std::vector<const sound*>;
-
-static candidates sounds_that(const std::vector<sound>& sounds, const std::function<bool(const sound&)>& fit) {
-  candidates found;
-  for (const auto& entry : sounds) {
-    if (fit(entry)) found.push_back(&entry);
+// Rows of number, category, root key, name and uuid. Lines that begin with # and the first other line, the headings,
+// are passed over. The table comes with the program, and a test holds it against the effect's own.
+static std::vector<sound> sounds_of_table(std::string_view table) {
+  std::vector<sound> sounds;
+  bool below_headings = false;
+  for (const auto& row : split(table, '\n')) {
+    if (row.empty() || row.front() == '#') continue;
+    const auto cells = split(row, ',');
+    if (below_headings)
+      sounds.push_back({std::stoi(cells.at(0)), std::stoi(cells.at(2)), cells.at(3), cells.at(1), cells.at(4)});
+    below_headings = true;
   }
-  return found;
+  return sounds;
 }
 
-static std::string named(const candidates& found) {
-  std::vector<std::string> names;
-  for (const auto* entry : found) {
-    if (names.size() == most_candidates_named) break;
-    names.push_back("'" + entry->name + "'");
-  }
-  const std::size_t rest = found.size() - names.size();
-  return joined(names) + (rest > 0 ? " and " + std::to_string(rest) + " more" : "");
-}
-
-static bool is_number(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-static const sound& sound_of_number(const std::vector<sound>& sounds, std::string_view wanted) {
-  int number = -1;
-  std::from_chars(wanted.data(), wanted.data() + wanted.size(), number);
-  std::vector<int> possible;
-  for (const auto& entry : sounds) {
-    if (entry.number == number) return entry;
-    possible.push_back(entry.number);
-  }
-  throw failure("no sound has the number " + std::string(wanted) + ": there are " + runs_of(possible));
-}
-
-// Edits that make every word of `wanted` part of `name`, in whatever order the words come.
-static int distance_from(const std::string& name, const std::string& wanted) {
-  int edits = 0;
-  for (const auto& word : split(wanted, ' ')) edits += edits_to_a_part_of(name, word);
-  return edits;
-}
-
-// The sounds nearest to a name that none has.
-static candidates suggestions(const std::vector<sound>& sounds, const std::string& wanted) {
-  // Of names that are equally near, the one with the fewest letters besides comes first.
-  std::vector<std::tuple<int, std::size_t, const sound*>> ranked;
-  ranked.reserve(sounds.size());
-  for (const auto& entry : sounds) {
-    ranked.emplace_back(distance_from(lower_case(entry.name), wanted), entry.name.size(), &entry);
-  }
-  std::sort(ranked.begin(), ranked.end());
-  candidates nearest;
-  for (const auto& [edits, letters, entry] : ranked) {
-    if (nearest.size() < most_suggestions) nearest.push_back(entry);
-  }
-  return nearest;
+const std::vector<sound>& known_sounds() {
+  static const auto sounds =
+      sounds_of_table({reinterpret_cast<const char*>(sound_table_bytes), sound_table_bytes_size});
+  return sounds;
 }
 
 const sound& find_sound(const std::vector<sound>& sounds, std::string_view wanted) {
-  if (is_number(wanted)) return sound_of_number(sounds, wanted);
-  const std::string key = lower_case(wanted);
-  const auto whole = sounds_that(
-      sounds, [&](const sound& entry) { return lower_case(entry.name) == key || lower_case(entry.uuid) == key; });
-  if (!whole.empty()) return *whole.front();
+  std::vector<findable> entries;
+  entries.reserve(sounds.size());
+  for (const auto& entry : sounds) entries.push_back({entry.number, entry.name, entry.uuid});
+  return sounds[find_entry(entries, wanted, {"sound", "--list-sounds"})];
+}
 
-  const auto partly = sounds_that(sounds, [&](const sound& entry) {
-    return !key.empty() && lower_case(entry.name).find(key) != std::string::npos;
+const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view uuid) {
+  const auto found = std::find_if(sounds.begin(), sounds.end(), [key = lower_case(uuid)](const sound& entry) {
+    return lower_case(entry.uuid) == key;
   });
-  if (partly.size() == 1) return *partly.front();
-  const std::string quoted = std::string("'").append(wanted).append("'");
-  if (!partly.empty()) throw failure("sound " + quoted + " could be " + named(partly));
-  throw failure("no sound is called " + quoted + ": nearest are " + named(suggestions(sounds, key)) +
-                "; --list-sounds shows all");
+  return found == sounds.end() ? nullptr : &*found;
+}
+
+int lowest_note(const sound& in_use, bool octave) {
+  return in_use.root_key + (octave ? octave_switch_keys : 0);
 }
 
 std::string table_of(const std::vector<sound>& sounds) {
@@ -104,15 +65,4 @@ std::string table_of(const std::vector<sound>& sounds) {
           << name_of_note(entry.root_key) << " (" << entry.root_key << ")  " << entry.uuid << "\n";
   }
   return table.str();
-}
-
-std::string runs_of(const std::vector<int>& numbers) {
-  std::vector<std::string> runs;
-  for (std::size_t first = 0; first < numbers.size();) {
-    std::size_t last = first;
-    while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) ++last;
-    runs.push_back(std::to_string(numbers[first]) + (last > first ? " to " + std::to_string(numbers[last]) : ""));
-    first = last + 1;
-  }
-  return joined(runs);
 }

@@ -1,4 +1,4 @@
-// MIT License. The list of sounds as a person sees it, and finding one in it.
+// MIT License. The list of sounds: finding one in it, and showing it.
 #pragma once
 
 #include <string>
@@ -6,7 +6,6 @@
 #include <vector>
 
 struct sound {
-  int menu_row;  // place in the effect's menu
   int number;
   int root_key;  // note of key 0
   std::string name;
@@ -14,13 +13,20 @@ struct sound {
   std::string uuid;
 };
 
+// The effect's sounds, ascending by number. The VST 2.4 interface has no call for them, so the table
+// resources/sounds/catalogue.csv is built in.
+const std::vector<sound>& known_sounds();
+
 // Finds the sound that `wanted` means: its number, its name or uuid in any case, or a part of its name that no other
-// sound has. A whole name wins over a part of others.
+// sound has.
 //   throws   failure when there is none or more than one, with the candidates
 const sound& find_sound(const std::vector<sound>& sounds, std::string_view wanted);
 
+// The sound that a program names by its uuid, in any case; null when there is none.
+const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view uuid);
+
+// Note of key 0 when the octave switch is off or on.
+int lowest_note(const sound& in_use, bool octave);
+
 // The list as a table, a line per sound: number, name, category, lowest key, uuid.
 std::string table_of(const std::vector<sound>& sounds);
-
-// Ascending numbers with runs drawn together: {0, 1, 2, 5} gives "0 to 2, 5".
-std::string runs_of(const std::vector<int>& numbers);

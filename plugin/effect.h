@@ -149,9 +149,9 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::atomic<const sound_catalogue*> catalogue_;
   std::atomic<bool> ready_{false};
 
-  // Host and user-interface threads: stored programs, the image last handed out, and the texts of the live state.
-  program_bank programs_;
+  // Host and user-interface threads: the image last handed out, stored programs, and the texts of the live state.
   state::image_bytes last_chunk_;
+  program_bank programs_;
   guarded<std::string> preset_name_;
   guarded<std::string> sound_uuid_;
 

@@ -1,24 +1,20 @@
 // MIT License. Words for tests that run kesrel-render as a user does.
 #include "tests/hosts/command.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sndfile.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
 
 namespace fs = std::filesystem;
-
-extern char** environ;
 
 scratch_folder::scratch_folder() {
   std::string name = (fs::temp_directory_path() / "kesrel-render-XXXXXX").string();
@@ -41,37 +37,20 @@ std::vector<std::string> scratch_folder::listing() const {
 static pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
   static const scratch_folder log_folder;
   setenv("XDG_DATA_HOME", log_folder.file("").c_str(), 1);
-  std::vector<char*> argv;
   arguments owned = words;
   owned.insert(owned.begin(), KESREL_RENDER);
+  std::vector<char*> argv;
   for (auto& word : owned) argv.push_back(word.data());
   argv.push_back(nullptr);
 
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, error.c_str(), O_WRONLY | O_CREAT, 0600);
+  const pid_t process = fork();
+  if (process != 0) return process;
   // A shell that runs the tests in the background has us ignore SIGINT; the program shall not inherit that.
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t reset;
-  sigemptyset(&reset);
-  sigaddset(&reset, SIGINT);
-  sigaddset(&reset, SIGTERM);
-  posix_spawnattr_setsigdefault(&attributes, &reset);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-
-  pid_t process = -1;
-  EXPECT_EQ(posix_spawn(&process, KESREL_RENDER, &actions, &attributes, argv.data(), environ), 0);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return process;
-}
-
-static std::string content_of(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  signal(SIGINT, SIG_DFL);
+  const bool redirected = freopen("/dev/null", "r", stdin) != nullptr && freopen(out.c_str(), "w", stdout) != nullptr &&
+                          freopen(error.c_str(), "w", stderr) != nullptr;
+  if (redirected) execv(KESREL_RENDER, argv.data());
+  _exit(127);
 }
 
 int status_of(pid_t process) {
@@ -88,6 +67,15 @@ outcome run(const arguments& words) {
 
 pid_t start(const arguments& words) {
   return spawn(words, "/dev/null", "/dev/null");
+}
+
+std::string content_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void write_file(const std::string& path, const std::string& content) {
+  std::ofstream(path, std::ios::binary) << content;
 }
 
 recording read_recording(const std::string& path) {
@@ -123,4 +111,31 @@ recording voice_of(double seconds, int rate_hz, int channels) {
                          static_cast<float>(0.5 * beat * noise));
   }
   return voice;
+}
+
+bool speaks_of(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+std::string command_fixture::done(const arguments& words) {
+  const auto result = run(words);
+  EXPECT_EQ(result.status, 0) << result.error;
+  EXPECT_EQ(result.error, "") << "no progress bar in a pipe";
+  return result.out;
+}
+
+std::string command_fixture::refusal(const arguments& words) const {
+  const auto before = folder.listing();
+  const auto result = run(words);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+  EXPECT_EQ(folder.listing(), before);
+  return result.error;
+}
+
+recording command_fixture::rendered(arguments options) const {
+  options.insert(options.begin(), {voice, output});
+  done(options);
+  return read_recording(output);
 }

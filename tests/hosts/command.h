@@ -1,6 +1,7 @@
 // MIT License. Words for tests that run kesrel-render as a user does.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <filesystem>
@@ -40,6 +41,9 @@ pid_t start(const arguments& words);
 // The exit status of a started program, or -n for an end by signal n.
 int status_of(pid_t process);
 
+std::string content_of(const std::string& path);
+void write_file(const std::string& path, const std::string& content);
+
 // Samples of a sound file, channels in turn.
 struct recording {
   int rate_hz = 44100;
@@ -57,3 +61,22 @@ void write_recording(const std::string& path, const recording& content);
 
 // Noise with a slow beat, near enough to a voice for a vocoder to sing with; the same for the same arguments.
 recording voice_of(double seconds, int rate_hz = 44100, int channels = 1);
+
+bool speaks_of(const std::string& text, const std::string& part);
+
+// One voice in a folder of its own; each test looks at what else is there afterwards.
+class command_fixture : public testing::Test {
+ protected:
+  command_fixture() { write_recording(voice, voice_of(0.4)); }
+
+  // Standard output of a run that has to succeed.
+  static std::string done(const arguments& words);
+  // The text of a run that has to fail, after checking that it was one line and left nothing.
+  std::string refusal(const arguments& words) const;
+  // What comes out of the voice.
+  recording rendered(arguments options) const;
+
+  scratch_folder folder;
+  const std::string voice = folder.file("voice.wav");
+  const std::string output = folder.file("out.wav");
+};

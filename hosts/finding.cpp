@@ -1,0 +1,105 @@
+// MIT License. Finding one of several things by what a person types.
+#include "hosts/finding.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <tuple>
+
+#include "hosts/failure.h"
+#include "hosts/text.h"
+
+constexpr std::size_t most_candidates_named = 5;
+constexpr std::size_t most_suggestions = 3;
+
+using indices = std::vector<std::size_t>;
+
+static indices those_that(const std::vector<findable>& entries, const std::function<bool(const findable&)>& fit) {
+  indices found;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (fit(entries[i])) found.push_back(i);
+  }
+  return found;
+}
+
+static std::string named(const std::vector<findable>& entries, const indices& found) {
+  std::vector<std::string> names;
+  for (const auto i : found) {
+    if (names.size() == most_candidates_named) break;
+    names.push_back(std::to_string(entries[i].number) + " '" + entries[i].name + "'");
+  }
+  const std::size_t rest = found.size() - names.size();
+  return joined(names) + (rest > 0 ? " and " + std::to_string(rest) + " more" : "");
+}
+
+static bool is_number(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+static std::size_t find_number(const std::vector<findable>& entries, std::string_view wanted, const char* kind) {
+  int number = -1;
+  std::from_chars(wanted.data(), wanted.data() + wanted.size(), number);
+  std::vector<int> possible;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].number == number) return i;
+    possible.push_back(entries[i].number);
+  }
+  throw failure(std::string("no ") + kind + " has the number " + std::string(wanted) + ": there are " +
+                runs_of(possible));
+}
+
+// Edits that make every word of `wanted` part of `name`, in whatever order the words come.
+static int distance_from(const std::string& name, const std::string& wanted) {
+  int edits = 0;
+  for (const auto& word : split(wanted, ' ')) edits += edits_to_a_part_of(name, word);
+  return edits;
+}
+
+// The entries nearest to a name that none has.
+static indices suggestions(const std::vector<findable>& entries, const std::string& wanted) {
+  // Of names that are equally near, the one with the fewest letters besides comes first.
+  std::vector<std::tuple<int, std::size_t, std::size_t>> ranked;
+  ranked.reserve(entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    ranked.emplace_back(distance_from(lower_case(entries[i].name), wanted), entries[i].name.size(), i);
+  }
+  std::sort(ranked.begin(), ranked.end());
+  indices nearest;
+  for (const auto& [edits, letters, i] : ranked) {
+    if (nearest.size() < most_suggestions) nearest.push_back(i);
+  }
+  return nearest;
+}
+
+std::size_t find_entry(const std::vector<findable>& entries, std::string_view wanted, const finding_words& words) {
+  if (is_number(wanted)) return find_number(entries, wanted, words.kind);
+  const std::string key = lower_case(wanted);
+  // From the strictest to the loosest; the first that any entry fits decides.
+  const std::function<bool(const findable&)> fits[] = {
+      [&](const findable& entry) { return !key.empty() && (entry.name == wanted || entry.id == wanted); },
+      [&](const findable& entry) {
+        return !key.empty() && (lower_case(entry.name) == key || lower_case(entry.id) == key);
+      },
+      [&](const findable& entry) { return !key.empty() && lower_case(entry.name).find(key) != std::string::npos; }};
+  const std::string quoted = std::string("'").append(wanted).append("'");
+  for (const auto& fit : fits) {
+    const auto found = those_that(entries, fit);
+    if (found.size() == 1) return found.front();
+    if (!found.empty()) {
+      throw failure(std::string(words.kind) + " " + quoted + " could be " + named(entries, found));
+    }
+  }
+  throw failure(std::string("no ") + words.kind + " is called " + quoted + ": nearest are " +
+                named(entries, suggestions(entries, key)) + "; " + words.list_option + " shows all");
+}
+
+std::string runs_of(const std::vector<int>& numbers) {
+  std::vector<std::string> runs;
+  for (std::size_t first = 0; first < numbers.size();) {
+    std::size_t last = first;
+    while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) ++last;
+    runs.push_back(std::to_string(numbers[first]) + (last > first ? " to " + std::to_string(numbers[last]) : ""));
+    first = last + 1;
+  }
+  return joined(runs);
+}

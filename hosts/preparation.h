@@ -1,0 +1,11 @@
+// MIT License. Brings an effect to the program that the command line asks for.
+#pragma once
+
+#include "hosts/effect_host.h"
+#include "hosts/options.h"
+#include "hosts/program_image.h"
+
+// Carries out, in this order, what `options` say of state, program, sound, switches and keys, and saves the state.
+//   returns   the program that is in use then
+//   throws    failure for what cannot be carried out
+program prepare(const render_options& options, effect_host* host);

@@ -1,0 +1,122 @@
+// MIT License. The programs of an effect that has shaken hands: which is in use, what it says, and changing it.
+#include "hosts/programs.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <sstream>
+#include <vector>
+
+#include "hosts/failure.h"
+#include "hosts/finding.h"
+#include "hosts/keys.h"
+#include "hosts/text.h"
+
+static program_image image_of(const effect_host& host, image_kind kind) {
+  return read_image("the effect's state", host.state(kind), host.identity());
+}
+
+program program_in_use(const effect_host& host) {
+  return image_of(host, image_kind::single_program).programs.front().content;
+}
+
+const sound& sound_of(const program& content) {
+  if (const sound* const found = sound_with_uuid(known_sounds(), content.uuid)) return *found;
+  throw failure("program '" + content.name + "' has a sound that isn't known, '" + content.uuid +
+                "': choose one with --sound");
+}
+
+static std::string differences(const program& wanted, const program& got) {
+  std::vector<std::string> fields;
+  if (got.name != wanted.name) fields.emplace_back("name");
+  if (got.uuid != wanted.uuid) fields.emplace_back("sound");
+  if (got.chorus != wanted.chorus) fields.emplace_back("chorus");
+  if (got.reverb != wanted.reverb) fields.emplace_back("reverb");
+  if (got.octave != wanted.octave) fields.emplace_back("octave");
+  if (got.keys != wanted.keys) fields.emplace_back("keys");
+  return joined(fields);
+}
+
+void use_program(const program& wanted, effect_host* host) {
+  use_program(wanted, single_program_image(wanted, host->program(), host->identity()), host);
+}
+
+void use_program(const program& wanted, const std::string& image, effect_host* host) {
+  host->set_state(image_kind::single_program, image);
+  const program got = program_in_use(*host);
+  if (got == wanted) return;
+  throw failure("the effect did not take program '" + wanted.name + "': other than asked are " +
+                differences(wanted, got));
+}
+
+void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
+  host->set_state(image_kind::bank, bytes);
+  const auto not_taken = [&](const std::string& part) {
+    return failure("the effect did not take " + part + " of " + what);
+  };
+  const auto got = image_of(*host, image_kind::bank);
+  if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
+  for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
+    const auto& wanted = image.programs[slot];
+    // The effect writes the record of the program in use anew, and keeps the others as they came.
+    const bool in_use = static_cast<std::size_t>(image.current) == slot;
+    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
+                                                             : got.programs[slot].record == wanted.record);
+    if (!taken) throw not_taken("program " + std::to_string(slot));
+  }
+}
+
+void select_program(std::string_view wanted, effect_host* host) {
+  std::vector<findable> entries;
+  entries.reserve(static_cast<std::size_t>(host->program_count()));
+  for (int number = 0; number < host->program_count(); ++number) {
+    entries.push_back({number, host->program_name(number)});
+  }
+  const auto& found = entries[find_entry(entries, wanted, {"program", "--list-programs"})];
+  host->select_program(found.number);
+  if (host->program() == found.number) return;
+  throw failure("the effect did not change to program " + std::to_string(found.number) + " '" + found.name + "'");
+}
+
+static std::string switches_of(const program& content) {
+  std::vector<std::string> on;
+  if (content.chorus) on.emplace_back("chorus");
+  if (content.reverb) on.emplace_back("reverb");
+  if (content.octave) on.emplace_back("octave");
+  return on.empty() ? "-" : joined(on);
+}
+
+// As --keys takes them: note names, or key indices for a sound whose lowest key isn't known.
+static std::string keys_of(const program& content, const sound* its_sound) {
+  std::string list;
+  for (const int key : content.keys) {
+    if (!list.empty()) list += ",";
+    list += its_sound == nullptr ? std::to_string(key) : name_of_note(lowest_note(*its_sound, content.octave) + key);
+  }
+  return list.empty() ? "-" : list;
+}
+
+std::string program_table(const effect_host& host) {
+  const auto bank = image_of(host, image_kind::bank);
+  std::vector<std::array<std::string, 4>> rows;
+  std::array<std::size_t, 4> widths{};
+  for (std::size_t slot = 0; slot < bank.programs.size(); ++slot) {
+    const program& content = bank.programs[slot].content;
+    const sound* const its_sound = sound_with_uuid(known_sounds(), content.uuid);
+    rows.push_back({on_one_line(host.program_name(static_cast<int>(slot))),
+                    on_one_line(its_sound == nullptr ? content.uuid : its_sound->name), switches_of(content),
+                    keys_of(content, its_sound)});
+    for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], rows.back()[i].size());
+  }
+  widths.back() = 0;  // nothing stands behind the last column
+  std::ostringstream table;
+  for (std::size_t slot = 0; slot < rows.size(); ++slot) {
+    table << (static_cast<int32_t>(slot) == bank.current ? "*" : " ") << std::right << std::setw(3) << slot
+          << std::left;
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      table << "  " << std::setw(static_cast<int>(widths[i])) << rows[slot][i];
+    }
+    table << "\n";
+  }
+  return table.str();
+}
