@@ -1,0 +1,318 @@
+// MIT License. Tests of the wavelet transform and its filter sets: against plain loops bit for bit, and for perfect
+// reconstruction.
+#include "dsp/wavelet.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/dsp/plain_wavelet.h"
+
+namespace {
+
+using signal = std::vector<float>;
+
+signal noise(int32_t count, unsigned seed = 1) {
+  std::mt19937 generator(seed);
+  std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
+  signal x(static_cast<size_t>(count));
+  for (float& sample : x) sample = distribution(generator);
+  return x;
+}
+
+std::vector<int32_t> numbers_at_hand() {
+  std::vector<int32_t> numbers;
+  for (int32_t number = 1; number <= filter_set_last_number; ++number) {
+    if (filter_set_of_number(number) != nullptr) numbers.push_back(number);
+  }
+  return numbers;
+}
+
+wavelet bound(const filter_set& set) {
+  wavelet transform;
+  wavelet_bind(set, &transform);
+  return transform;
+}
+
+wavelet bound(int32_t number) {
+  return bound(*filter_set_of_number(number));
+}
+
+int32_t size_of(const signal& x) {
+  return static_cast<int32_t>(x.size());
+}
+
+// The work memory holds NaN, so that a read of what nobody wrote shows. It is exactly as large as asked for.
+signal workspace_for(const wavelet& transform, int32_t size) {
+  return signal(static_cast<size_t>(wavelet_workspace_size(transform, size)), NAN);
+}
+
+signal forward(const wavelet& transform, const signal& x, int32_t steps, int32_t extension = -1) {
+  signal out(x.size());
+  signal workspace = workspace_for(transform, size_of(x));
+  EXPECT_EQ(wavelet_forward(transform, x.data(), out.data(), size_of(x), steps, extension, workspace), 0);
+  return out;
+}
+
+signal inverse(const wavelet& transform, const signal& x, int32_t steps, int32_t extension = -1) {
+  signal out(x.size());
+  signal workspace = workspace_for(transform, size_of(x));
+  EXPECT_EQ(wavelet_inverse(transform, x.data(), out.data(), size_of(x), steps, extension, workspace), 0);
+  return out;
+}
+
+// What tells 0 from -0.
+std::vector<uint32_t> bits(const signal& x) {
+  std::vector<uint32_t> result;
+  for (const float sample : x) result.push_back(std::bit_cast<uint32_t>(sample));
+  return result;
+}
+
+double largest_difference(const signal& a, const signal& b) {
+  double largest = 0.0;
+  for (size_t i = 0; i < a.size(); ++i) {
+    const double difference = std::fabs(double{a[i]} - b[i]);
+    if (!(difference <= largest)) largest = difference;  // NaN stays
+  }
+  return largest;
+}
+
+double reconstruction_error(const wavelet& transform, int32_t size, int32_t steps, int32_t extension = -1) {
+  const signal x = noise(size);
+  return largest_difference(x, inverse(transform, forward(transform, x, steps, extension), steps, extension));
+}
+
+// Steps after which one sample is left.
+int32_t all_steps(int32_t size) {
+  int32_t steps = 0;
+  for (; size > 1; size = (size + 1) / 2) ++steps;
+  return steps;
+}
+
+double tap_sum(const wavelet_filter& filter) {
+  double sum = 0.0;
+  for (int32_t j = 0; j < filter.size; ++j) sum += plain::tap(filter, j);
+  return sum;
+}
+
+// Sum of the products of two filters whose times differ by `lag`.
+double product(const wavelet_filter& a, const wavelet_filter& b, int32_t lag) {
+  double sum = 0.0;
+  for (int32_t j = 0; j < a.size; ++j) {
+    const int32_t k = j + a.first_index - b.first_index + lag;
+    if (k >= 0 && k < b.size) sum += double{plain::tap(a, j)} * plain::tap(b, k);
+  }
+  return sum;
+}
+
+TEST(FilterSets, HaveTheirKindAndSize) {
+  EXPECT_EQ(numbers_at_hand(),
+            (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 16, 18, 19, 20, 21, 22, 23, 24, 25}));
+  EXPECT_EQ(filter_set_of_number(0), nullptr);
+  EXPECT_EQ(filter_set_of_number(filter_set_last_number + 1), nullptr);
+  for (const int32_t number : numbers_at_hand()) {
+    const filter_set& set = *filter_set_of_number(number);
+    EXPECT_EQ(set.symmetric, number < 15 ? 0 : 1) << number;
+    EXPECT_NEAR(tap_sum(set.analysis_low), number == 10 ? -std::sqrt(2.0) : std::sqrt(2.0), 2e-7) << number;
+    EXPECT_NEAR(tap_sum(set.analysis_high), 0.0, 2e-7) << number;
+    EXPECT_EQ(set.analysis_low.center, -set.analysis_low.first_index);
+    EXPECT_EQ(set.analysis_high.size, set.synthesis_low.size);
+  }
+}
+
+TEST(FilterSets, AreOrthogonalToTheirShiftsByTwo) {
+  for (const int32_t number : numbers_at_hand()) {
+    const filter_set& set = *filter_set_of_number(number);
+    for (int32_t lag = -100; lag <= 100; lag += 2) {
+      const double expected = lag == 0 ? 1.0 : 0.0;
+      EXPECT_NEAR(product(set.analysis_low, set.synthesis_low, lag), expected, 2e-7) << number << ", " << lag;
+      EXPECT_NEAR(product(set.analysis_high, set.synthesis_high, lag), expected, 2e-7) << number << ", " << lag;
+      EXPECT_NEAR(product(set.analysis_low, set.synthesis_high, lag), 0.0, 2e-7) << number << ", " << lag;
+    }
+  }
+}
+
+TEST(FilterSets, MirrorTheLowFilterIntoTheHighOne) {
+  const float taps[] = {1.0F, 2.0F, 3.0F, 4.0F};
+  filter_set set;
+  ASSERT_EQ(filter_set_build(0, taps, 4, 0, nullptr, 0, 0, &set), 0);
+  const auto first_four = [](const wavelet_filter& f) {
+    return signal(f.coefficients.begin(), f.coefficients.begin() + 4);
+  };
+  EXPECT_EQ(first_four(set.analysis_high), (signal{4.0F, -3.0F, 2.0F, -1.0F}));
+  EXPECT_EQ(set.analysis_high.first_index, -2);
+  EXPECT_EQ(first_four(set.synthesis_high), first_four(set.analysis_high));
+  EXPECT_EQ(first_four(set.synthesis_low), first_four(set.analysis_low));
+
+  const float low[] = {5.0F, 6.0F};
+  ASSERT_EQ(filter_set_build(1, taps, 4, -1, low, 2, 0, &set), 0);
+  EXPECT_EQ(first_four(set.synthesis_high), (signal{-4.0F, 3.0F, -2.0F, 1.0F}));  // from an odd first index
+  EXPECT_EQ(set.synthesis_high.first_index, -1);
+  EXPECT_EQ(first_four(set.analysis_high), (signal{6.0F, -5.0F, 0.0F, 0.0F}));
+
+  filter_set copy;
+  filter_set_copy(set, &copy);
+  filter_set_release(&set);
+  EXPECT_EQ(set.analysis_low.size, 0);
+  EXPECT_EQ(copy.symmetric, 1);
+  EXPECT_EQ(first_four(copy.analysis_low), (signal{1.0F, 2.0F, 3.0F, 4.0F}));
+}
+
+TEST(FilterSets, RefuseFiltersThatDoNotFit) {
+  const signal taps(wavelet_max_taps + 1, 1.0F);
+  filter_set set;
+  EXPECT_EQ(filter_set_build(0, nullptr, 4, 0, nullptr, 0, 0, &set), 1);
+  EXPECT_EQ(filter_set_build(0, taps.data(), 0, 0, nullptr, 0, 0, &set), 1);
+  EXPECT_EQ(filter_set_build(0, taps.data(), wavelet_max_taps + 1, 0, nullptr, 0, 0, &set), 1);
+  EXPECT_EQ(filter_set_build(0, taps.data(), 4, 1, nullptr, 0, 0, &set), 1);
+  EXPECT_EQ(filter_set_build(1, taps.data(), 4, -2, taps.data(), 4, -4, &set), 1);
+  EXPECT_EQ(set.analysis_low.size, 0);
+  EXPECT_EQ(filter_set_build(0, taps.data(), wavelet_max_taps, 1 - wavelet_max_taps, nullptr, 0, 0, &set), 0);
+}
+
+TEST(Wavelet, ReconstructsWithEverySet) {
+  for (const int32_t number : numbers_at_hand()) {
+    const wavelet transform = bound(number);
+    EXPECT_LT(reconstruction_error(transform, 1024, 9), 2e-6) << number;
+  }
+}
+
+TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
+  testing::internal::CaptureStdout();
+  for (const int32_t number : numbers_at_hand()) {
+    const wavelet transform = bound(number);
+    if (transform.symmetric == 0) continue;
+    for (const int32_t size : {1, 2, 3, 5, 6, 7, 13, 100, 1023}) {
+      for (int32_t steps = 0; steps <= all_steps(size) + 1; ++steps) {
+        EXPECT_LT(reconstruction_error(transform, size, steps), 1e-5) << number << ", " << size << ", " << steps;
+      }
+    }
+  }
+  testing::internal::GetCapturedStdout();
+}
+
+// Periodic extension serves symmetric sets as well, at even lengths.
+TEST(Wavelet, TakesTheExtensionThatItIsTold) {
+  const wavelet transform = bound(15);
+  EXPECT_LT(reconstruction_error(transform, 1024, 9, wavelet_extension_periodic), 3e-6);
+  const signal x = noise(64);
+  EXPECT_EQ(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_symmetric));
+  EXPECT_NE(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_periodic));
+  EXPECT_EQ(forward(bound(2), x, 3), forward(bound(2), x, 3, wavelet_extension_periodic));
+}
+
+TEST(Wavelet, EqualsPlainLoopsToTheLastBit) {
+  testing::internal::CaptureStdout();
+  for (const int32_t number : numbers_at_hand()) {
+    const wavelet transform = bound(number);
+    for (const int32_t size : {1, 2, 3, 4, 7, 8, 9, 31, 64, 100, 257, 1023, 1024}) {
+      const signal x = noise(size, static_cast<unsigned>(size));
+      for (const int32_t steps : {0, 1, 2, all_steps(size) - 1, all_steps(size) + 2}) {
+        for (const int32_t extension : {-1, 0, 1}) {
+          signal expected(x.size());
+          plain::forward(transform, x.data(), expected.data(), size, steps, extension);
+          ASSERT_EQ(bits(forward(transform, x, steps, extension)), bits(expected))
+              << "set " << number << ", size " << size << ", steps " << steps << ", extension " << extension;
+          plain::inverse(transform, x.data(), expected.data(), size, steps, extension);
+          ASSERT_EQ(bits(inverse(transform, x, steps, extension)), bits(expected))
+              << "set " << number << ", size " << size << ", steps " << steps << ", extension " << extension;
+        }
+      }
+    }
+  }
+  testing::internal::GetCapturedStdout();
+}
+
+// Filters of other shapes than the table's: odd sizes, one tap, first indices at the ends of their range.
+TEST(Wavelet, EqualsPlainLoopsWithAnyFilters) {
+  const signal taps = noise(wavelet_max_taps, 7);
+  for (const int32_t size : {1, 2, 3, 5, 8, 101, wavelet_max_taps}) {
+    for (const int32_t first : {1 - size, -size / 2, 0}) {
+      for (const bool with_synthesis : {false, true}) {
+        filter_set set;
+        ASSERT_EQ(filter_set_build(0, taps.data(), size, first, with_synthesis ? taps.data() + 1 : nullptr,
+                                   std::max(1, size - 2), 0, &set),
+                  0);
+        const wavelet transform = bound(set);
+        for (const int32_t length : {2, 64, 150}) {
+          const signal x = noise(length);
+          signal expected(x.size());
+          for (const int32_t extension : {0, 1}) {
+            plain::forward(transform, x.data(), expected.data(), length, 2, extension);
+            ASSERT_EQ(bits(forward(transform, x, 2, extension)), bits(expected))
+                << size << ", " << first << ", " << length;
+            plain::inverse(transform, x.data(), expected.data(), length, 2, extension);
+            ASSERT_EQ(bits(inverse(transform, x, 2, extension)), bits(expected))
+                << size << ", " << first << ", " << length;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Wavelet, LaysBandsOutFromCoarseToFine) {
+  // The slowest alternation that only the highest band sees, and a constant that only the low band sees.
+  const signal alternating = {1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F};
+  const signal high = forward(bound(1), alternating, 3);
+  const signal low = forward(bound(1), signal(8, 1.0F), 3);
+  for (size_t i = 0; i < 8; ++i) {
+    EXPECT_NEAR(std::fabs(high[i]), i < 4 ? 0.0 : std::sqrt(2.0), 1e-6) << i;
+    EXPECT_NEAR(low[i], i == 0 ? std::sqrt(8.0) : 0.0, 1e-6) << i;
+  }
+}
+
+TEST(Wavelet, TurnsTheLowBandOverWithSet10) {
+  const signal constant(1024, 1.0F);
+  EXPECT_NEAR(forward(bound(10), constant, 1)[0], -std::sqrt(2.0), 1e-5);
+  EXPECT_NEAR(forward(bound(10), constant, 2)[0], 2.0, 1e-5);
+}
+
+TEST(Wavelet, WorksInPlace) {
+  for (const int32_t number : {2, 10, 15}) {
+    const wavelet transform = bound(number);
+    const signal x = noise(257);
+    signal workspace = workspace_for(transform, 257);
+    signal y = x;
+    wavelet_forward(transform, y.data(), y.data(), 257, 6, -1, workspace);
+    EXPECT_EQ(y, forward(transform, x, 6)) << number;
+    y = x;
+    wavelet_inverse(transform, y.data(), y.data(), 257, 6, -1, workspace);
+    EXPECT_EQ(y, inverse(transform, x, 6)) << number;
+  }
+}
+
+TEST(Wavelet, RefusesTooLittleRoom) {
+  const wavelet transform = bound(3);
+  const signal x = noise(16);
+  signal out(16, 5.0F);
+  signal workspace(static_cast<size_t>(wavelet_workspace_size(transform, 16)) - 1);
+  EXPECT_EQ(wavelet_forward(transform, x.data(), out.data(), 16, 2, -1, workspace), 1);
+  EXPECT_EQ(wavelet_inverse(transform, x.data(), out.data(), 16, 2, -1, workspace), 1);
+  EXPECT_EQ(wavelet_forward(transform, x.data(), out.data(), 0, 2, -1, workspace), 1);
+  EXPECT_EQ(out, signal(16, 5.0F));
+}
+
+std::string printed_by_forward(int32_t number, int32_t size, int32_t steps, int32_t extension) {
+  testing::internal::CaptureStdout();
+  forward(bound(number), noise(size), steps, extension);
+  return testing::internal::GetCapturedStdout();
+}
+
+TEST(Wavelet, ReportsEachStepOnTwoSamplesOrFewerWithASymmetricSet) {
+  const std::string report =
+      "Reduce # of transform steps or increase signal size"
+      "  or switch to periodic extension"
+      "Low pass subband is too small";
+  EXPECT_EQ(printed_by_forward(15, 1024, 9, -1), "");
+  EXPECT_EQ(printed_by_forward(15, 1024, 10, -1), report);
+  EXPECT_EQ(printed_by_forward(15, 4, 3, -1), report + report);
+  EXPECT_EQ(printed_by_forward(15, 4, 2, wavelet_extension_periodic), report);
+  EXPECT_EQ(printed_by_forward(2, 4, 3, wavelet_extension_symmetric), "");
+}
+
+}  // namespace
