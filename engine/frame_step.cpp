@@ -10,6 +10,7 @@
 #include "engine/prediction_modes.h"
 #include "engine/transform_modes.h"
 #include "engine/voco_state.h"
+#include "engine/wavelet_modes.h"
 
 namespace {
 
@@ -109,6 +110,15 @@ void vocode_in_time_domain(voco_state* state) {
       break;
     case 10:
       vocoder_prediction(prediction_order_high, modulator, carrier, frame_size, &state->prediction, &state->arena);
+      break;
+    case 12:
+      vocoder_wavelet(modulator, carrier, frame_size, state);
+      break;
+    case 13:
+      vocoder_wavelet_pair(wavelet_pair::split_by_level, modulator, carrier, frame_size, state);
+      break;
+    case 14:
+      vocoder_wavelet_pair(wavelet_pair::long_only, modulator, carrier, frame_size, state);
       break;
     default:
       break;

@@ -57,6 +57,9 @@ void commit_first(voco_state* state) {
   fft_cos_table_init(&state->fft_log2_size, frame_size, state->fft_cos_table.data());
   build_windows(state);
   state->band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
+  for (distance_delay* const delay : {&state->chorus_left, &state->chorus_right}) {
+    if (delay->ready == 0) distance_delay_create(delay);
+  }
 }
 
 float clamp_to_unit(float value) {
@@ -93,6 +96,7 @@ void voco_commit(voco_params* params, voco_state* state) {
 
   if (state->committed == 0) commit_first(state);
   state->reverb_level = values[param_reverb_level];
+  reverb_configure(values[param_reverb_level], values[param_reverb_size], &state->reverb);
   state->committed = 1;
   state->committing = 0;
 }

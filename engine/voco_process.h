@@ -7,7 +7,7 @@ struct voco_state;
 
 // Runs `n` samples of the core grid.
 //   first, second  input[n]; not-finite samples are replaced by 0 in place
-//   left, right    output[n]
+//   left, right    output[n]; other arrays than the inputs
 //   state          does nothing before the first commit
 //   audio          no heap
 void voco_process(float* first, float* second, float* left, float* right, int32_t n, voco_state* state);

@@ -6,9 +6,13 @@
 
 #include "dsp/linear_prediction.h"
 #include "dsp/wsyn.h"
+#include "engine/distance_delay.h"
 #include "engine/filter_bank.h"
 #include "engine/frame_arena.h"
+#include "engine/motion.h"
+#include "engine/reverb.h"
 #include "engine/smooth_magnitudes.h"
+#include "engine/wavelet_modes.h"
 
 constexpr int32_t core_sample_rate_hz = 44100;  // the grid on which all signal work runs
 constexpr int32_t frame_size = 1024;            // samples of an analysis frame, and the latency
@@ -54,6 +58,7 @@ struct voco_state {
   int32_t dry_modulator_index = 0;
   int32_t dry_carrier_index = 0;
   double sample_counter = 0.0;  // LFO time of the chorus in samples
+  motion_anchor chorus_anchor;
 
   // One frame's analysis. Complex arrays hold real and imaginary parts in turn.
   frame
@@ -74,6 +79,9 @@ struct voco_state {
   bins target_env{};
   bins modulator_phase{};
 
+  // Of the modulator's level sums in the wavelet modes, from the highest octave down. A change of mode keeps them.
+  std::array<float, wavelet_level_count> wavelet_level_avg{};
+
   // Fixed after the first commit.
   int32_t fft_log2_size = 0;
   std::array<float, frame_size / 4 + 1> fft_cos_table{};
@@ -85,6 +93,9 @@ struct voco_state {
 
   std::array<float, wsyn_param_count> synth_params{};
   wsyn_state synth{};
+  reverb_state reverb;
+  distance_delay chorus_left;
+  distance_delay chorus_right;
 
   int32_t frame_pos = 0;  // next write position in the frames
   std::array<float, 32> note_mirror{};

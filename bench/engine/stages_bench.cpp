@@ -2,9 +2,12 @@
 #include <benchmark/benchmark.h>
 
 #include "dsp/oscillators.h"
+#include "engine/chorus.h"
+#include "engine/float_mode.h"
 #include "engine/notes.h"
 #include "engine/output_equaliser.h"
 #include "engine/parameter_commit.h"
+#include "engine/reverb.h"
 #include "engine/voco_state.h"
 #include "tests/engine/engine_words.h"
 
@@ -38,6 +41,42 @@ void equaliser(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(left.size()));
 }
 BENCHMARK(equaliser)->ArgName("block")->Arg(64)->Arg(512);
+
+// The two delays of the chorus, then the reverb, over a block of both channels. The size is in hundredths.
+void chorus_and_reverb(benchmark::State& state, bool with_chorus, bool with_reverb, int64_t size, int64_t block) {
+  float_mode_flush_denormals();
+  const auto voco = std::make_unique<voco_state>();
+  voco_params params = voco_params_from(plain_sound(2.0F), 1.0F, 44100.0F);
+  params[param_reverb_level] = 0.5F;
+  params[param_reverb_size] = static_cast<float>(size) / 100.0F;
+  voco_commit(&params, voco.get());
+  const waveform in = noise(static_cast<size_t>(block), 0.3F);
+  const auto n = static_cast<int32_t>(block);
+  for (auto _ : state) {
+    waveform left = in;
+    waveform right = in;
+    waveform out_left(in.size());
+    waveform out_right(in.size());
+    if (with_chorus) chorus_process(left.data(), right.data(), n, voco.get());
+    if (with_reverb) {
+      reverb_process_block(left.data(), right.data(), out_left.data(), out_right.data(), n, &voco->reverb);
+    }
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * block);
+}
+void chorus(benchmark::State& state) {
+  chorus_and_reverb(state, true, false, 50, state.range(0));
+}
+void reverb(benchmark::State& state) {
+  chorus_and_reverb(state, false, true, state.range(0), state.range(1));
+}
+void chorus_then_reverb(benchmark::State& state) {
+  chorus_and_reverb(state, true, true, state.range(0), state.range(1));
+}
+BENCHMARK(chorus)->ArgName("block")->Arg(64)->Arg(512);
+BENCHMARK(reverb)->ArgNames({"size", "block"})->ArgsProduct({{0, 50, 100}, {64, 512}});
+BENCHMARK(chorus_then_reverb)->ArgNames({"size", "block"})->ArgsProduct({{0, 50, 100}, {64, 512}});
 
 // A commit of unchanged values, which every block pays.
 void commit(benchmark::State& state) {

@@ -53,24 +53,30 @@ inline sound_values external_carrier_sound(float mode) {
   return v;
 }
 
+// What is switched on beside the sound.
+struct effect_switches {
+  int32_t chorus = 0;
+  int32_t reverb = 0;
+};
+
 inline int32_t process_values(const sound_values& v, int32_t frames, const float* const* inputs, float* const* outputs,
-                              vocoder_instance* instance) {
-  return vocoder_process_values(0, 0, 0, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11],
-                                v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20], v[21], v[22], v[23],
-                                v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32], v[33], v[34], v[35],
-                                v[36], frames, inputs, outputs, instance);
+                              vocoder_instance* instance, effect_switches effects = {}) {
+  return vocoder_process_values(0, effects.chorus, effects.reverb, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8],
+                                v[9], v[10], v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20],
+                                v[21], v[22], v[23], v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32],
+                                v[33], v[34], v[35], v[36], frames, inputs, outputs, instance);
 }
 
 // Runs the two signals through `instance` in blocks of `block` samples. An empty carrier is a null input.
 inline stereo run(const sound_values& sound, const waveform& modulator, const waveform& carrier, int32_t block,
-                  vocoder_instance* instance) {
+                  vocoder_instance* instance, effect_switches effects = {}) {
   stereo out{waveform(modulator.size()), waveform(modulator.size())};
   for (size_t start = 0; start < modulator.size(); start += static_cast<size_t>(block)) {
     const auto frames = static_cast<int32_t>(std::min(modulator.size() - start, static_cast<size_t>(block)));
     const float* const inputs[4] = {modulator.data() + start, nullptr,
                                     carrier.empty() ? nullptr : carrier.data() + start, nullptr};
     float* const outputs[2] = {out.left.data() + start, out.right.data() + start};
-    if (process_values(sound, frames, inputs, outputs, instance) != 0) return {};
+    if (process_values(sound, frames, inputs, outputs, instance, effects) != 0) return {};
   }
   return out;
 }
@@ -217,5 +223,5 @@ inline bool all_finite(const waveform& x) {
   return true;
 }
 
-// The algorithms that are on hand: seven spectral, two filter banks, three linear predictions.
-constexpr std::array<int, 12> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+// Seven spectral algorithms, two filter banks, three linear predictions, three wavelet transforms.
+constexpr std::array<int, 15> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};

@@ -26,7 +26,10 @@ TEST(Modes, ImposeTheFormantOfTheModulatorOnTheCarrier) {
     const waveform high = run_fresh(sound, high_vowel, carrier).left;
     const double swing = decibels(power_near(low, 700.0) / power_near(low, 2200.0)) -
                          decibels(power_near(high, 700.0) / power_near(high, 2200.0));
-    EXPECT_GT(swing, mode == 5 ? 10.0 : 20.0) << "mode " << mode;  // 5 has the coarsest envelope
+    double expected = 20.0;
+    if (mode == 5) expected = 10.0;   // the coarsest envelope
+    if (mode == 12) expected = 17.0;  // octaves that leak into each other
+    EXPECT_GT(swing, expected) << "mode " << mode;
     EXPECT_GT(peak(low, second / 4), 0.001F) << "mode " << mode;
   }
 }
@@ -110,7 +113,7 @@ TEST(Modes, ChangeInMidStreamWithoutAJump) {
     for (const int mode : all_modes) {
       const stereo out = run(external_carrier_sound(static_cast<float>(mode)), voice, carrier, 480, instance.get());
       EXPECT_TRUE(all_finite(out.left));
-      EXPECT_LT(peak(out.left), 8.0F) << mode;
+      EXPECT_LT(peak(out.left), 2.0F) << mode;
     }
   }
 }

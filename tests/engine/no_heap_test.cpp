@@ -26,6 +26,13 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
   return counted(size);
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  allocations.fetch_add(1, std::memory_order_relaxed);
+  return std::malloc(size == 0 ? 1 : size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
@@ -52,10 +59,12 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
     float* const outputs[2] = {left.data(), right.data()};
     process_values(plain_sound(2.0F), 1024, inputs, outputs, instance.get());  // the longest block sizes the buffers
     for (const int mode : all_modes) {
-      const sound_values sound = plain_sound(static_cast<float>(mode));
+      sound_values sound = plain_sound(static_cast<float>(mode));
+      sound[value_reverb_level] = 0.5F;
+      sound[value_reverb_size] = static_cast<float>(mode) / 15.0F;
       const int64_t before = allocations.load();
       for (const int32_t frames : {1024, 64, 512, 1000, 1})
-        process_values(sound, frames, inputs, outputs, instance.get());
+        process_values(sound, frames, inputs, outputs, instance.get(), {.chorus = 1, .reverb = 1});
       vocoder_note_off(52, 0, instance.get());
       vocoder_note_on(52, 1, instance.get());
       EXPECT_EQ(allocations.load(), before) << "mode " << mode << " at " << rate;

@@ -1,0 +1,258 @@
+// MIT License.
+#include "engine/reverb.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/convert.h"
+#include "dsp/lanes.h"
+
+namespace {
+
+// clang-format off
+// Tap positions in a ring of 13400 samples, spread unevenly so that no two echoes keep step.
+constexpr std::array<int32_t, reverb_tap_count> tap_base = {
+     120,  1635,  2564,  4210,  //  0
+    5946,  6879,  8795,  9666,  //  4
+    5144,  5644, 10203, 12020,  //  8
+    5311,  5541, 10903, 11988,  // 12
+      64,   255,  3500,  4899,  // 16
+    7122,  8465,  4977, 12419,  // 20
+    5788,  9828,  1035,  3035,  // 24
+    7511,  8232,  9254,  6428,  // 28
+};
+constexpr float tap_scale = 7.462686e-05F;  // 1 / 13400
+
+// What a channel's output takes from its own ring, in the order of the sum.
+struct weighted_tap { size_t tap; float weight; };
+constexpr std::array<weighted_tap, 12> left_taps = {{
+    { 1,  0.025F }, { 3,  0.1F  }, { 5,  0.2F   }, { 7,  0.3F },
+    { 8,  0.325F }, { 9, -0.35F }, {10,  0.375F }, {11,  0.4F },
+    {12,  0.15F  }, {13,  0.2F  }, {14,  0.25F  }, {15,  0.3F },
+}};
+constexpr std::array<weighted_tap, 12> right_taps = {{
+    { 0,  0.0125F}, { 2,  0.05F }, { 4,  0.15F  }, { 6,  0.25F},
+    { 8, -0.325F }, { 9,  0.35F }, {10, -0.375F }, {11,  0.4F },
+    {12,  0.15F  }, {13,  0.2F  }, {14,  0.25F  }, {15,  0.3F },
+}};
+constexpr size_t first_equal_tap = 16;  // both channels have all taps from here on, with one weight
+constexpr float equal_weight = 0.1F;
+// clang-format on
+
+constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly end
+constexpr float output_level = 0.75F;
+constexpr size_t cleared_samples = 24000;  // of each ring; the largest has 22422
+
+// Samples are run in groups of consecutive ones, one per lane, as long as no two positions come so near to each other
+// that a lane would take what another has just written. Each lane then does exactly what a single sample does.
+constexpr int32_t group_size = sizeof(float4) / sizeof(float);
+
+struct reverb_gains {
+  float output;
+  float feedback;
+  float turn;  // of the rotations
+};
+
+// What belongs to the samples of a stretch in which no position wraps.
+struct stretch {
+  std::array<float, motion_span> left_sum;
+  std::array<float, motion_span> right_sum;
+  std::array<double, motion_span> left_positions;
+  std::array<double, motion_span> right_positions;
+};
+
+float clamp_to_unit(float value) {
+  if (value > 1.0F) return 1.0F;
+  return value > 0.0F ? value : 0.0F;
+}
+
+float finite_or_zero(float sample) {
+  return std::isfinite(sample) ? sample : 0.0F;
+}
+
+float number_or_zero(float sample) {
+  return std::isnan(sample) ? 0.0F : sample;
+}
+
+int32_t size_step(float size) {
+  return truncate_to_int32(size * 128.0F);
+}
+
+int32_t clearance_of(const reverb_state& state) {
+  std::array<int32_t, reverb_tap_count + 1> positions;
+  std::copy(state.tap.begin(), state.tap.end(), positions.begin());
+  positions.back() = state.write_index;
+  std::sort(positions.begin(), positions.end());
+  int32_t least = positions.front() + state.limit + 1 - positions.back();
+  for (size_t i = 1; i < positions.size(); ++i) least = std::min(least, positions[i] - positions[i - 1]);
+  return least;
+}
+
+void build_taps(reverb_state* state) {
+  state->limit = truncate_to_int32(state->size * 22000.0F + 422.0F - 1.0F);
+  state->write_index = 1;
+  const float unit = static_cast<float>(state->limit) * tap_scale;
+  for (size_t i = 0; i < state->tap.size(); ++i) {
+    state->tap[i] = truncate_to_int32(unit * static_cast<float>(tap_base[i]));
+  }
+  state->clearance = clearance_of(*state);
+  std::fill_n(state->left.begin(), cleared_samples, 0.0F);
+  std::fill_n(state->right.begin(), cleared_samples, 0.0F);
+}
+
+reverb_gains gains_of(const reverb_state& state) {
+  const float size = std::min(state.decay_size, longest_decay_size);
+  const float feedback = size * 0.9F;
+  return {.output = output_level * (state.level < 0.5F ? state.level * 2.0F : 1.0F),
+          .feedback = feedback,
+          .turn = ((1.0F - size) * 0.2F + feedback * 0.45F) * 1.125F};
+}
+
+template <typename lanes>
+lanes load(const float* from) {
+  lanes value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
+}
+
+template <typename lanes>
+void store(lanes value, float* to) {
+  std::memcpy(to, &value, sizeof value);
+}
+
+// What both channels take from their rings. The sums run side by side, each in the order of its taps.
+template <typename lanes>
+void sum_taps(float gain, const tap_positions& at, const float* left, const float* right, float* left_sum,
+              float* right_sum) {
+  lanes left_weighted{};
+  lanes right_weighted{};
+  for (size_t i = 0; i < left_taps.size(); ++i) {
+    left_weighted += left_taps[i].weight * load<lanes>(left + at[left_taps[i].tap]);
+    right_weighted += right_taps[i].weight * load<lanes>(right + at[right_taps[i].tap]);
+  }
+  lanes left_equal{};
+  lanes right_equal{};
+  for (size_t i = first_equal_tap; i < at.size(); ++i) {
+    left_equal += load<lanes>(left + at[i]);
+    right_equal += load<lanes>(right + at[i]);
+  }
+  store(gain * (left_weighted + equal_weight * left_equal), left_sum);
+  store(gain * (right_weighted + equal_weight * right_equal), right_sum);
+}
+
+// Takes a part of `from` off `to`, then adds a part of the new `to` to `from`: a small turn of the plane of the two.
+template <typename lanes>
+void rotate(float turn, float* to, float* from) {
+  const lanes source = load<lanes>(from);  // in the other ring than `to`
+  const lanes turned = load<lanes>(to) - turn * source;
+  store(turned, to);
+  store(source + turn * turned, from);
+}
+
+template <typename lanes>
+void rotate_taps(float turn, const tap_positions& at, float* left, float* right) {
+  rotate<lanes>(turn, left + at[3], right + at[0]);
+  rotate<lanes>(turn, right + at[2], left + at[1]);
+  rotate<lanes>(turn, left + at[7], right + at[4]);
+  rotate<lanes>(turn, right + at[6], left + at[5]);
+  rotate<lanes>(turn, left + at[11], right + at[8]);
+  rotate<lanes>(turn, right + at[10], left + at[9]);
+  rotate<lanes>(turn, left + at[15], right + at[12]);
+  rotate<lanes>(turn, right + at[14], left + at[13]);
+  rotate<lanes>(turn, left + at[19], right + at[16]);
+  rotate<lanes>(turn, right + at[18], left + at[17]);
+  rotate<lanes>(turn, left + at[21], right + at[20]);
+  rotate<lanes>(turn, right + at[23], left + at[22]);
+  rotate<lanes>(turn, left + at[25], right + at[24]);
+  rotate<lanes>(turn, right + at[27], left + at[26]);
+  rotate<lanes>(turn, right + at[29], left + at[28]);
+  rotate<lanes>(turn, right + at[31], left + at[30]);
+}
+
+// Puts the next input values into a ring, by way of its motion delay.
+template <int32_t n>
+void feed(float feedback, const float* in, const double* positions, float* slots, distance_delay* motion) {
+  std::array<float, n> samples;
+  for (int32_t i = 0; i < n; ++i) {
+    samples[static_cast<size_t>(i)] = -(feedback * slots[i] + number_or_zero(in[i]));
+  }
+  distance_delay_follow(positions, samples.data(), n, motion);
+  for (int32_t i = 0; i < n; ++i) slots[i] = finite_or_zero(samples[static_cast<size_t>(i)]);
+}
+
+// The sample, or the group of `n`, that lies `offset` samples into a stretch.
+template <typename lanes, int32_t n>
+void advance(const reverb_gains& gains, int32_t offset, const float* in_left, const float* in_right, stretch* samples,
+             reverb_state* state) {
+  float* const left = state->left.data() + offset;
+  float* const right = state->right.data() + offset;
+  sum_taps<lanes>(gains.output, state->tap, left, right, samples->left_sum.data() + offset,
+                  samples->right_sum.data() + offset);
+  feed<n>(gains.feedback, in_left + offset, samples->left_positions.data() + offset, left + state->write_index,
+          &state->motion_left);
+  feed<n>(gains.feedback, in_right + offset, samples->right_positions.data() + offset, right + state->write_index,
+          &state->motion_right);
+  rotate_taps<lanes>(gains.turn, state->tap, left, right);
+}
+
+void move_positions(int32_t n, reverb_state* state) {
+  const auto moved = [&](int32_t position) { return position + n > state->limit ? 0 : position + n; };
+  state->write_index = moved(state->write_index);
+  for (int32_t& tap : state->tap) tap = moved(tap);
+}
+
+// Samples up to the next wrap of a position.
+int32_t samples_to_wrap(const reverb_state& state) {
+  const int32_t furthest = std::max(state.write_index, *std::max_element(state.tap.begin(), state.tap.end()));
+  return state.limit + 1 - furthest;
+}
+
+// Runs samples up to a wrap, or to the end of what the motion gives at once. Returns how many.
+int32_t process_stretch(const reverb_gains& gains, const float* in_left, const float* in_right, float* out_left,
+                        float* out_right, int32_t n, reverb_state* state) {
+  stretch samples;
+  const int32_t count =
+      motion_positions(reverb_motion, std::min(n, samples_to_wrap(*state)), samples.left_positions.data(),
+                       samples.right_positions.data(), &state->motion_counter, &state->anchor);
+  int32_t i = 0;
+  if (state->clearance >= group_size) {
+    for (; i + group_size <= count; i += group_size)
+      advance<float4, group_size>(gains, i, in_left, in_right, &samples, state);
+  }
+  for (; i < count; ++i) advance<float, 1>(gains, i, in_left, in_right, &samples, state);
+  for (i = 0; i < count; ++i) {
+    out_left[i] = finite_or_zero(out_left[i] + samples.left_sum[static_cast<size_t>(i)]);
+    out_right[i] = finite_or_zero(out_right[i] + samples.right_sum[static_cast<size_t>(i)]);
+  }
+  move_positions(count, state);
+  return count;
+}
+
+}  // namespace
+
+void reverb_configure(float level, float size, reverb_state* state) {
+  size = clamp_to_unit(size);
+  state->level = clamp_to_unit(level);
+  const bool motion_exists = state->motion_left.ready != 0 && state->motion_right.ready != 0;
+  if (state->configured != 0 && motion_exists && size_step(size) == size_step(state->size)) return;
+  state->size = size;
+  state->decay_size = size;
+  build_taps(state);
+  state->motion_counter = 0.0;
+  if (state->motion_left.ready == 0) distance_delay_create(&state->motion_left);
+  if (state->motion_right.ready == 0) distance_delay_create(&state->motion_right);
+  state->configured = 1;
+}
+
+void reverb_process(float in_left, float in_right, float* out_left, float* out_right, reverb_state* state) {
+  reverb_process_block(&in_left, &in_right, out_left, out_right, 1, state);
+}
+
+void reverb_process_block(const float* in_left, const float* in_right, float* out_left, float* out_right, int32_t n,
+                          reverb_state* state) {
+  if (state->configured == 0) return;
+  const reverb_gains gains = gains_of(*state);
+  for (int32_t i = 0; i < n;) {
+    i += process_stretch(gains, in_left + i, in_right + i, out_left + i, out_right + i, n - i, state);
+  }
+}

@@ -1,0 +1,261 @@
+// MIT License.
+#include "engine/chorus.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "engine/parameter_commit.h"
+#include "engine/voco_process.h"
+#include "engine/voco_state.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+constexpr float nan_value = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+
+distance_delay fresh_delay(float position) {
+  distance_delay delay;
+  distance_delay_create(&delay);
+  distance_delay_set(position, true, &delay);
+  return delay;
+}
+
+// The judge of the ring: it remembers all that ever went in.
+struct plain_delay {
+  float delay = 0.0F;
+  waveform past = silence(2000);
+
+  float next(float in, float target) {
+    delay = (delay * 3000.0F + target) * 0.00033322227F;
+    const auto whole = static_cast<size_t>(delay);
+    const float a = past[past.size() - whole];
+    const float c = past[past.size() - whole - 1];
+    past.push_back(in);
+    return (c - a) * (delay - static_cast<float>(whole)) + a;
+  }
+};
+
+TEST(DistanceDelay, IsAsLongAsSoundNeedsForTheDistance) {
+  EXPECT_EQ(fresh_delay(0.0F).length, 1286);
+  EXPECT_NEAR(fresh_delay(0.0F).delay, 128.57, 0.005);
+  EXPECT_NEAR(fresh_delay(0.25F).delay, 321.43, 0.005);
+  EXPECT_NEAR(fresh_delay(1.0F).delay, 1285.71, 0.005);
+  for (const float near : {0.1F, 0.05F, -1.0F, -infinite, nan_value}) {
+    EXPECT_NEAR(fresh_delay(near).delay, 128.57, 0.005) << near;
+  }
+  for (const float far : {1.5F, 1e30F, infinite}) EXPECT_NEAR(fresh_delay(far).delay, 1285.71, 0.005) << far;
+}
+
+TEST(DistanceDelay, TellsTheLevelOfTheDistanceAndAppliesNone) {
+  EXPECT_FLOAT_EQ(distance_delay_gain(distance_delay{}), 1.0F);
+  EXPECT_FLOAT_EQ(distance_delay_gain(fresh_delay(0.4F)), 0.5F);
+  distance_delay delay = fresh_delay(1.0F);
+  waveform steady(3000, 1.0F);
+  distance_delay_process(steady.data(), steady.data(), 3000, &delay);
+  EXPECT_EQ(steady.back(), 1.0F);
+}
+
+TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
+  for (const float position : {0.0F, 0.3F, 1.0F}) {
+    distance_delay delay = fresh_delay(position);
+    plain_delay plain{delay.delay};
+    const waveform in = noise(10000, 1.0F);
+    waveform out(in.size());
+    waveform expected;
+    for (const float sample : in) expected.push_back(plain.next(sample, delay.target_delay));
+    distance_delay_process(in.data(), out.data(), 7777, &delay);
+    distance_delay_process(in.data() + 7777, out.data() + 7777, 10000 - 7777, &delay);
+    EXPECT_EQ(out, expected) << position;
+  }
+}
+
+TEST(DistanceDelay, GlidesWithATimeConstantOf3000Samples) {
+  distance_delay delay = fresh_delay(0.0F);
+  const float from = delay.delay;
+  distance_delay_set(1.0F, false, &delay);
+  EXPECT_EQ(delay.delay, from);
+  waveform samples = silence(60000);
+  distance_delay_process(samples.data(), samples.data(), 3000, &delay);
+  EXPECT_NEAR((delay.delay - from) / (delay.target_delay - from), 1.0 - std::exp(-1.0), 0.001);
+  distance_delay_process(samples.data(), samples.data(), 60000, &delay);
+  EXPECT_NEAR(delay.delay, delay.target_delay, 0.5);
+}
+
+TEST(DistanceDelay, FollowsPositionsAsSettingThemOneByOneDoes) {
+  distance_delay followed = fresh_delay(0.2F);
+  distance_delay stepped = fresh_delay(0.2F);
+  waveform samples = noise(5000, 1.0F);
+  waveform expected = samples;
+  std::vector<double> positions;
+  for (const float position : noise(samples.size(), 1.2F, 5)) positions.push_back(double{position} + 1e-9);
+  positions[100] = double{nan_value};
+  distance_delay_follow(positions.data(), samples.data(), 5000, &followed);
+  for (size_t i = 0; i < expected.size(); ++i) {
+    distance_delay_set(static_cast<float>(positions[i]), false, &stepped);
+    distance_delay_process(&expected[i], &expected[i], 1, &stepped);
+  }
+  EXPECT_EQ(samples, expected);
+  EXPECT_EQ(followed.delay, stepped.delay);
+  EXPECT_EQ(followed.target_delay, stepped.target_delay);
+  EXPECT_EQ(distance_delay_gain(followed), distance_delay_gain(stepped));
+}
+
+TEST(DistanceDelay, PassesSamplesUnchangedWithoutStorage) {
+  const waveform in = noise(100, 1.0F);
+  const std::vector<double> positions(in.size(), 0.5);
+  distance_delay released = fresh_delay(0.5F);
+  distance_delay_release(&released);
+  distance_delay absurd;
+  distance_delay unmade;
+  distance_delay_create(nan_value, 10, &absurd);
+  for (distance_delay* const delay : {&released, &absurd, &unmade}) {
+    waveform samples = in;
+    distance_delay_set(0.2F, true, delay);
+    distance_delay_process(samples.data(), samples.data(), 100, delay);
+    distance_delay_follow(positions.data(), samples.data(), 100, delay);
+    EXPECT_EQ(delay->ready, 0);
+    EXPECT_EQ(samples, in);
+  }
+  distance_delay_prepare(&released);
+  EXPECT_EQ(released.ready, 1);
+  EXPECT_NEAR(released.delay, 128.57, 0.005);
+}
+
+TEST(DistanceDelay, ComesInOtherSizes) {
+  distance_delay delay;
+  distance_delay_create(48000.0F, 5, &delay);
+  EXPECT_EQ(delay.length, 700);
+  distance_delay_set(1.0F, true, &delay);
+  EXPECT_NEAR(delay.delay, 699.7, 0.01);
+  for (const float rate : {0.0F, -44100.0F, infinite, 40.0F, 1e9F}) {
+    distance_delay_create(rate, 10, &delay);
+    waveform samples = noise(100, 1.0F);
+    distance_delay_process(samples.data(), samples.data(), 100, &delay);
+    EXPECT_TRUE(all_finite(samples)) << rate;
+  }
+}
+
+struct positions {
+  std::vector<double> left;
+  std::vector<double> right;
+};
+
+// Positions from `counter` on, in calls of `longest` samples at most.
+positions positions_from(const motion_shape& shape, double counter, size_t count, int32_t longest) {
+  positions all{std::vector<double>(count), std::vector<double>(count)};
+  motion_anchor anchor;
+  for (size_t i = 0; i < count;) {
+    const auto wanted = std::min(longest, static_cast<int32_t>(count - i));
+    i += static_cast<size_t>(
+        motion_positions(shape, wanted, all.left.data() + i, all.right.data() + i, &counter, &anchor));
+  }
+  return all;
+}
+
+TEST(Motion, FollowsItsFormulaThroughWholeTurnsHoweverLateItIs) {
+  for (const motion_shape& shape : {chorus_motion, reverb_motion}) {
+    for (const double start : {0.0, 176400.0 * 50, 1e9 - 100001.0}) {
+      const size_t count = 230000;
+      const positions all = positions_from(shape, start, count, motion_span);
+      double worst = 0.0;
+      for (size_t i = 0; i < count; ++i) {
+        const double x = std::fmod((start + static_cast<double>(i)) * shape.step, 6.283185307179586);
+        const double s = 0.25 * std::cos(x) + 0.25 * std::cos(2.0 * x) + 0.25 * std::cos(x / 2.0);
+        const double left = (0.5 - (0.25 * std::sin(3.0 * x) - s) * 0.5) * shape.reach;
+        const double right = (0.5 - (0.25 * std::cos(3.0 * x) + s) * 0.5) * shape.reach;
+        worst = std::max({worst, std::fabs(all.left[i] - left), std::fabs(all.right[i] - right)});
+      }
+      EXPECT_LT(worst, 1e-12) << "from " << start;
+    }
+  }
+}
+
+TEST(Motion, IsTheSameHoweverItIsCut) {
+  const positions whole = positions_from(chorus_motion, 176000.0, 1000, motion_span);
+  for (const int32_t longest : {1, 7, 63}) {
+    const positions cut = positions_from(chorus_motion, 176000.0, 1000, longest);
+    EXPECT_EQ(cut.left, whole.left) << longest;
+    EXPECT_EQ(cut.right, whole.right) << longest;
+  }
+}
+
+std::unique_ptr<voco_state> state_with_chorus() {
+  auto state = std::make_unique<voco_state>();
+  distance_delay_create(&state->chorus_left);
+  distance_delay_create(&state->chorus_right);
+  return state;
+}
+
+TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
+  const waveform in = noise(200000, 0.3F);
+  const positions way = positions_from(chorus_motion, 0.0, in.size(), motion_span);
+  const auto state = state_with_chorus();
+  waveform left = in;
+  waveform right = in;
+  std::array<plain_delay, 2> plain{{{state->chorus_left.delay}, {state->chorus_right.delay}}};
+  waveform expected_left;
+  waveform expected_right;
+  float shortest = 1e6F;
+  float longest = 0.0F;
+  for (size_t i = 0; i < in.size(); ++i) {
+    const auto samples_at = [](double position) { return 44100.0F / 343.0F * std::max(1.0F, float(position) * 10.0F); };
+    expected_left.push_back(plain[0].next(in[i], samples_at(way.left[i])));
+    expected_right.push_back(plain[1].next(in[i], samples_at(way.right[i])));
+    shortest = std::min({shortest, plain[0].delay, plain[1].delay});
+    longest = std::max({longest, plain[0].delay, plain[1].delay});
+  }
+  for (size_t i = 0, n = 1; i < in.size(); i += n, n = std::min(in.size() - i, (n * 7 + 3) % 600)) {
+    chorus_process(left.data() + i, right.data() + i, static_cast<int32_t>(n), state.get());
+  }
+  EXPECT_EQ(left, expected_left);
+  EXPECT_EQ(right, expected_right);
+  EXPECT_GT(largest_difference(left, right), 0.1F);
+  EXPECT_NEAR(shortest, 128.57, 0.1);
+  EXPECT_GT(longest, 240.0F);
+  EXPECT_LT(longest, 322.0F);
+}
+
+TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
+  const auto state = std::make_unique<voco_state>();
+  waveform voice = noise(512, 0.3F);
+  waveform carrier = noise(512, 0.3F, 2);
+  waveform left(512);
+  waveform right(512);
+  const auto run_block = [&](float chorus) {
+    voco_params params = voco_params_from(external_carrier_sound(2.0F), chorus, 44100.0F);
+    voco_commit(&params, state.get());
+    voco_process(voice.data(), carrier.data(), left.data(), right.data(), 512, state.get());
+    return state->sample_counter;
+  };
+  EXPECT_EQ(run_block(0.9F), 0.0);
+  EXPECT_EQ(run_block(1.0F), 512.0);
+  const float delay = state->chorus_left.delay;
+  EXPECT_EQ(run_block(0.0F), 512.0);
+  EXPECT_EQ(state->chorus_left.delay, delay);
+  distance_delay_release(&state->chorus_left);
+  distance_delay_release(&state->chorus_right);
+  waveform unchanged = voice;
+  chorus_process(unchanged.data(), right.data(), 512, state.get());
+  EXPECT_EQ(unchanged, voice);
+}
+
+TEST(Engine, PutsTheChorusOnTheVocodedSignalAlone) {
+  const waveform voice = vowel(44100, 700.0, 0.3);
+  const waveform carrier = noise(voice.size(), 0.3F);
+  sound_values sound = external_carrier_sound(6.0F);  // both channels alike
+  sound[value_dry_modulator_gain] = 1.0F;
+  const auto with = [&](effect_switches effects) {
+    return run(sound, voice, carrier, 300, make_instance().get(), effects);
+  };
+  const stereo plain = with({});
+  const stereo chorus = with({.chorus = 1});
+  EXPECT_EQ(plain.left, plain.right);
+  EXPECT_GT(largest_difference(chorus.left, plain.left), 0.01F);
+  EXPECT_GT(largest_difference(chorus.left, chorus.right), 0.01F);
+  sound[value_wet_gain] = 0.0F;
+  EXPECT_EQ(with({.chorus = 1}).left, with({}).left);
+}
+
+}  // namespace

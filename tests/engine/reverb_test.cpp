@@ -1,0 +1,311 @@
+// MIT License.
+#include "engine/reverb.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "engine/float_mode.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+constexpr float nan_value = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+
+using reverb_ptr = std::unique_ptr<reverb_state>;
+
+reverb_ptr fresh_reverb(float level, float size) {
+  auto state = std::make_unique<reverb_state>();
+  reverb_configure(level, size, state.get());
+  return state;
+}
+
+// What the reverb adds to silence, in blocks of changing lengths.
+stereo tail_of(const waveform& left, const waveform& right, reverb_state* state) {
+  stereo out{silence(left.size()), silence(left.size())};
+  for (size_t i = 0, n = 1; i < left.size(); i += n, n = std::min(left.size() - i, (n * 13 + 7) % 600)) {
+    reverb_process_block(left.data() + i, right.data() + i, out.left.data() + i, out.right.data() + i,
+                         static_cast<int32_t>(n), state);
+  }
+  return out;
+}
+
+waveform pulse(size_t count) {
+  waveform out = silence(count);
+  out[0] = 1.0F;
+  return out;
+}
+
+size_t first_sound(const waveform& x) {
+  return static_cast<size_t>(std::find_if(x.begin(), x.end(), [](float s) { return s != 0.0F; }) - x.begin());
+}
+
+double power(const waveform& x, size_t start, size_t count) {
+  double sum = 0.0;
+  for (size_t i = start; i < start + count; ++i) sum += double{x[i]} * x[i];
+  return sum / static_cast<double>(count);
+}
+
+// The judge: one sample after the other, tap by tap.
+void step_plainly(float in_left, float in_right, float* out_left, float* out_right, reverb_state* s) {
+  const auto l = [s](size_t tap) -> float& { return s->left[static_cast<size_t>(s->tap[tap])]; };
+  const auto r = [s](size_t tap) -> float& { return s->right[static_cast<size_t>(s->tap[tap])]; };
+  const auto finite = [](float x) { return std::isfinite(x) ? x : 0.0F; };
+  if (std::isnan(in_left)) in_left = 0.0F;
+  if (std::isnan(in_right)) in_right = 0.0F;
+  const float o = s->level < 0.5F ? s->level * 2.0F : 1.0F;
+  const float size = std::min(s->decay_size, 0.91F);
+  const float f = size * 0.9F;
+  const float g = ((1.0F - size) * 0.2F + f * 0.45F) * 1.125F;
+
+  float sum_left = 0.0F;
+  float sum_right = 0.0F;
+  for (size_t i = 16; i < 32; ++i) {
+    sum_left += l(i);
+    sum_right += r(i);
+  }
+  *out_left +=
+      0.75F * o *
+      (0.025F * l(1) + 0.1F * l(3) + 0.2F * l(5) + 0.3F * l(7) + 0.325F * l(8) - 0.35F * l(9) + 0.375F * l(10) +
+       0.4F * l(11) + 0.15F * l(12) + 0.2F * l(13) + 0.25F * l(14) + 0.3F * l(15) + 0.1F * sum_left);
+  *out_right +=
+      0.75F * o *
+      (0.0125F * r(0) + 0.05F * r(2) + 0.15F * r(4) + 0.25F * r(6) - 0.325F * r(8) + 0.35F * r(9) - 0.375F * r(10) +
+       0.4F * r(11) + 0.15F * r(12) + 0.2F * r(13) + 0.25F * r(14) + 0.3F * r(15) + 0.1F * sum_right);
+
+  float& slot_left = s->left[static_cast<size_t>(s->write_index)];
+  float& slot_right = s->right[static_cast<size_t>(s->write_index)];
+  float vl = -(f * slot_left + in_left);
+  float vr = -(f * slot_right + in_right);
+  double position_left = 0.0;
+  double position_right = 0.0;
+  motion_positions(reverb_motion, 1, &position_left, &position_right, &s->motion_counter, &s->anchor);
+  distance_delay_set(static_cast<float>(position_left), false, &s->motion_left);
+  distance_delay_process(&vl, &vl, 1, &s->motion_left);
+  distance_delay_set(static_cast<float>(position_right), false, &s->motion_right);
+  distance_delay_process(&vr, &vr, 1, &s->motion_right);
+  slot_left = finite(vl);
+  slot_right = finite(vr);
+  *out_left = finite(*out_left);
+  *out_right = finite(*out_right);
+
+  const auto rotate = [g](float& first, float& second) {
+    first -= g * second;
+    second += g * first;
+  };
+  rotate(l(3), r(0));
+  rotate(r(2), l(1));
+  rotate(l(7), r(4));
+  rotate(r(6), l(5));
+  rotate(l(11), r(8));
+  rotate(r(10), l(9));
+  rotate(l(15), r(12));
+  rotate(r(14), l(13));
+  rotate(l(19), r(16));
+  rotate(r(18), l(17));
+  rotate(l(21), r(20));
+  rotate(r(23), l(22));
+  rotate(l(25), r(24));
+  rotate(r(27), l(26));
+  rotate(r(29), l(28));
+  rotate(r(31), l(30));
+  s->write_index = s->write_index == s->limit ? 0 : s->write_index + 1;
+  for (int32_t& tap : s->tap) tap = tap == s->limit ? 0 : tap + 1;
+}
+
+TEST(Reverb, EqualsTheLoopOverItsTapsBitForBitAtAnySize) {
+  // At 0 and 0.02 positions coincide or touch; at 0.05 and 0.06 they are about a group of samples apart.
+  for (const float size : {0.0F, 0.02F, 0.05F, 0.06F, 0.3F, 0.5F, 0.91F, 1.0F}) {
+    const reverb_ptr fast = fresh_reverb(0.3F, size);
+    const reverb_ptr plain = fresh_reverb(0.3F, size);
+    waveform left = noise(60000, 1.0F, 1);
+    waveform right = noise(60000, 1.0F, 2);
+    left[20000] = nan_value;
+    right[30000] = infinite;
+    left[40000] = 3e38F;
+    left[40001] = 3e38F;
+    const stereo out = tail_of(left, right, fast.get());
+    stereo expected{silence(left.size()), silence(left.size())};
+    for (size_t i = 0; i < left.size(); ++i) {
+      step_plainly(left[i], right[i], &expected.left[i], &expected.right[i], plain.get());
+    }
+    ASSERT_EQ(out.left, expected.left) << size;
+    ASSERT_EQ(out.right, expected.right) << size;
+    EXPECT_EQ(fast->tap, plain->tap);
+    EXPECT_EQ(fast->left, plain->left);
+    EXPECT_TRUE(all_finite(out.left));
+
+    reverb_process(0.5F, -0.5F, &expected.left[0], &expected.right[0], fast.get());
+    step_plainly(0.5F, -0.5F, &expected.left[1], &expected.right[1], plain.get());
+    EXPECT_EQ(fast->right, plain->right);
+  }
+}
+
+TEST(Reverb, HasItsTapsInsideItsRing) {
+  EXPECT_EQ(fresh_reverb(1.0F, 0.0F)->limit, 421);
+  EXPECT_EQ(fresh_reverb(1.0F, 1.0F)->limit, 22421);
+  const tap_positions expected = {200,   2735,  4290, 7044,  9948,  11510, 14715, 16173, 8606,  9443,  17071,
+                                  20111, 8886,  9271, 18242, 20058, 107,   426,   5856,  8197,  11916, 14163,
+                                  8327,  20779, 9684, 16444, 1731,  5078,  12567, 13773, 15483, 10755};
+  EXPECT_EQ(fresh_reverb(1.0F, 1.0F)->tap, expected);
+  for (const float size : {-1.0F, -infinite, nan_value, 0.5F, 2.0F, infinite}) {
+    const reverb_ptr state = fresh_reverb(1.0F, size);
+    EXPECT_GE(*std::min_element(state->tap.begin(), state->tap.end()), 0) << size;
+    EXPECT_LE(*std::max_element(state->tap.begin(), state->tap.end()), state->limit) << size;
+  }
+  EXPECT_EQ(fresh_reverb(1.0F, nan_value)->limit, 421);
+  EXPECT_EQ(fresh_reverb(1.0F, infinite)->limit, 22421);
+}
+
+TEST(Reverb, IsFullFromALevelOfOneHalfOn) {
+  const waveform in = noise(20000, 0.5F);
+  const auto tail = [&](float level) { return tail_of(in, in, fresh_reverb(level, 0.5F).get()).left; };
+  const waveform full = tail(1.0F);
+  EXPECT_EQ(tail(0.75F), full);
+  EXPECT_EQ(tail(7.0F), full);
+  waveform half = full;
+  for (float& sample : half) sample *= 0.5F;
+  EXPECT_EQ(tail(0.25F), half);
+  for (const float silent : {0.0F, -1.0F, nan_value}) EXPECT_EQ(peak(tail(silent)), 0.0F) << silent;
+}
+
+TEST(Reverb, ClearsItsTailForAnotherSizeOnly) {
+  const reverb_ptr state = fresh_reverb(0.5F, 0.5F);
+  const waveform in = noise(20000, 0.5F);
+  tail_of(in, in, state.get());
+  const reverb_state::ring before = state->left;
+  reverb_configure(0.2F, 0.503F, state.get());
+  EXPECT_EQ(state->left, before);
+  EXPECT_EQ(state->size, 0.5F);
+  EXPECT_EQ(state->level, 0.2F);
+  EXPECT_EQ(state->motion_counter, 20000.0);
+  reverb_configure(0.0F, 0.51F, state.get());
+  EXPECT_EQ(state->left, reverb_state::ring{});
+  EXPECT_EQ(state->right, reverb_state::ring{});
+  EXPECT_EQ(state->limit, 11641);
+  EXPECT_EQ(state->write_index, 1);
+  EXPECT_EQ(state->motion_counter, 0.0);
+  EXPECT_LT(state->motion_left.delay, 1286.0F);
+}
+
+TEST(Reverb, SoundsFirstAtItsFurthestTap) {
+  const reverb_ptr state = fresh_reverb(1.0F, 1.0F);
+  const auto way_to = [&](size_t tap) { return static_cast<size_t>(state->limit + 2 - state->tap[tap]); };
+  const size_t furthest = way_to(23);
+  const size_t next = way_to(11);
+  const stereo out = tail_of(pulse(4000), pulse(4000), state.get());
+
+  // The right motion begins at one metre, 128.57 samples; the left one glides away from there at once.
+  EXPECT_EQ(first_sound(out.right), furthest + 128);
+  EXPECT_NEAR(out.right[furthest + 128] + out.right[furthest + 129], -0.75 * 0.1, 1e-5);
+  EXPECT_NEAR(out.right[next + 128] + out.right[next + 129], -0.75 * 0.4, 1e-5);
+  EXPECT_EQ(peak({out.right.begin() + static_cast<std::ptrdiff_t>(furthest) + 130,
+                  out.right.begin() + static_cast<std::ptrdiff_t>(next) + 128}),
+            0.0F);
+  EXPECT_GT(first_sound(out.left), furthest + 140);
+  EXPECT_LT(first_sound(out.left), furthest + 155);
+}
+
+TEST(Reverb, SkipsTheMotionOfAMissingDelay) {
+  const reverb_ptr state = fresh_reverb(1.0F, 1.0F);
+  const auto furthest = static_cast<size_t>(state->limit + 2 - state->tap[23]);
+  distance_delay_release(&state->motion_right);
+  const stereo out = tail_of(pulse(4000), pulse(4000), state.get());
+  EXPECT_EQ(first_sound(out.right), furthest);
+  EXPECT_NEAR(out.right[furthest], -0.75 * 0.1, 1e-6);
+  reverb_configure(1.0F, 1.0F, state.get());
+  EXPECT_EQ(state->motion_right.ready, 1);
+}
+
+// Seconds until what is left of a burst of noise has fallen by 30 dB.
+double decay_seconds(float size) {
+  waveform in = noise(44100 * 20, 0.5F);
+  std::fill(in.begin() + 22050, in.end(), 0.0F);
+  const stereo out = tail_of(in, in, fresh_reverb(1.0F, size).get());
+  const double start = power(out.left, 22050, 2205);
+  size_t at = 22050;
+  while (at + 2205 < in.size() && power(out.left, at, 2205) > start * 1e-3) at += 2205;
+  return static_cast<double>(at - 22050) / 44100.0;
+}
+
+TEST(Reverb, LastsLongerTheLargerItIs) {
+  const double small = decay_seconds(0.2F);
+  const double medium = decay_seconds(0.5F);
+  const double large = decay_seconds(0.91F);
+  EXPECT_GT(small, 0.05);
+  EXPECT_GT(medium, 1.5 * small);
+  EXPECT_GT(large, 1.5 * medium);
+  EXPECT_GE(decay_seconds(1.0F), large);  // no more feedback, but a longer way
+  EXPECT_LT(decay_seconds(1.0F), 15.0);
+}
+
+TEST(Reverb, StaysInBoundsForTenMinutesAndFallsSilent) {
+  float_mode_flush_denormals();
+  const reverb_ptr state = fresh_reverb(1.0F, 1.0F);
+  float early = 0.0F;
+  float late = 0.0F;
+  for (uint32_t second = 0; second < 600; ++second) {
+    const stereo out = tail_of(noise(44100, 1.0F, 2 * second + 1), noise(44100, 1.0F, 2 * second + 2), state.get());
+    ASSERT_TRUE(all_finite(out.left) && all_finite(out.right)) << second;
+    float& loudest = second < 60 ? early : late;
+    loudest = std::max({loudest, peak(out.left), peak(out.right)});
+  }
+  EXPECT_LT(late, 1.3F * early);
+  // Beyond the decay of the size 0.91 a faint rest takes minutes to fade.
+  stereo out;
+  for (int second = 0; second < 60; ++second) out = tail_of(silence(44100), silence(44100), state.get());
+  const float rest = std::max(peak(out.left), peak(out.right));
+  EXPECT_LT(rest, 0.01F * late);
+  for (int second = 0; second < 240; ++second) out = tail_of(silence(44100), silence(44100), state.get());
+  EXPECT_LT(std::max(peak(out.left), peak(out.right)), 0.1F * rest);
+}
+
+// The dry voice for half a second, then silence.
+stereo run_voice(float level, effect_switches effects) {
+  sound_values sound = plain_sound(2.0F);
+  sound[value_wet_gain] = 0.0F;
+  sound[value_dry_modulator_gain] = 1.0F;
+  sound[value_reverb_level] = level;
+  sound[value_reverb_size] = 0.6F;
+  waveform voice = noise(66150, 0.3F);
+  std::fill(voice.begin() + 22050, voice.end(), 0.0F);
+  return run(sound, voice, {}, 300, make_instance().get(), effects);
+}
+
+TEST(Engine, AddsTheReverbToTheMixWhenItIsSwitchedOn) {
+  const stereo dry = run_voice(0.0F, {.reverb = 1});
+  const stereo off = run_voice(1.0F, {});
+  const stereo on = run_voice(1.0F, {.reverb = 1});
+  EXPECT_EQ(dry.left, off.left);
+  EXPECT_EQ(run_voice(0.001F, {.reverb = 1}).left, off.left);
+  EXPECT_LT(decibels(power(off.left, 40000, 8000) / power(off.left, 10000, 8000)), -60.0);
+  EXPECT_GT(decibels(power(on.left, 24000, 8000) / power(off.left, 10000, 8000)), -20.0);
+  EXPECT_NE(on.left, on.right);
+}
+
+TEST(Engine, KeepsTheTailWhileTheReverbRests) {
+  sound_values sound = plain_sound(2.0F);
+  sound[value_wet_gain] = 0.0F;
+  sound[value_dry_modulator_gain] = 1.0F;
+  sound[value_reverb_level] = 0.5F;
+  sound[value_reverb_size] = 0.6F;
+  const auto play = [&](vocoder_instance* instance, float level, const waveform& voice) {
+    sound[value_reverb_level] = level;
+    return run(sound, voice, {}, 300, instance, {.reverb = 1});
+  };
+  // Silence before each change, so that neither the dry path nor the equaliser has anything left to say.
+  waveform voice = noise(30000, 0.3F);
+  std::fill(voice.begin() + 20000, voice.end(), 0.0F);
+  const instance_ptr rested = make_instance();
+  const instance_ptr steady = make_instance();
+  play(rested.get(), 0.5F, voice);
+  play(steady.get(), 0.5F, voice);
+  EXPECT_LT(peak(play(rested.get(), 0.001F, silence(30000)).left, 15000), 1e-4F);
+  const stereo resumed = play(rested.get(), 0.5F, silence(3000));
+  const stereo expected = play(steady.get(), 0.5F, silence(3000));
+  EXPECT_GT(peak(expected.left), 0.05F);
+  EXPECT_LT(std::fabs(decibels(power(resumed.left, 1000, 2000) / power(expected.left, 1000, 2000))), 1.0);
+}
+
+}  // namespace
