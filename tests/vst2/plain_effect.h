@@ -6,6 +6,12 @@
 constexpr VstInt32 plain_programs = 24;
 constexpr VstInt32 plain_params = 3;
 
+// An address for arguments that only travel: nobody reads there.
+template <typename Target = char>
+Target* pointer(VstIntPtr address) {
+  return reinterpret_cast<Target*>(address);  // NOLINT(performance-no-int-to-ptr)
+}
+
 class PlainEffect : public AudioEffectX {
  public:
   explicit PlainEffect(audioMasterCallback host = nullptr) : AudioEffectX(host, plain_programs, plain_params) {}

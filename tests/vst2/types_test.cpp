@@ -7,23 +7,18 @@
 
 namespace {
 
-TEST(FourCharacters, AreReadBigEndianWhateverTheSignOfChar) {
-  EXPECT_EQ(CCONST('N', 'v', 'E', 'f'), 0x4E764566);
-  EXPECT_EQ(CCONST('\x80', '\xff', '\0', '\x81'), static_cast<VstInt32>(0x80ff0081U));
-}
+// Four characters make a number big-endian, whatever the sign of char.
+static_assert(CCONST('N', 'v', 'E', 'f') == 0x4E764566);
+static_assert(CCONST('\x80', '\xff', '\0', '\x81') == static_cast<VstInt32>(0x80ff0081U));
 
-TEST(CopiedText, IsCutAtTheLimitAndWritesOneByteMore) {
-  char text[8] = {'#', '#', '#', '#', '#', '#', '#', '#'};
+TEST(Texts, AreCopiedAndAppendedUpToTheLimitAndWithOneByteMore) {
+  char text[] = "#######";
   EXPECT_EQ(vst_strncpy(text, "ChorusOn", 4), text);
-  EXPECT_EQ(std::string(text, 8), std::string("Chor\0###", 8));
+  EXPECT_EQ(std::string(text, 7), std::string("Chor\0##", 7));
   vst_strncpy(text, "ab", 5);
-  EXPECT_EQ(std::string(text, 8), std::string("ab\0\0\0\0##", 8));
-}
-
-TEST(AppendedText, IsCutAtTheLimitOfTheWhole) {
-  char text[8] = {'a', 'b', 0, '#', '#', '#', '#', '#'};
+  EXPECT_EQ(std::string(text, 7), std::string("ab\0\0\0\0#", 7));
   EXPECT_EQ(vst_strncat(text, "cdefg", 5), text);
-  EXPECT_EQ(std::string(text, 8), std::string("abcde\0##", 8));
+  EXPECT_EQ(std::string(text, 7), std::string("abcde\0#", 7));
   vst_strncat(text, "x", 5);
   EXPECT_STREQ(text, "abcde");
 }
