@@ -2,6 +2,7 @@
 #include "dsp/oscillators.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <span>
@@ -152,9 +153,19 @@ constexpr float k_shape_wrap = 1023.0f;
 enum class coupling { free, sync };
 enum class mixing { sum, ring };
 
-float phase_step(double modulation, float ratio, float octave_reciprocal, const wsyn_state& state) {
+// Entries by which the phases of a voice move per sample.
+struct phase_steps {
+  float first = 0.0f;
+  float second = 0.0f;
+};
+
+float phase_step(double modulation, float ratio, const wsyn_state& state) {
   const double step = static_cast<double>(state.bend) * modulation * static_cast<double>(ratio) * state.base_step;
-  return std::fabs(static_cast<float>(step)) * octave_reciprocal;
+  return std::fabs(static_cast<float>(step)) * (1.0f / state.octave_divisor);
+}
+
+phase_steps steps_of(float ratio1, float ratio2, const wsyn_state& state) {
+  return {phase_step(state.pitch_mod1, ratio1, state), phase_step(state.pitch_mod2, ratio2, state)};
 }
 
 // Linear interpolation at `phase`; 0 where the table has no two neighbours.
@@ -181,26 +192,64 @@ float shaped(double y, float drive) {
   return static_cast<float>(y + static_cast<double>((std::fabs(s) - 0.25f) * drive * s));
 }
 
+// The tables that all voices of a state play, with their wrap lengths, and how the oscillators are joined.
 template <size_t entries, coupling oscillators, mixing mix>
-float render(const float (&table1)[entries], const float (&table2)[entries], float wrap1, float wrap2, float ratio1,
-             float ratio2, voice_record* voice, const wsyn_state& state) {
-  const float octave_reciprocal = 1.0f / state.octave_divisor;
-  const float step1 = phase_step(state.pitch_mod1, ratio1, octave_reciprocal, state);
-  const float step2 = phase_step(state.pitch_mod2, ratio2, octave_reciprocal, state);
+struct renderer {
+  const float (&table1)[entries];
+  const float (&table2)[entries];
+  float wrap1;
+  float wrap2;
+  float drive;
 
-  const double y1 = read(table1, voice->phase1);
-  const bool wrapped = advance(step1, wrap1, &voice->phase1);
-  if (oscillators == coupling::sync && wrapped) voice->phase2 = 0.0f;
-  const double y2 = read(table2, voice->phase2);
-  advance(step2, wrap2, &voice->phase2);
-
-  return shaped(mix == mixing::ring ? y1 * y2 : y1 + y2, state.shaper_drive);
-}
+  float next(const phase_steps& steps, float* phase1, float* phase2) const {
+    const double y1 = read(table1, *phase1);
+    const bool wrapped = advance(steps.first, wrap1, phase1);
+    if (oscillators == coupling::sync && wrapped) *phase2 = 0.0f;
+    const double y2 = read(table2, *phase2);
+    advance(steps.second, wrap2, phase2);
+    return shaped(mix == mixing::ring ? y1 * y2 : y1 + y2, drive);
+  }
+};
 
 template <coupling oscillators, mixing mix>
-float render_shapes(float ratio1, float ratio2, voice_record* voice, const wsyn_state& state) {
-  return render<wsyn_shape_entries, oscillators, mix>(state.shape1, state.shape2, k_shape_wrap, k_shape_wrap, ratio1,
-                                                      ratio2, voice, state);
+auto shape_renderer(const wsyn_state& state) {
+  return renderer<wsyn_shape_entries, oscillators, mix>{state.shape1, state.shape2, k_shape_wrap, k_shape_wrap,
+                                                        state.shaper_drive};
+}
+
+auto loop_renderer(const wsyn_state& state) {
+  return renderer<wsyn_voice_wave_entries, coupling::free, mixing::sum>{
+      state.voice_wave1, state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2),
+      state.shaper_drive};
+}
+
+template <typename Renderer>
+float render_voice(const Renderer& renderer, float ratio1, float ratio2, voice_record* voice, const wsyn_state& state) {
+  return renderer.next(steps_of(ratio1, ratio2, state), &voice->phase1, &voice->phase2);
+}
+
+// One voice's phases wait on each other from sample to sample, so the voices take turns at every sample.
+template <typename Renderer>
+void render_group(const Renderer& renderer, const wsyn_voice_group& group, int32_t n, const wsyn_state& state,
+                  float* samples) {
+  const size_t count = std::min<size_t>(group.voices.size(), static_cast<size_t>(std::max(group.count, 0)));
+  std::array<phase_steps, wsyn_voice_group::lanes> steps;
+  std::array<float, wsyn_voice_group::lanes> phase1{};
+  std::array<float, wsyn_voice_group::lanes> phase2{};
+  for (size_t lane = 0; lane < count; ++lane) {
+    steps[lane] = steps_of(group.ratio1[lane], group.ratio2[lane], state);
+    phase1[lane] = group.voices[lane]->phase1;
+    phase2[lane] = group.voices[lane]->phase2;
+  }
+  for (int32_t i = 0; i < n; ++i, samples += wsyn_voice_group::lanes) {
+    for (size_t lane = 0; lane < count; ++lane) {
+      samples[lane] = renderer.next(steps[lane], &phase1[lane], &phase2[lane]);
+    }
+  }
+  for (size_t lane = 0; lane < count; ++lane) {
+    group.voices[lane]->phase1 = phase1[lane];
+    group.voices[lane]->phase2 = phase2[lane];
+  }
 }
 
 // --- Pitch modulation ---
@@ -258,25 +307,34 @@ void wsyn_select_render(wsyn_state* state) {
 }
 
 float render_sum(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_shapes<coupling::free, mixing::sum>(ratio1, ratio2, voice, *state);
+  return render_voice(shape_renderer<coupling::free, mixing::sum>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_sum_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_shapes<coupling::sync, mixing::sum>(ratio1, ratio2, voice, *state);
+  return render_voice(shape_renderer<coupling::sync, mixing::sum>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_ring_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_shapes<coupling::sync, mixing::ring>(ratio1, ratio2, voice, *state);
+  return render_voice(shape_renderer<coupling::sync, mixing::ring>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_ring(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_shapes<coupling::free, mixing::ring>(ratio1, ratio2, voice, *state);
+  return render_voice(shape_renderer<coupling::free, mixing::ring>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_sampled(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render<wsyn_voice_wave_entries, coupling::free, mixing::sum>(
-      state->voice_wave1, state->voice_wave2, static_cast<float>(state->wrap1), static_cast<float>(state->wrap2),
-      ratio1, ratio2, voice, *state);
+  return render_voice(loop_renderer(*state), ratio1, ratio2, voice, *state);
+}
+
+void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples) {
+  if (state->render == render_sum_sync)
+    return render_group(shape_renderer<coupling::sync, mixing::sum>(*state), group, n, *state, samples);
+  if (state->render == render_ring_sync)
+    return render_group(shape_renderer<coupling::sync, mixing::ring>(*state), group, n, *state, samples);
+  if (state->render == render_ring)
+    return render_group(shape_renderer<coupling::free, mixing::ring>(*state), group, n, *state, samples);
+  if (state->render == render_sampled) return render_group(loop_renderer(*state), group, n, *state, samples);
+  render_group(shape_renderer<coupling::free, mixing::sum>(*state), group, n, *state, samples);
 }
 
 void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
@@ -286,10 +344,11 @@ void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
                                        *state, &state->lfo_phase2);
 }
 
-void wsyn_advance_filter(wsyn_state* state) {
+bool wsyn_advance_filter(wsyn_state* state) {
   const float next = smoothed_cutoff(*state);
   // Settled: the derived values would come out the same, and the power is dear at one a sample.
-  if (std::bit_cast<uint32_t>(next) == std::bit_cast<uint32_t>(state->cutoff_now)) return;
+  if (std::bit_cast<uint32_t>(next) == std::bit_cast<uint32_t>(state->cutoff_now)) return false;
   state->cutoff_now = next;
   derive_filter(state);
+  return true;
 }

@@ -38,3 +38,6 @@ void notes_all_off(voco_state* state);
 // The next sample of the carrier: all sounding voices in ascending order of their notes, filtered and scaled.
 //   audio     no heap; idle voices cost nothing
 float wsyn_next_sample(wsyn_state* state);
+
+// `n` of them, the same samples in less time: nothing that a note needs changes within a run.
+void wsyn_next_samples(int32_t n, wsyn_state* state, float* samples);

@@ -46,10 +46,12 @@ void fill_and_mix(const float* first, const float* second, float* left, float* r
   const float wet = state->wet_gain;
   const float dry_carrier = state->dry_carrier_gain;
   const float dry_modulator = state->dry_modulator_gain;
+  std::array<float, frame_hop> internal;
   const bool second_is_carrier = state->internal_carrier <= 0.5F;
+  if (!second_is_carrier) wsyn_next_samples(n, &state->synth, internal.data());
   for (int32_t i = 0; i < n; ++i) {
     const auto p = static_cast<size_t>(state->frame_pos + i);
-    const float carrier = second_is_carrier ? second[i] : carrier_level * wsyn_next_sample(&state->synth);
+    const float carrier = second_is_carrier ? second[i] : carrier_level * internal[static_cast<size_t>(i)];
     state->modulator_frame[p] = finite_or_zero(first[i]);
     state->carrier_frame[p] = finite_or_zero(carrier);
     const float delayed_modulator =
