@@ -1,10 +1,12 @@
 // MIT License. Vectors of 128 bits, which every processor the project runs on has.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
 
 // Numbers that are added and multiplied lane by lane. No lane depends on another, so the width doesn't show in the
 // results.
+using int4 = int32_t __attribute__((vector_size(16)));
 using float4 = float __attribute__((vector_size(16)));
 using double2 = double __attribute__((vector_size(16)));
 

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "dsp/lanes.h"
+
 namespace {
 
 struct curve_point {
@@ -34,65 +36,86 @@ constexpr float curve_q = 1.0F;
 // s - j, so that what a band made in one step is what the next band takes in the next. Each section sees its samples in
 // their order, and the processor sees twenty independent filters.
 constexpr int32_t lane_count = eq_bands * eq_channels;
+constexpr size_t lane_vectors = lane_count / 4;
 
-using lanes = std::array<float, lane_count>;
+using lanes = std::array<float4, lane_vectors>;
 
 struct section_lanes {
-  lanes b0, b1, b2, a1, a2, gain;
-  lanes x1, x2, y1, y2;
-  // Entries 0 and 1 are the next input samples, entry 2 + lane the last output of that lane.
-  std::array<float, lane_count + eq_channels> line;
+  lanes b0{}, b1{}, b2{}, a1{}, a2{}, gain{};
+  lanes x1{}, x2{}, y1{}, y2{};
+  lanes output{};  // of the last step
 };
 
-eq_section& section_of(int32_t lane, output_equaliser* equaliser) {
-  const auto band = static_cast<size_t>(lane / eq_channels);
-  return lane % eq_channels == 0 ? equaliser->left[band] : equaliser->right[band];
+eq_section& section_of(size_t lane, output_equaliser* equaliser) {
+  return lane % eq_channels == 0 ? equaliser->left[lane / eq_channels] : equaliser->right[lane / eq_channels];
 }
 
 section_lanes load(output_equaliser* equaliser) {
-  section_lanes lane{};
-  for (int32_t l = 0; l < lane_count; ++l) {
-    const auto i = static_cast<size_t>(l);
+  section_lanes lane;
+  for (size_t l = 0; l < lane_count; ++l) {
     const eq_section& section = section_of(l, equaliser);
-    lane.b0[i] = section.b0 / section.a0;
-    lane.b1[i] = section.b1 / section.a0;
-    lane.b2[i] = section.b2 / section.a0;
-    lane.a1[i] = section.a1 / section.a0;
-    lane.a2[i] = section.a2 / section.a0;
-    lane.gain[i] = section.gain;
-    lane.x1[i] = section.x1;
-    lane.x2[i] = section.x2;
-    lane.y1[i] = section.y1;
-    lane.y2[i] = section.y2;
+    const size_t v = l / 4;
+    const size_t i = l % 4;
+    lane.b0[v][i] = section.b0 / section.a0;
+    lane.b1[v][i] = section.b1 / section.a0;
+    lane.b2[v][i] = section.b2 / section.a0;
+    lane.a1[v][i] = section.a1 / section.a0;
+    lane.a2[v][i] = section.a2 / section.a0;
+    lane.gain[v][i] = section.gain;
+    lane.x1[v][i] = section.x1;
+    lane.x2[v][i] = section.x2;
+    lane.y1[v][i] = section.y1;
+    lane.y2[v][i] = section.y2;
   }
   return lane;
 }
 
 void store_memory(const section_lanes& lane, output_equaliser* equaliser) {
-  for (int32_t l = 0; l < lane_count; ++l) {
-    const auto i = static_cast<size_t>(l);
+  for (size_t l = 0; l < lane_count; ++l) {
     eq_section& section = section_of(l, equaliser);
-    section.x1 = lane.x1[i];
-    section.x2 = lane.x2[i];
-    section.y1 = lane.y1[i];
-    section.y2 = lane.y2[i];
+    section.x1 = lane.x1[l / 4][l % 4];
+    section.x2 = lane.x2[l / 4][l % 4];
+    section.y1 = lane.y1[l / 4][l % 4];
+    section.y2 = lane.y2[l / 4][l % 4];
   }
 }
 
-// One step of the lanes from `first` up to, not including, `last`.
-inline void step(size_t first, size_t last, section_lanes* lane) {
-  lanes y;
-  for (size_t i = first; i < last; ++i) {
-    y[i] = lane->b0[i] * lane->line[i] + lane->b1[i] * lane->x1[i] + lane->b2[i] * lane->x2[i] -
-           lane->a1[i] * lane->y1[i] - lane->a2[i] * lane->y2[i];
+// What the lanes take next: the first band the new samples, each other band the output of the band before it.
+inline lanes next_inputs(float left, float right, const lanes& output) {
+  lanes x;
+  x[0] = __builtin_shufflevector(float4{left, right, 0.0F, 0.0F}, output[0], 0, 1, 4, 5);
+  for (size_t v = 1; v < lane_vectors; ++v) x[v] = __builtin_shufflevector(output[v - 1], output[v], 2, 3, 4, 5);
+  return x;
+}
+
+// One step of all lanes. The oldest input and output make room for the newest.
+inline void step(float left, float right, const lanes& x1, lanes* x2, const lanes& y1, lanes* y2, section_lanes* lane) {
+  const lanes x = next_inputs(left, right, lane->output);
+  for (size_t v = 0; v < lane_vectors; ++v) {
+    const float4 y = lane->b0[v] * x[v] + lane->b1[v] * x1[v] + lane->b2[v] * (*x2)[v] - lane->a1[v] * y1[v] -
+                     lane->a2[v] * (*y2)[v];
+    (*x2)[v] = x[v];
+    (*y2)[v] = y;
+    lane->output[v] = y * lane->gain[v];
   }
-  for (size_t i = first; i < last; ++i) {
-    lane->x2[i] = lane->x1[i];
-    lane->x1[i] = lane->line[i];
-    lane->y2[i] = lane->y1[i];
-    lane->y1[i] = y[i];
+}
+
+// One step in which only the bands from `first` to `last` have a sample; the others' memory stays.
+void step_of_bands(float left, float right, int32_t first, int32_t last, section_lanes* lane) {
+  const lanes x1 = lane->x1;
+  const lanes x2 = lane->x2;
+  const lanes y1 = lane->y1;
+  const lanes y2 = lane->y2;
+  step(left, right, x1, &lane->x2, y1, &lane->y2, lane);
+  for (size_t v = 0; v < lane_vectors; ++v) {
+    const auto band = static_cast<int32_t>(v * 4 / eq_channels);
+    const int4 bands = {band, band, band + 1, band + 1};
+    const int4 working = (bands >= first) & (bands <= last);
+    lane->x1[v] = working ? lane->x2[v] : x1[v];
+    lane->y1[v] = working ? lane->y2[v] : y1[v];
+    lane->x2[v] = working ? x1[v] : x2[v];
+    lane->y2[v] = working ? y1[v] : y2[v];
   }
-  for (size_t i = first; i < last; ++i) lane->line[i + eq_channels] = y[i] * lane->gain[i];
 }
 
 }  // namespace
@@ -132,24 +155,26 @@ void equaliser_set_gain(float gain_db, output_equaliser* equaliser) {
 }
 
 void equaliser_process(float* left, float* right, int32_t n, output_equaliser* equaliser) {
+  constexpr int32_t delay = eq_bands - 1;  // steps from a sample's first band to its last
   section_lanes lane = load(equaliser);
-  const int32_t steps = n > 0 ? n + eq_bands - 1 : 0;
-  for (int32_t s = 0; s < steps; ++s) {
-    if (s < n) {
-      lane.line[0] = left[s];
-      lane.line[1] = right[s];
-    }
-    // Bands whose sample s - band lies in the block: all of them but for its two ends.
-    const int32_t first_band = std::max(0, s - n + 1);
-    const int32_t last_band = std::min(eq_bands - 1, s);
-    if (first_band == 0 && last_band == eq_bands - 1) {
-      step(0, lane_count, &lane);
+  const auto write = [&](int32_t s) {
+    left[s - delay] = lane.output[lane_vectors - 1][2];
+    right[s - delay] = lane.output[lane_vectors - 1][3];
+  };
+  const int32_t steps = n > 0 ? n + delay : 0;
+  for (int32_t s = 0; s < steps;) {
+    if (s >= delay && s + 1 < n) {  // all bands are at work, and the memory's two places swap their parts twice
+      step(left[s], right[s], lane.x1, &lane.x2, lane.y1, &lane.y2, &lane);
+      write(s);
+      step(left[s + 1], right[s + 1], lane.x2, &lane.x1, lane.y2, &lane.y1, &lane);
+      write(s + 1);
+      s += 2;
     } else {
-      step(static_cast<size_t>(eq_channels * first_band), static_cast<size_t>(eq_channels * (last_band + 1)), &lane);
-    }
-    if (last_band == eq_bands - 1) {
-      left[s - (eq_bands - 1)] = lane.line[lane_count];
-      right[s - (eq_bands - 1)] = lane.line[lane_count + 1];
+      const bool has_input = s < n;
+      step_of_bands(has_input ? left[s] : 0.0F, has_input ? right[s] : 0.0F, std::max(0, s - n + 1), std::min(delay, s),
+                    &lane);
+      if (s >= delay) write(s);
+      s += 1;
     }
   }
   store_memory(lane, equaliser);
