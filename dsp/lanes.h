@@ -7,6 +7,8 @@
 // Numbers that are added and multiplied lane by lane. No lane depends on another, so the width doesn't show in the
 // results.
 using int4 = int32_t __attribute__((vector_size(16)));
+using long2 = int64_t __attribute__((vector_size(16)));
+using float2 = float __attribute__((vector_size(8)));
 using float4 = float __attribute__((vector_size(16)));
 using double2 = double __attribute__((vector_size(16)));
 
@@ -36,6 +38,29 @@ inline void transpose4(float4* rows) {
   rows[3] = __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
 }
 
+inline float4 magnitude(float4 x) {
+  const auto bits = reinterpret_cast<int4>(x) & 0x7fffffff;
+  return reinterpret_cast<float4>(bits);
+}
+
+inline float2 load2(const float* from) {
+  float2 value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
+}
+
+inline float2 lower(float4 value) {
+  return __builtin_shufflevector(value, value, 0, 1);
+}
+
+inline float2 upper(float4 value) {
+  return __builtin_shufflevector(value, value, 2, 3);
+}
+
+inline float4 joined(float2 low, float2 high) {
+  return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+}
+
 inline double2 load2(const double* from) {
   double2 value;
   std::memcpy(&value, from, sizeof value);
@@ -44,4 +69,12 @@ inline double2 load2(const double* from) {
 
 inline void store2(double2 value, double* to) {
   std::memcpy(to, &value, sizeof value);
+}
+
+inline double2 widened(float2 value) {
+  return __builtin_convertvector(value, double2);
+}
+
+inline float2 narrowed(double2 value) {
+  return __builtin_convertvector(value, float2);
 }

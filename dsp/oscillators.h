@@ -32,7 +32,8 @@ struct wsyn_voice_group {
 
 // Renders `n` samples of each voice of a group, the same as `n` calls of the state's render function for each, in less
 // time. A render function that isn't one of the five counts as render_sum.
-//   samples  n rows of wsyn_voice_group::lanes; lanes that are not in use stay as they are
+//   group    count from 0 to the number of lanes
+//   samples  n rows of wsyn_voice_group::lanes; what stands in lanes that are not in use means nothing
 void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples);
 
 // Sets pitch_mod1 and pitch_mod2 for one frame, and advances the LFO of an oscillator that uses it.

@@ -1,4 +1,4 @@
-// MIT License. What do a sample of one note, a step of the filter and a commit cost?
+// MIT License. What do the voices of a chord, a step of the filter and a commit cost?
 #include "dsp/oscillators.h"
 
 #include <benchmark/benchmark.h>
@@ -31,18 +31,26 @@ std::unique_ptr<wsyn_state> committed(float sampled) {
   return state;
 }
 
+// A run of three voices.
 template <wsyn_render_fn function>
-void render_sample(benchmark::State& run) {
+void render_voices(benchmark::State& run) {
+  constexpr int32_t length = 512;
   const auto state = committed(function == render_sampled ? 1.0f : 0.0f);
   state->render = function;
-  voice_record voice;
-  for (auto _ : run) benchmark::DoNotOptimize(state->render(1.01f, 1.02f, &voice, state.get()));
+  std::array<voice_record, 3> voices;
+  const wsyn_voice_group group = {3, {&voices[0], &voices[1], &voices[2]}, {1.01f, 1.26f, 1.5f}, {1.02f, 1.27f, 1.51f}};
+  std::array<float, length * wsyn_voice_group::lanes> samples;
+  for (auto _ : run) {
+    wsyn_render_group(group, length, state.get(), samples.data());
+    benchmark::ClobberMemory();
+  }
+  run.SetItemsProcessed(run.iterations() * length);
 }
-BENCHMARK(render_sample<render_sum>)->Name("render_sum");
-BENCHMARK(render_sample<render_sum_sync>)->Name("render_sum_sync");
-BENCHMARK(render_sample<render_ring>)->Name("render_ring");
-BENCHMARK(render_sample<render_ring_sync>)->Name("render_ring_sync");
-BENCHMARK(render_sample<render_sampled>)->Name("render_sampled");
+BENCHMARK(render_voices<render_sum>)->Name("render_sum");
+BENCHMARK(render_voices<render_sum_sync>)->Name("render_sum_sync");
+BENCHMARK(render_voices<render_ring>)->Name("render_ring");
+BENCHMARK(render_voices<render_ring_sync>)->Name("render_ring_sync");
+BENCHMARK(render_voices<render_sampled>)->Name("render_sampled");
 
 void advance_filter_settled(benchmark::State& run) {
   const auto state = committed(0.0f);

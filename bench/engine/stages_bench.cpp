@@ -13,7 +13,7 @@
 
 namespace {
 
-// The carrier with a number of notes, in ns per sample.
+// A run of the carrier with a number of notes.
 void carrier(benchmark::State& state) {
   const auto voco = std::make_unique<voco_state>();
   voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
@@ -22,8 +22,14 @@ void carrier(benchmark::State& state) {
   voco->synth.pitch_mod1 = 1.0;
   voco->synth.pitch_mod2 = 1.0;
   for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, voco.get());
-  for (int i = 0; i < 200000; ++i) wsyn_next_sample(&voco->synth);
-  for (auto _ : state) benchmark::DoNotOptimize(wsyn_next_sample(&voco->synth));
+  waveform run(512);
+  const auto length = static_cast<int32_t>(run.size());
+  for (int i = 0; i < 400; ++i) wsyn_next_samples(length, &voco->synth, run.data());
+  for (auto _ : state) {
+    wsyn_next_samples(length, &voco->synth, run.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * length);
 }
 BENCHMARK(carrier)->ArgName("notes")->Arg(0)->Arg(3)->Arg(32);
 
