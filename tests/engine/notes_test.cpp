@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "dsp/oscillators.h"
 #include "engine/parameter_commit.h"
 #include "engine/voco_state.h"
@@ -12,10 +14,13 @@ namespace {
 
 class Notes : public testing::Test {
  protected:
-  Notes() {
+  static std::unique_ptr<voco_state> committed() {
+    auto voco = std::make_unique<voco_state>();
     voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
-    voco_commit(&params, &state);
-    wsyn_select_render(&state.synth);
+    voco_commit(&params, voco.get());
+    wsyn_select_render(&voco->synth);
+    voco->synth.pitch_mod1 = voco->synth.pitch_mod2 = 1.0;
+    return voco;
   }
 
   int32_t voice(int32_t note) const { return state.synth.voices[note].state; }
@@ -27,7 +32,7 @@ class Notes : public testing::Test {
     for (int i = 0; i < samples; ++i) last = wsyn_next_sample(&state.synth);
   }
 
-  std::unique_ptr<voco_state> owner = std::make_unique<voco_state>();
+  std::unique_ptr<voco_state> owner = committed();
   voco_state& state = *owner;
   float last = 0.0F;
 };
@@ -136,6 +141,29 @@ TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
   play(100);
   EXPECT_EQ(last, 0.0F);
   EXPECT_NE(state.synth.cutoff_now, before);
+}
+
+TEST_F(Notes, SoundTheSameOneByOneAndInRuns) {
+  const auto one_by_one = committed();
+  const auto both = [&](const auto& operation) {
+    operation(&state);
+    operation(one_by_one.get());
+  };
+  for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {
+    // From one to eleven voices, with a release that ends within the longest run.
+    both([run](voco_state* voco) {
+      notes_on(40 + run % 50, voco);
+      notes_on(100 - run % 60, voco);
+      notes_off(40 + run % 7, voco);
+      voco->synth.cutoff_target = 1.0F / static_cast<float>(run);
+    });
+    std::vector<float> samples(static_cast<size_t>(run));
+    wsyn_next_samples(run, &state.synth, samples.data());
+    for (const float sample : samples) ASSERT_EQ(sample, wsyn_next_sample(&one_by_one->synth)) << run;
+    ASSERT_EQ(std::memcmp(state.synth.voices, one_by_one->synth.voices, sizeof state.synth.voices), 0) << run;
+    ASSERT_EQ(state.synth.sounding[0], one_by_one->synth.sounding[0]) << run;
+    ASSERT_NE(samples.back(), 0.0F);
+  }
 }
 
 TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
