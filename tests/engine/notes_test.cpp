@@ -143,27 +143,46 @@ TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
   EXPECT_NE(state.synth.cutoff_now, before);
 }
 
-TEST_F(Notes, SoundTheSameOneByOneAndInRuns) {
-  const auto one_by_one = committed();
-  const auto both = [&](const auto& operation) {
-    operation(&state);
-    operation(one_by_one.get());
-  };
+// One sample by plain loops, voice after voice.
+float plain_next_sample(wsyn_state* synth) {
+  float sum = 0.0F;
+  for (int32_t note = 0; note < wsyn_voice_count; ++note) {
+    voice_record& voice = synth->voices[note];
+    if (voice.state == voice_idle) continue;
+    const bool releasing = voice.state == voice_releasing;
+    voice.level = (releasing ? voice.level * 500.0F : voice.level * 500.0F + 1.0F) * 0.001996008F;
+    const float x = synth->render(static_cast<float>(synth->note_ratio1[note]),
+                                  static_cast<float>(synth->note_ratio2[note]), &voice, synth);
+    float* const y = voice.filter;
+    const float k = synth->filter_feedback;
+    const float g = synth->filter_scale;
+    y[0] = (x - (y[4] - y[2] + y[1] - y[0]) * synth->filter_amount * 0.8205F + y[0] * k) * g;
+    for (int32_t stage = 1; stage < 5; ++stage) y[stage] = (y[stage] * k + y[stage - 1]) * g;
+    sum += y[4] * voice.level;
+    if (releasing && voice.level < 0.001F) voice = {};
+  }
+  wsyn_advance_filter(synth);
+  return sum * 0.75F / std::sqrt(10.0F);
+}
+
+TEST_F(Notes, SoundInRunsAsOneByOne) {
+  const auto plain = committed();
   for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {
-    // From one to eleven voices, with a release that ends within the longest run.
-    both([run](voco_state* voco) {
+    // From one to nine voices, some of them released: they end within the longest run.
+    for (voco_state* const voco : {&state, plain.get()}) {
       notes_on(40 + run % 50, voco);
       notes_on(100 - run % 60, voco);
       notes_off(40 + run % 7, voco);
       voco->synth.cutoff_target = 1.0F / static_cast<float>(run);
-    });
+      voco->synth.filter_gain = 1.5F;
+    }
     std::vector<float> samples(static_cast<size_t>(run));
     wsyn_next_samples(run, &state.synth, samples.data());
-    for (const float sample : samples) ASSERT_EQ(sample, wsyn_next_sample(&one_by_one->synth)) << run;
-    ASSERT_EQ(std::memcmp(state.synth.voices, one_by_one->synth.voices, sizeof state.synth.voices), 0) << run;
-    ASSERT_EQ(state.synth.sounding[0], one_by_one->synth.sounding[0]) << run;
+    for (const float sample : samples) ASSERT_EQ(sample, plain_next_sample(&plain->synth)) << run;
+    ASSERT_EQ(std::memcmp(state.synth.voices, plain->synth.voices, sizeof state.synth.voices), 0) << run;
     ASSERT_NE(samples.back(), 0.0F);
   }
+  EXPECT_EQ(voice(41), voice_idle);
 }
 
 TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
