@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <cstring>
 
-// Numbers that are added and multiplied lane by lane. No lane depends on another, so the width doesn't show in the
-// results.
+// What comparisons of such vectors give: all bits of a lane, or none.
 using int4 = int32_t __attribute__((vector_size(16)));
 using long2 = int64_t __attribute__((vector_size(16)));
+
+// Numbers that are added and multiplied lane by lane. No lane depends on another, so the width doesn't show in the
+// results.
 using float2 = float __attribute__((vector_size(8)));
 using float4 = float __attribute__((vector_size(16)));
 using double2 = double __attribute__((vector_size(16)));
@@ -38,6 +40,7 @@ inline void transpose4(float4* rows) {
   rows[3] = __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
 }
 
+// Without the signs.
 inline float4 magnitude(float4 x) {
   const auto bits = reinterpret_cast<int4>(x) & 0x7fffffff;
   return reinterpret_cast<float4>(bits);

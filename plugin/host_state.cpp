@@ -51,8 +51,8 @@ VstInt32 KesrelVocoder4TarvixEffect::setChunk(void* data, VstInt32 byteSize, boo
   trace("setChunk");
   try {
     auto image = state::open_image(copy_of(data, byteSize), kind_of(isPreset), identity());
-    if (image && isPreset) restore_single_program(&*image);
-    if (image && !isPreset) restore_bank(&*image);
+    if (!image) return 0;
+    isPreset ? restore_single_program(&*image) : restore_bank(&*image);
     trace("setChunk success");
   } catch (...) {
     halvern::log_error("setChunk failed");
