@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "dsp/fft.h"
+#include "dsp/lanes.h"
 #include "dsp/noise.h"
 #include "engine/envelope_followers.h"
 #include "engine/fast_atan2.h"
@@ -44,8 +45,15 @@ float exact_phase(bin value) {
   return static_cast<float>(std::atan2(double{value.im}, double{value.re}));
 }
 
-float fast_phase(bin value) {
-  return fast_atan2(value.im, value.re);
+// The phases of all bins, fast.
+void fast_phases(const float* spectrum, float* phases) {
+  for (int32_t k = 0; k < bin_count; k += 4, spectrum += 8) {
+    const float4 a = load4(spectrum);
+    const float4 b = load4(spectrum + 4);
+    const float4 re = __builtin_shufflevector(a, b, 0, 2, 4, 6);
+    const float4 im = __builtin_shufflevector(a, b, 1, 3, 5, 7);
+    store4(fast_atan2(im, re), phases + k);
+  }
 }
 
 bin polar(float amplitude, float phase) {
@@ -164,13 +172,13 @@ void vocode_two_bin_bands(voco_state* state) {
 
 // Measures bin k as the modes with separate magnitude and phase do. `weigh` makes the envelope that is stored of the
 // followers' blend and the carrier's magnitude.
-template <typename Phase, typename Weigh>
-void analyse_bin(int32_t k, const follower_settings& settings, Phase phase, Weigh weigh, voco_state* state) {
+template <typename Weigh>
+void analyse_bin(int32_t k, const follower_settings& settings, float modulator_phase, float carrier_phase, Weigh weigh,
+                 voco_state* state) {
   const auto i = static_cast<size_t>(k);
   const bin modulator = bin_at(state->complex_frame.data(), k);
   const bin carrier = bin_at(state->carrier_spectrum.data(), k);
   const float carrier_level = magnitude(carrier);
-  float carrier_phase = phase(carrier);
   float envelope = follow(magnitude(modulator), settings, k, state);
   if (state->freeze_on == 0) {
     if (carrier_level < silent_carrier) {
@@ -178,7 +186,7 @@ void analyse_bin(int32_t k, const follower_settings& settings, Phase phase, Weig
       carrier_phase = 0.0F;
     }
     state->target_env[i] = weigh(envelope, carrier_level);
-    state->modulator_phase[i] = phase(modulator);
+    state->modulator_phase[i] = modulator_phase;
   }
   state->carrier_mag[i] = carrier_level;
   state->carrier_phase[i] = carrier_phase;
@@ -189,7 +197,8 @@ void vocode_carrier_phase(voco_state* state) {
   const auto plain = [](float envelope, float) { return envelope; };
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
-    analyse_bin(k, settings, exact_phase, plain, state);
+    analyse_bin(k, settings, exact_phase(bin_at(state->complex_frame.data(), k)),
+                exact_phase(bin_at(state->carrier_spectrum.data(), k)), plain, state);
     set_bin(polar(4.0F * state->target_env[i], state->carrier_phase[i]), k, state->carrier_spectrum.data());
     clear_behind(k, state);
   }
@@ -201,7 +210,8 @@ void vocode_modulator_phase(voco_state* state) {
     const auto i = static_cast<size_t>(k);
     const float tilt = static_cast<float>(k) * 0.001953125F + 0.01F;  // rises from 0.01 to about 1
     const auto both = [tilt](float envelope, float carrier_level) { return carrier_level * envelope * tilt; };
-    analyse_bin(k, settings, exact_phase, both, state);
+    analyse_bin(k, settings, exact_phase(bin_at(state->complex_frame.data(), k)),
+                exact_phase(bin_at(state->carrier_spectrum.data(), k)), both, state);
     set_bin(polar(4.0F * state->target_env[i], state->modulator_phase[i]), k, state->carrier_spectrum.data());
     clear_behind(k, state);
   }
@@ -211,7 +221,14 @@ void vocode_modulator_phase(voco_state* state) {
 void vocode_smoothed(int32_t width, voco_state* state) {
   const follower_settings settings = follower_settings_of(*state);
   const auto plain = [](float envelope, float) { return envelope; };
-  for (int32_t k = 0; k < bin_count; ++k) analyse_bin(k, settings, fast_phase, plain, state);
+  std::array<float, bin_count> modulator_phase;
+  std::array<float, bin_count> carrier_phase;
+  fast_phases(state->complex_frame.data(), modulator_phase.data());
+  fast_phases(state->carrier_spectrum.data(), carrier_phase.data());
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    analyse_bin(k, settings, modulator_phase[i], carrier_phase[i], plain, state);
+  }
 
   std::array<float, bin_count + 1> modulator_envelope;
   std::array<float, bin_count + 1> carrier_envelope;
