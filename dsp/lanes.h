@@ -1,6 +1,7 @@
 // MIT License. Vectors of 128 bits, which every processor the project runs on has.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -44,6 +45,11 @@ inline void transpose4(float4* rows) {
 inline float4 magnitude(float4 x) {
   const auto bits = reinterpret_cast<int4>(x) & 0x7fffffff;
   return reinterpret_cast<float4>(bits);
+}
+
+inline float4 square_roots(float4 x) {
+  for (int i = 0; i < 4; ++i) x[i] = std::sqrt(x[i]);
+  return x;
 }
 
 inline float2 load2(const float* from) {

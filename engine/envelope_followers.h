@@ -1,6 +1,7 @@
 // MIT License. The envelope followers of the spectral and the filter-bank modes: per frame, per bin or band.
 #pragma once
 
+#include "dsp/lanes.h"
 #include "engine/voco_state.h"
 
 // Settings of a frame's followers. The time base is the frame: a weight of w gives a time constant of about w hops.
@@ -17,14 +18,20 @@ inline follower_settings follower_settings_of(const voco_state& state) {
           state.env_mix};
 }
 
-// Feeds `magnitude` to the two followers of one bin or band.
+// Feeds `magnitude` to the two followers of one bin or band, or of four of them.
 inline void followers_advance(float magnitude, const follower_settings& settings, float* fast, float* slow) {
   const float weight = magnitude <= *fast ? settings.release : settings.attack;
   *fast = (weight * *fast + magnitude) / (weight + 1.0F);
   *slow = (settings.smoothing * *slow + magnitude) / (settings.smoothing + 1.0F);
 }
+inline void followers_advance(float4 magnitude, const follower_settings& settings, float4* fast, float4* slow) {
+  const float4 weight = magnitude <= *fast ? splat(settings.release) : splat(settings.attack);
+  *fast = (weight * *fast + magnitude) / (weight + 1.0F);
+  *slow = (settings.smoothing * *slow + magnitude) / (settings.smoothing + 1.0F);
+}
 
 // The blend of the two followers, in the unit of the magnitudes.
-inline float followers_value(const follower_settings& settings, float fast, float slow) {
+template <typename Level>
+Level followers_value(const follower_settings& settings, Level fast, Level slow) {
   return settings.peak_gain * fast * 0.5F * settings.mix + slow * (1.0F - settings.mix);
 }

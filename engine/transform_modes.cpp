@@ -45,15 +45,30 @@ float exact_phase(bin value) {
   return static_cast<float>(std::atan2(double{value.im}, double{value.re}));
 }
 
-// The phases of all bins, fast.
-void fast_phases(const float* spectrum, float* phases) {
-  for (int32_t k = 0; k < bin_count; k += 4, spectrum += 8) {
-    const float4 a = load4(spectrum);
-    const float4 b = load4(spectrum + 4);
-    const float4 re = __builtin_shufflevector(a, b, 0, 2, 4, 6);
-    const float4 im = __builtin_shufflevector(a, b, 1, 3, 5, 7);
-    store4(fast_atan2(im, re), phases + k);
-  }
+// Four neighbouring bins.
+struct bin_group {
+  float4 re;
+  float4 im;
+};
+
+bin_group bins_from(const float* spectrum, int32_t k) {
+  const float4 a = load4(spectrum + 2 * k);
+  const float4 b = load4(spectrum + 2 * k + 4);
+  return {__builtin_shufflevector(a, b, 0, 2, 4, 6), __builtin_shufflevector(a, b, 1, 3, 5, 7)};
+}
+
+float4 magnitudes(const bin_group& bins) {
+  return square_roots(bins.re * bins.re + bins.im * bins.im);
+}
+
+float4 exact_phases(const bin_group& bins) {
+  float4 phases{};
+  for (int i = 0; i < 4; ++i) phases[i] = exact_phase({bins.re[i], bins.im[i]});
+  return phases;
+}
+
+float4 fast_phases(const bin_group& bins) {
+  return fast_atan2(bins.im, bins.re);
 }
 
 bin polar(float amplitude, float phase) {
@@ -170,48 +185,57 @@ void vocode_two_bin_bands(voco_state* state) {
   }
 }
 
-// Measures bin k as the modes with separate magnitude and phase do. `weigh` makes the envelope that is stored of the
-// followers' blend and the carrier's magnitude.
-template <typename Weigh>
-void analyse_bin(int32_t k, const follower_settings& settings, float modulator_phase, float carrier_phase, Weigh weigh,
-                 voco_state* state) {
-  const auto i = static_cast<size_t>(k);
-  const bin modulator = bin_at(state->complex_frame.data(), k);
-  const bin carrier = bin_at(state->carrier_spectrum.data(), k);
-  const float carrier_level = magnitude(carrier);
-  float envelope = follow(magnitude(modulator), settings, k, state);
-  if (state->freeze_on == 0) {
-    if (carrier_level < silent_carrier) {
-      envelope = 0.0F;
-      carrier_phase = 0.0F;
+// Measures all bins as the modes with separate magnitude and phase do. `weigh` makes the envelopes that are stored of
+// the followers' blend, the carrier's magnitudes and the first bin's number.
+template <typename Phases, typename Weigh>
+void analyse_bins(Phases phases, Weigh weigh, voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  for (int32_t k = 0; k < bin_count; k += 4) {
+    const bin_group modulator = bins_from(state->complex_frame.data(), k);
+    const bin_group carrier = bins_from(state->carrier_spectrum.data(), k);
+    const float4 carrier_level = magnitudes(carrier);
+    float4 carrier_phase = phases(carrier);
+    float4 fast = load4(&state->fast_env[static_cast<size_t>(k)]);
+    float4 slow = load4(&state->slow_env[static_cast<size_t>(k)]);
+    followers_advance(magnitudes(modulator), settings, &fast, &slow);
+    store4(fast, &state->fast_env[static_cast<size_t>(k)]);
+    store4(slow, &state->slow_env[static_cast<size_t>(k)]);
+    if (state->freeze_on == 0) {
+      const int4 silent = carrier_level < silent_carrier;
+      const float4 envelope = silent ? float4{} : followers_value(settings, fast, slow);
+      carrier_phase = silent ? float4{} : carrier_phase;
+      store4(weigh(envelope, carrier_level, k), &state->target_env[static_cast<size_t>(k)]);
+      store4(phases(modulator), &state->modulator_phase[static_cast<size_t>(k)]);
     }
-    state->target_env[i] = weigh(envelope, carrier_level);
-    state->modulator_phase[i] = modulator_phase;
+    store4(carrier_level, &state->carrier_mag[static_cast<size_t>(k)]);
+    store4(carrier_phase, &state->carrier_phase[static_cast<size_t>(k)]);
   }
-  state->carrier_mag[i] = carrier_level;
-  state->carrier_phase[i] = carrier_phase;
+}
+
+float4 envelope_alone(float4 envelope, float4 /*carrier_level*/, int32_t /*k*/) {
+  return envelope;
+}
+
+// Rises from 0.01 to about 1 over the spectrum.
+float4 product_tilted(float4 envelope, float4 carrier_level, int32_t k) {
+  const auto first = static_cast<float>(k);
+  const float4 tilt = float4{first, first + 1.0F, first + 2.0F, first + 3.0F} * 0.001953125F + 0.01F;
+  return carrier_level * envelope * tilt;
 }
 
 void vocode_carrier_phase(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
-  const auto plain = [](float envelope, float) { return envelope; };
+  analyse_bins(exact_phases, envelope_alone, state);
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
-    analyse_bin(k, settings, exact_phase(bin_at(state->complex_frame.data(), k)),
-                exact_phase(bin_at(state->carrier_spectrum.data(), k)), plain, state);
     set_bin(polar(4.0F * state->target_env[i], state->carrier_phase[i]), k, state->carrier_spectrum.data());
     clear_behind(k, state);
   }
 }
 
 void vocode_modulator_phase(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
+  analyse_bins(exact_phases, product_tilted, state);
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
-    const float tilt = static_cast<float>(k) * 0.001953125F + 0.01F;  // rises from 0.01 to about 1
-    const auto both = [tilt](float envelope, float carrier_level) { return carrier_level * envelope * tilt; };
-    analyse_bin(k, settings, exact_phase(bin_at(state->complex_frame.data(), k)),
-                exact_phase(bin_at(state->carrier_spectrum.data(), k)), both, state);
     set_bin(polar(4.0F * state->target_env[i], state->modulator_phase[i]), k, state->carrier_spectrum.data());
     clear_behind(k, state);
   }
@@ -219,17 +243,7 @@ void vocode_modulator_phase(voco_state* state) {
 
 // The carrier is flattened by its own smoothed envelope and given the modulator's.
 void vocode_smoothed(int32_t width, voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
-  const auto plain = [](float envelope, float) { return envelope; };
-  std::array<float, bin_count> modulator_phase;
-  std::array<float, bin_count> carrier_phase;
-  fast_phases(state->complex_frame.data(), modulator_phase.data());
-  fast_phases(state->carrier_spectrum.data(), carrier_phase.data());
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    analyse_bin(k, settings, modulator_phase[i], carrier_phase[i], plain, state);
-  }
-
+  analyse_bins(fast_phases, envelope_alone, state);
   std::array<float, bin_count + 1> modulator_envelope;
   std::array<float, bin_count + 1> carrier_envelope;
   smooth_magnitudes(state->target_env.data(), frame_size, width, modulator_envelope.data(), &state->smoothing);
