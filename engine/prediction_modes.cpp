@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "dsp/linear_prediction.h"
+#include "engine/bad_samples.h"
 #include "engine/dc_block.h"
 #include "engine/frame_arena.h"
 
@@ -30,8 +30,7 @@ prediction analyse(int32_t order, int32_t n, float* samples, lpc_workspace* work
 
 // A silent carrier's level is 0, and 0 / 0 is no sample.
 float scaled_or_zero(float sample, float modulator_level, float carrier_level) {
-  const auto scaled = static_cast<float>(double{sample} * modulator_level * residual_gain / carrier_level);
-  return std::isfinite(scaled) ? scaled : 0.0F;
+  return finite_or_zero(static_cast<float>(double{sample} * modulator_level * residual_gain / carrier_level));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "dsp/convert.h"
 #include "dsp/lanes.h"
+#include "engine/bad_samples.h"
 
 namespace {
 
@@ -64,10 +65,6 @@ struct stretch {
 float clamp_to_unit(float value) {
   if (value > 1.0F) return 1.0F;
   return value > 0.0F ? value : 0.0F;
-}
-
-float finite_or_zero(float sample) {
-  return std::isfinite(sample) ? sample : 0.0F;
 }
 
 float number_or_zero(float sample) {

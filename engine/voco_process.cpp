@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "dsp/oscillators.h"
+#include "engine/bad_samples.h"
 #include "engine/chorus.h"
 #include "engine/frame_step.h"
 #include "engine/notes.h"
@@ -16,10 +16,6 @@ namespace {
 constexpr int32_t ring_mask = frame_size - 1;
 constexpr float carrier_level = 0.5F;      // of the synthesizer's sum in the carrier frame
 constexpr float quietest_reverb = 0.001F;  // at this level and below the reverb rests, and keeps its tail
-
-float finite_or_zero(float sample) {
-  return std::isfinite(sample) ? sample : 0.0F;
-}
 
 void remove_bad_samples(float* samples, int32_t n) {
   for (int32_t i = 0; i < n; ++i) samples[i] = finite_or_zero(samples[i]);

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "dsp/wavelet.h"
+#include "engine/bad_samples.h"
 #include "engine/dc_block.h"
 #include "engine/frame_arena.h"
 #include "engine/voco_state.h"
@@ -97,10 +98,6 @@ void shape_level(const level_sums& sums, float average, int32_t s, const decompo
   const float ratio = std::min(sums.modulator / sums.carrier, highest_ratio);
   const auto gain = static_cast<float>(std::pow(double{ratio}, contrast));
   for (int32_t j = s; j < 2 * s; ++j) d.modulator[j] = gain * d.carrier[j];
-}
-
-float finite_or_zero(float sample) {
-  return std::isfinite(sample) ? sample : 0.0F;
 }
 
 void vocode_single(float* modulator, const float* carrier, decomposition* d, voco_state* state) {
