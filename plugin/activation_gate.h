@@ -9,16 +9,20 @@ using activation_token = std::array<uint8_t, 33>;
 
 // Asked on the user-interface thread when a sound is chosen, and on the audio thread when it is taken; the two may
 // overlap. An implementation therefore changes nothing when asked, and should answer quickly.
+//
+// Nothing is destroyed through this class, and the destructor is trivial: a gate that is a static object serves effects
+// that a host makes while the process exits.
 class activation_gate {
  public:
-  virtual ~activation_gate() = default;
-
   // Whether the category may be used.
   virtual bool passes(int32_t category_id) const = 0;
 
   // Writes the token of a category that has passed. False when there is none; the engine then keeps its earlier sound.
   //   token   zeroed by the caller
   virtual bool supply_token(int32_t category_id, activation_token* token) const = 0;
+
+ protected:
+  ~activation_gate() = default;
 };
 
 // Passes the three factory categories.

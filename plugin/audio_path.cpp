@@ -2,29 +2,41 @@
 #include <algorithm>
 
 #include "plugin/effect.h"
+#include "plugin/trace.h"
 #include "support/logbook.h"
 
 namespace {
 
-void write_silence(float* const* outputs, int32_t frames) {
-  for (int32_t channel = 0; channel < 2; ++channel) std::fill_n(outputs[channel], frames, 0.0F);
+// Some hosts leave out the channels that nothing is connected to, or all of them. A channel that is missing here is
+// null.
+template <typename Sample>
+std::array<Sample*, 2> channels_of(Sample* const* channels) {
+  if (channels == nullptr) return {nullptr, nullptr};
+  return {channels[0], channels[1]};
+}
+
+void write_silence(const std::array<float*, 2>& outputs, int32_t frames) {
+  for (float* const output : outputs) {
+    if (output != nullptr) std::fill_n(output, frames, 0.0F);
+  }
 }
 
 // Each frame is read whole before it is written, as the outputs may be the inputs, even with the sides exchanged.
-void copy_dry(const std::array<const float*, 2>& inputs, float* const* outputs, int32_t frames) {
+void copy_dry(const std::array<const float*, 2>& inputs, const std::array<float*, 2>& outputs, int32_t frames) {
   for (int32_t frame = 0; frame < frames; ++frame) {
     const float left = inputs[0] != nullptr ? inputs[0][frame] : 0.0F;
     const float right = inputs[1] != nullptr ? inputs[1][frame] : 0.0F;
-    outputs[0][frame] = left;
-    outputs[1][frame] = right;
+    if (outputs[0] != nullptr) outputs[0][frame] = left;
+    if (outputs[1] != nullptr) outputs[1][frame] = right;
   }
 }
 
 }  // namespace
 
 void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** outputs, VstInt32 frames) {
+  const std::array<float*, 2> written = channels_of(outputs);
   if (!ready_.load(std::memory_order_acquire)) {
-    write_silence(outputs, frames);
+    write_silence(written, frames);
     return;
   }
   // The flag is taken before the selection is read, and the keys are updated after the sound has changed: the base note
@@ -36,12 +48,12 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
 
   const std::array<const float*, 2> arranged = arranged_inputs(inputs);
   if (current_sound_ == nullptr) {
-    copy_dry(arranged, outputs, frames);
+    copy_dry(arranged, written, frames);
     return;
   }
   const float* const engine_inputs[4] = {arranged[0], arranged[1], nullptr, nullptr};
   vocoder_process_sound(0, is_on(k_chorus_on), is_on(k_reverb_on), current_sound_->sound_number, sound_key, frames,
-                        engine_inputs, outputs, engine_.get());
+                        engine_inputs, written.data(), engine_.get());
 }
 
 // Only the exchange tells whether the data behind the flag may be read, and it is made only when something was asked.
@@ -54,8 +66,9 @@ bool KesrelVocoder4TarvixEffect::take_key_request() {
 const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
   const int32_t selected = selected_sound_index_.load(std::memory_order_relaxed);
   if (selected == current_sound_index_) return nullptr;
+  if constexpr (k_trace) trace("switch to sound: ", sound_uuid());
   current_sound_index_ = selected;
-  current_sound_ = row_at(catalogue(), selected);
+  current_sound_ = catalogue_.row_at(selected);
   if (current_sound_ == nullptr) return nullptr;
   const int32_t category_id = current_sound_->category_id;
   if (!pass_gate(category_id)) {
@@ -82,9 +95,10 @@ void KesrelVocoder4TarvixEffect::apply_keys() {
 // Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault, and told at
 // every block; that side is silent.
 std::array<const float*, 2> KesrelVocoder4TarvixEffect::arranged_inputs(float** inputs) const {
-  if (input_channels_.load(std::memory_order_relaxed) != 2) return {inputs[0], inputs[0]};
-  if (inputs[1] == nullptr) {
+  const auto [first, second] = channels_of(inputs);
+  if (input_channels_.load(std::memory_order_relaxed) != 2) return {first, first};
+  if (second == nullptr) {
     halvern::log_error("stereo input setup but no second input data channel on process!");
   }
-  return {inputs[0], inputs[1]};
+  return {first, second};
 }

@@ -133,6 +133,13 @@ void append_rows(const sound_category& category, std::vector<menu_row_ref>* rows
   rows->insert(rows->end(), category.sounds.begin(), category.sounds.end());
 }
 
+template <typename T>
+std::vector<T> repeated(const std::vector<T>& list, int32_t times) {
+  std::vector<T> all;
+  for (int32_t time = 0; time < times; ++time) all.insert(all.end(), list.begin(), list.end());
+  return all;
+}
+
 // Not the locale's folding: stored uuids must match alike everywhere.
 char to_upper_ascii(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -140,29 +147,47 @@ char to_upper_ascii(char c) {
 
 }  // namespace
 
-void append_factory_sounds(sound_catalogue* catalogue) {
-  int32_t next_sound_number = 0;
-  for (const factory_category& category : k_factory_categories) {
-    const sound_category_ref made = make_category(category, next_sound_number);
-    next_sound_number += static_cast<int32_t>(category.sounds.size());
-    catalogue->categories.push_back(made);
-    append_rows(*made, &catalogue->rows);
+void sound_catalogue::append_factory_sounds() {
+  const std::lock_guard guard(append_lock_);
+  const int32_t times = times_appended_.load(std::memory_order_relaxed);
+  if (times == 0) {
+    factory_categories_.clear();  // of an attempt that ran out of memory
+    factory_rows_.clear();
+    int32_t next_sound_number = 0;
+    for (const factory_category& category : k_factory_categories) {
+      factory_categories_.push_back(make_category(category, next_sound_number));
+      next_sound_number += static_cast<int32_t>(category.sounds.size());
+      append_rows(*factory_categories_.back(), &factory_rows_);
+    }
   }
+  times_appended_.store(times + 1, std::memory_order_release);
 }
 
-menu_row_ref row_at(const sound_catalogue& catalogue, int32_t position) {
-  if (position < 0 || static_cast<size_t>(position) >= catalogue.rows.size()) return nullptr;
-  return catalogue.rows[static_cast<size_t>(position)];
+menu_row_ref sound_catalogue::row_at(int32_t position) const {
+  const auto times = static_cast<size_t>(times_appended_.load(std::memory_order_acquire));
+  if (times == 0 || position < 0) return nullptr;
+  const auto index = static_cast<size_t>(position);
+  return index < times * factory_rows_.size() ? factory_rows_[index % factory_rows_.size()] : nullptr;
 }
 
-sound_category_ref category_with_id(const sound_catalogue& catalogue, int32_t id) {
-  const auto found = std::ranges::find(catalogue.categories, id, [](const auto& category) { return category->id; });
-  return found == catalogue.categories.end() ? nullptr : *found;
+sound_category_ref sound_catalogue::category_with_id(int32_t id) const {
+  if (times_appended_.load(std::memory_order_acquire) == 0) return nullptr;
+  const auto found = std::ranges::find(factory_categories_, id, [](const auto& category) { return category->id; });
+  return found == factory_categories_.end() ? nullptr : *found;
 }
 
-int32_t find_row_by_uuid(const std::vector<menu_row_ref>& rows, std::string_view uuid) {
-  const auto found = std::ranges::find_if(rows, [uuid](const menu_row_ref& row) {
+int32_t sound_catalogue::find_row_by_uuid(std::string_view uuid) const {
+  if (times_appended_.load(std::memory_order_acquire) == 0) return k_no_row;
+  const auto found = std::ranges::find_if(factory_rows_, [uuid](const menu_row_ref& row) {
     return std::ranges::equal(row->uuid, uuid, {}, to_upper_ascii, to_upper_ascii);
   });
-  return found == rows.end() ? k_no_row : static_cast<int32_t>(found - rows.begin());
+  return found == factory_rows_.end() ? k_no_row : static_cast<int32_t>(found - factory_rows_.begin());
+}
+
+std::vector<menu_row_ref> sound_catalogue::rows() const {
+  return repeated(factory_rows_, times_appended_.load(std::memory_order_acquire));
+}
+
+std::vector<sound_category_ref> sound_catalogue::categories() const {
+  return repeated(factory_categories_, times_appended_.load(std::memory_order_acquire));
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,21 +34,33 @@ struct sound_category {
 };
 using sound_category_ref = std::shared_ptr<sound_category>;
 
-// A position in `rows` is what the menu's value and the selected sound mean. Copies share their categories and rows.
-struct sound_catalogue {
-  std::vector<sound_category_ref> categories;
-  std::vector<menu_row_ref> rows;  // per category: separator, title, separator, then its sounds
+// The categories and rows of one effect. A position in the rows is what the menu's value and the selected sound mean.
+//
+// Empty at first. Every append_factory_sounds() puts the same categories and rows behind those that are there, so that
+// positions keep their meaning while the list grows; all else may run on other threads meanwhile, the audio thread
+// among them. Only the first one allocates.
+class sound_catalogue {
+ public:
+  // Appends the three factory categories and their 67 rows: per category a separator, its title, a separator, then its
+  // sounds. Throws std::bad_alloc, and is then as it was.
+  void append_factory_sounds();
+
+  // The row at `position`; null outside the list.
+  menu_row_ref row_at(int32_t position) const;
+
+  // The first category of that id; null when there is none.
+  sound_category_ref category_with_id(int32_t id) const;
+
+  // Position of the first row with that uuid, or `k_no_row`. Letters a to z match their capitals. Separators have the
+  // empty uuid, so that the empty uuid finds position 0.
+  int32_t find_row_by_uuid(std::string_view uuid) const;
+
+  std::vector<menu_row_ref> rows() const;
+  std::vector<sound_category_ref> categories() const;
+
+ private:
+  std::mutex append_lock_;
+  std::vector<sound_category_ref> factory_categories_;
+  std::vector<menu_row_ref> factory_rows_;
+  std::atomic<int32_t> times_appended_{0};  // publishes the two lists, which never change after the first time
 };
-
-// Appends the three factory categories, and their 67 rows, behind what `catalogue` holds.
-void append_factory_sounds(sound_catalogue* catalogue);
-
-// The row at `position`; null outside the list.
-menu_row_ref row_at(const sound_catalogue& catalogue, int32_t position);
-
-// The first category of that id; null when there is none.
-sound_category_ref category_with_id(const sound_catalogue& catalogue, int32_t id);
-
-// Position of the first row with that uuid, or `k_no_row`. Letters a to z match their capitals. Separators have the
-// empty uuid, so that the empty uuid finds position 0.
-int32_t find_row_by_uuid(const std::vector<menu_row_ref>& rows, std::string_view uuid);

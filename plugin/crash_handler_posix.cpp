@@ -1,4 +1,7 @@
 // MIT License. The crash handler on POSIX systems.
+#include <unistd.h>
+
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 
@@ -9,16 +12,39 @@ namespace {
 
 constexpr int k_crash_signals[] = {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM};
 
-// Neither the log nor exit() is safe in a handler by POSIX's list. The process is lost either way, and a line in the
-// log is worth the risk of ending worse.
+// How long an exit may take that waits for a lock of the crashed thread, or of a thread that it was about to free.
+constexpr unsigned k_longest_exit_s = 5;
+
+// Gives a signal its default action, which ends the process, and lets this thread receive it.
+void let_end_the_process(int signal_number) {
+  std::signal(signal_number, SIG_DFL);
+  sigset_t one;
+  sigemptyset(&one);
+  sigaddset(&one, signal_number);
+  pthread_sigmask(SIG_UNBLOCK, &one, nullptr);
+}
+
+// exit() runs the host's own exit routines, which no rule allows in a signal handler: they may take any lock, the
+// heap's among them. So the line is in the log first, and the alarm ends what exit() doesn't.
 [[noreturn]] void end_process(int signal_number) {
-  halvern::logbook_impl::instance().message("crash!", halvern::log_level_critical,
-                                            halvern::log_dest_file | halvern::log_dest_debugger);
+  let_end_the_process(SIGALRM);
+  alarm(k_longest_exit_s);
+  for (const int further : k_crash_signals) let_end_the_process(further);
+  static std::atomic_flag entered;
+  if (entered.test_and_set()) _exit(signal_number);  // two threads crash at the same moment
+  halvern::logbook_impl::instance().crash_message("crash!");
   std::exit(signal_number);
 }
 
 }  // namespace
 
 void install_crash_handler() {
-  for (const int signal_number : k_crash_signals) std::signal(signal_number, end_process);
+  halvern::remember_time_zone();
+  halvern::logbook_impl::instance();  // exists before the first crash
+  struct sigaction action {};
+  action.sa_handler = end_process;
+  // On the alternate stack, where the host has set one: a stack that has overflowed has no room for a handler.
+  action.sa_flags = SA_ONSTACK | SA_RESETHAND;
+  sigemptyset(&action.sa_mask);
+  for (const int signal_number : k_crash_signals) sigaction(signal_number, &action, nullptr);
 }

@@ -9,8 +9,8 @@ namespace {
 
 AudioEffect* construct_effect(audioMasterCallback host) {
   static const built_in_activation_gate gate;
-  install_crash_handler();
   try {
+    install_crash_handler();
     return new KesrelVocoder4TarvixEffect(host, gate);
   } catch (...) {
     return nullptr;

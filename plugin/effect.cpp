@@ -33,11 +33,7 @@ constexpr float k_engine_rate_hz = 44100.0F;
 }  // namespace
 
 KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate)
-    : AudioEffectX(host, k_program_count, k_parameter_count),
-      gate_(gate),
-      catalogues_(1),
-      catalogue_(&catalogues_.front()),
-      preset_name_(k_unnamed) {
+    : AudioEffectX(host, k_program_count, k_parameter_count), gate_(gate), preset_name_(k_unnamed) {
   log_to_application_data();
   if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
   trace("init plugin");
@@ -140,15 +136,15 @@ bool KesrelVocoder4TarvixEffect::setBypass(bool on_off) {
 }
 
 std::vector<menu_row_ref> KesrelVocoder4TarvixEffect::getMenuRows() const {
-  return catalogue().rows;
+  return catalogue_.rows();
 }
 
 std::vector<sound_category_ref> KesrelVocoder4TarvixEffect::getCategories() const {
-  return catalogue().categories;
+  return catalogue_.categories();
 }
 
 void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
-  const menu_row_ref row = row_at(catalogue(), row_index);
+  const menu_row_ref row = catalogue_.row_at(row_index);
   if (row == nullptr) return;
   trace("select_preset_by_index");
   if (!pass_gate(row->category_id)) return;
@@ -173,7 +169,7 @@ void KesrelVocoder4TarvixEffect::request_key_update() {
 }
 
 bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {
-  const sound_category_ref category = category_with_id(catalogue(), category_id);
+  const sound_category_ref category = catalogue_.category_with_id(category_id);
   if (category == nullptr || !gate_.passes(category_id)) return false;
   category->activated.store(true, std::memory_order_relaxed);
   return true;

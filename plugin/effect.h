@@ -4,7 +4,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <forward_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -58,7 +57,7 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   bool setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) override;
 
   // The host handshake: `index` 'KVHs' with `value` 1 builds the catalogue and answers 1. Everything else answers 0.
-  // Each handshake appends the catalogue once more.
+  // Each handshake appends the same catalogue once more.
   VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
 
   // Audio thread. One host block is one engine block of any length; outputs may be the inputs' own arrays in any order.
@@ -128,7 +127,6 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   void restore(const state::program& stored);
 
   // Any thread.
-  const sound_catalogue& catalogue() const { return *catalogue_.load(std::memory_order_acquire); }
   bool pass_gate(int32_t category_id) const;
   bool is_on(parameter_index index) const;
 
@@ -138,19 +136,14 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   void apply_keys();
   std::array<const float*, 2> arranged_inputs(float** inputs) const;
 
-  // Some hosts end their effects after the module's own statics; the pools that hold the programs wait for that.
-  std::shared_ptr<memory::allocator_registry> pools_ = memory::allocator_registry::shared();
-
   const activation_gate& gate_;
 
-  // The handshake's work. Every catalogue there was lives as long as the effect, so that the audio thread may go on
-  // reading one while its successor is published, and never holds the last reference to a row.
-  std::forward_list<sound_catalogue> catalogues_;
-  std::atomic<const sound_catalogue*> catalogue_;
+  // The handshake's work. The catalogue keeps its rows, so that the audio thread never holds the last reference to one.
+  sound_catalogue catalogue_;
   std::atomic<bool> ready_{false};
 
   // Host and user-interface threads: the image last handed out, stored programs, and the texts of the live state.
-  state::image_bytes last_chunk_;
+  guarded<state::image_bytes> last_chunk_;
   program_bank programs_;
   guarded<std::string> preset_name_;
   guarded<std::string> sound_uuid_;

@@ -18,7 +18,7 @@ VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr v
     shake_hands();
     return 1;
   } catch (...) {
-    halvern::log_error("host handshake failed");
+    halvern::log_caught_exception("host handshake failed");
     return 0;
   }
 }
@@ -27,10 +27,7 @@ VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr v
 // leaves the effect as it was.
 void KesrelVocoder4TarvixEffect::shake_hands() {
   trace("interface version 1");
-  sound_catalogue extended = catalogue();
-  append_factory_sounds(&extended);
-  catalogues_.push_front(std::move(extended));
-  catalogue_.store(&catalogues_.front(), std::memory_order_release);
+  catalogue_.append_factory_sounds();
   load_default_bank();
   ready_.store(true, std::memory_order_release);
   trace("interface okay");
@@ -44,6 +41,6 @@ void KesrelVocoder4TarvixEffect::load_default_bank() {
     trace("loading default fx bank done");
     setChunk(const_cast<uint8_t*>(bank->bytes()), static_cast<VstInt32>(bank->size()), false);
   } catch (...) {
-    halvern::log_error("unknown exception while loading default fx bank");
+    halvern::log_caught_exception("unknown exception while loading default fx bank");
   }
 }

@@ -1,4 +1,6 @@
 // MIT License. What the host saves and restores: images of the bank or of the program in use.
+#include <atomic>
+
 #include "plugin/effect.h"
 #include "plugin/trace.h"
 #include "support/err/exception.h"
@@ -29,12 +31,14 @@ VstInt32 KesrelVocoder4TarvixEffect::getChunk(void** data, bool isPreset) {
   if (data == nullptr) return 0;
   try {
     programs_.replace(getProgram(), chunk_from_current_program());
-    last_chunk_ = isPreset ? current_program_image() : state::bank_image(identity(), getProgram(), programs_.records());
+    const state::image_bytes image =
+        isPreset ? current_program_image() : state::bank_image(identity(), getProgram(), programs_.records());
+    last_chunk_.set(image);
     trace("getChunk success");
-    *data = const_cast<uint8_t*>(last_chunk_->bytes());
-    return static_cast<VstInt32>(last_chunk_->size());
+    *data = const_cast<uint8_t*>(image->bytes());
+    return static_cast<VstInt32>(image->size());
   } catch (...) {
-    halvern::log_error("getChunk failed");
+    halvern::log_caught_exception("getChunk failed");
     *data = nullptr;
     return 0;
   }
@@ -55,7 +59,7 @@ VstInt32 KesrelVocoder4TarvixEffect::setChunk(void* data, VstInt32 byteSize, boo
     isPreset ? restore_single_program(&*image) : restore_bank(&*image);
     trace("setChunk success");
   } catch (...) {
-    halvern::log_error("setChunk failed");
+    halvern::log_caught_exception("setChunk failed");
   }
   return 0;
 }
@@ -71,7 +75,7 @@ void KesrelVocoder4TarvixEffect::restore_bank(state::opened_image* image) {
       programs_.replace(slot, record);
     } else {
       programs_.append(record);
-      ++cEffect.numPrograms;
+      std::atomic_ref(cEffect.numPrograms).fetch_add(1, std::memory_order_relaxed);
     }
   }
   curProgram = image->current_program;

@@ -1,6 +1,7 @@
 // MIT License.
 #include "plugin/log_folder.h"
 
+#include "plugin/trace.h"
 #include "support/err/exception.h"
 #include "support/files/operations.h"
 #include "support/logbook.h"
@@ -16,11 +17,13 @@ constexpr char k_banner[] = "Kesrel Vocoder Version 1.0 Windows 64 bit\r\n";
 
 void log_to_application_data() {
   try {
+    if constexpr (k_trace) halvern::logbook_impl::instance().levels = halvern::log_levels_tracing;
     const auto product = files::create_folder_path(files::get_user_app_support_path(), k_product_folder);
     if (!product.exists()) return;
     const auto folder = files::get_or_create_folder(product, k_log_folder);
     if (!folder.exists()) return;
-    halvern::logbook_impl::instance().log_to(folder, k_banner, halvern::log_levels_with_a_file);
+    halvern::logbook_impl::instance().log_to(folder, k_banner,
+                                             k_trace ? halvern::log_levels_tracing : halvern::log_levels_with_a_file);
   } catch (const err::exception& failure) {
     halvern::log_error(failure.what());
   } catch (...) {

@@ -23,19 +23,29 @@ void KesrelVocoder4TarvixEffect::setProgram(VstInt32 program) {
     curProgram = program;
     execute_chunk_to_current_program(program);
   } catch (...) {
-    halvern::log_error("setProgram failed");
+    halvern::log_caught_exception("setProgram failed");
   }
 }
 
 void KesrelVocoder4TarvixEffect::setProgramName(char* name) {
-  if (name != nullptr) preset_name_.set(name);
+  try {
+    if (name != nullptr) preset_name_.set(name);
+  } catch (...) {
+    halvern::log_caught_exception("setProgramName failed");
+  }
 }
 
 // A name that does not fit is not cut: the host gets an empty text.
 void KesrelVocoder4TarvixEffect::getProgramName(char* name) {
-  const std::string text = preset_name_.get();
-  const bool fits = std::strlen(text.c_str()) <= kVstMaxProgNameLen;
-  vst_strncpy(name, fits ? text.c_str() : "", kVstMaxProgNameLen);
+  if (name == nullptr) return;
+  try {
+    const std::string text = preset_name_.get();
+    const bool fits = std::strlen(text.c_str()) <= kVstMaxProgNameLen;
+    vst_strncpy(name, fits ? text.c_str() : "", kVstMaxProgNameLen);
+  } catch (...) {
+    *name = 0;
+    halvern::log_caught_exception("getProgramName failed");
+  }
 }
 
 bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index, char* text) {
@@ -51,7 +61,7 @@ bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index,
     vst_strncpy(text, name->c_str(), kVstMaxProgNameLen);
     return true;
   } catch (...) {
-    halvern::log_error("getProgramNameIndexed failed");
+    halvern::log_caught_exception("getProgramNameIndexed failed");
     return false;
   }
 }
@@ -78,14 +88,14 @@ void KesrelVocoder4TarvixEffect::execute_chunk_to_current_program(int32_t index)
     const auto stored = state::read_program(*record);
     if (stored) restore(*stored);
   } catch (...) {
-    halvern::log_error("execute_chunk_to_current_program failed");
+    halvern::log_caught_exception("execute_chunk_to_current_program failed");
   }
 }
 
 // The octave switch, told last, asks for the keys once more: a block that took the first request before the sound was
 // selected brings them to the new sound's base with the next one.
 void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
-  const menu_row_ref row = row_at(catalogue(), find_row_by_uuid(catalogue().rows, stored.sound_uuid));
+  const menu_row_ref row = catalogue_.row_at(catalogue_.find_row_by_uuid(stored.sound_uuid));
   if (row != nullptr) pass_gate(row->category_id);
   preset_name_.set(stored.name);
   sound_uuid_.set(stored.sound_uuid);
@@ -98,7 +108,7 @@ void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   key_flags keys = {};
   std::ranges::copy(stored.keys, keys);
   set_pending_keys(keys);
-  selected_sound_index_.store(find_row_by_uuid(catalogue().rows, stored.sound_uuid), std::memory_order_relaxed);
+  selected_sound_index_.store(catalogue_.find_row_by_uuid(stored.sound_uuid), std::memory_order_relaxed);
   for (VstInt32 index = 0; index < k_parameter_count; ++index) {
     setParameterAutomated(index, switch_value(switches[index]));
   }

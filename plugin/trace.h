@@ -6,13 +6,13 @@
 
 #include "support/logbook.h"
 
-// Turns the trace points on in a build of one's own. Off, they leave no code behind.
-constexpr bool k_trace = false;
+// Whether trace points show: on in a build configured with -D KESREL_TRACE=ON. Off, they leave no code behind.
+constexpr bool k_trace = KESREL_TRACE != 0;
 
-// Logs `text` and `detail` at the tracing level. Not for the audio thread.
+// Logs `text` and `detail` at the tracing level. Not for an ordinary block of the audio thread.
 inline void trace(std::string_view text, std::string_view detail = {}) {
   if constexpr (k_trace) {
-    halvern::logbook_impl::instance().message(std::string(text).append(detail), halvern::log_level_debug,
+    halvern::logbook_impl::instance().message(std::string(text).append(detail).c_str(), halvern::log_level_debug,
                                               halvern::log_dest_file | halvern::log_dest_debugger);
   }
 }

@@ -2,7 +2,6 @@
 #include "support/log_record.h"
 
 #include <chrono>
-#include <cstdio>
 #include <random>
 
 namespace halvern {
@@ -38,19 +37,23 @@ const char* label_of(uint32_t level) {
 
 }  // namespace
 
-std::string log_line(const log_data& message) {
-  if (message.text.empty()) return {};
-  const log_time& time = message.time;
-  char clock[64];
-  std::snprintf(clock, sizeof clock, "%02u:%02u:%02u:%03u", time.hour, time.minute, time.second, time.millisecond);
-  return clock + std::string(label_of(message.level)) + message.text + "\r\n";
+short_text<63> log_line_start(const log_time& time, uint32_t level) noexcept {
+  short_text<63> start;
+  start.add(time.hour, 2).add(":").add(time.minute, 2).add(":").add(time.second, 2).add(":").add(time.millisecond, 3);
+  return start.add(label_of(level));
 }
 
-std::string log_file_name(const log_time& made, const std::string& digits) {
-  char moment[96];
-  std::snprintf(moment, sizeof moment, "Log %u_%u_%u %u_%u_%u_", made.day, made.month, made.year, made.hour,
-                made.minute, made.second);
-  return moment + digits + ".log";
+std::string log_line(const log_data& message) {
+  if (message.text.empty()) return {};
+  std::string line(log_line_start(message.time, message.level).view());
+  return line.append(message.text).append(log_line_end);
+}
+
+short_text<127> log_file_name(const log_time& made, std::string_view digits) noexcept {
+  short_text<127> name;
+  name.add("Log ").add(made.day).add("_").add(made.month).add("_").add(made.year).add(" ");
+  name.add(made.hour).add("_").add(made.minute).add("_").add(made.second).add("_");
+  return name.add(digits).add(".log");
 }
 
 // The clock's finest steps: two processes that start in the same second should not meet in one name.

@@ -11,4 +11,11 @@ log_time local_log_time() {
   return {now.wDay, now.wMonth, now.wYear, now.wSecond, now.wMinute, now.wHour, now.wMilliseconds};
 }
 
+// The system's own clock already knows its zone, without files or the heap.
+void remember_time_zone() {}
+
+log_time crash_log_time() noexcept {
+  return local_log_time();
+}
+
 }  // namespace halvern

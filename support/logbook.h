@@ -3,11 +3,15 @@
 
 #include <atomic>
 #include <cstdint>
+#include <forward_list>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 
 #include "support/atomic_queue.h"
 #include "support/files/filepath.h"
+#include "support/files/system_calls.h"
 #include "support/log_record.h"
 #include "support/synchronization/event.h"
 #include "support/synchronization/object_task.h"
@@ -29,6 +33,7 @@ constexpr uint32_t log_dest_notification = 4;
 // message reaches a destination when its level is no higher than the byte.
 constexpr uint32_t log_levels_at_start = 0x500;     // errors and warnings to the debugger
 constexpr uint32_t log_levels_with_a_file = 0x004;  // errors to the file, and nothing to the others
+constexpr uint32_t log_levels_tracing = 0x808;      // everything, tracing included, to both
 
 // What a log_dest_notification message posts: a notification_ex_2 of this name with the text and the level.
 using log_notification_level = unsigned;
@@ -40,19 +45,26 @@ class log_info_container : public Container::atomic_queue<log_data> {};
 // Messages go to a log file, the debugger's output and the notification center. Nothing here fails its caller, and any
 // thread may call, the audio thread included: a message for the file is queued without a lock, then the thread that
 // brought it empties the queue and writes. So a message that reaches the file costs heap and file calls.
+//
+// The log outlives every other object of the process: hosts end their effects from static destructors, and their audio
+// threads may still run while they exit. At exit it is drained, never destroyed, and goes on working.
 class logbook_impl {
  public:
   // Receives the text of a message that passed the debugger's threshold.
   using debugger_output = void (*)(const char* text);
 
-  // The singleton, made at the first call and ended with the process.
+  // The singleton, made at the first call. Throws std::bad_alloc then, nothing later.
   static logbook_impl& instance();
 
   logbook_impl(const logbook_impl&) = delete;
   logbook_impl& operator=(const logbook_impl&) = delete;
-  ~logbook_impl();
+  ~logbook_impl() = delete;
 
-  void message(const std::string& text, uint32_t level, uint32_t destinations);
+  void message(const char* text, uint32_t level, uint32_t destinations) noexcept;
+
+  // The last message of a crashing process, at the critical level, behind all that is still queued for the file. Safe
+  // in a signal handler whatever the thread was doing: it takes no lock and leaves the heap alone. Once per process.
+  void crash_message(const char* text) noexcept;
 
   // From now on messages up to `levels` go to a file in `folder`, which begins with `header`. The file comes into being
   // with the first message, and stays the process's log file from then on, whatever is set later.
@@ -71,12 +83,19 @@ class logbook_impl {
   logbook_impl();
 
   bool passes(uint32_t level, uint32_t destination) const;
+  bool takes_for_file(uint32_t level) const;
+  void to_file(const char* text, uint32_t level) noexcept;
+  void to_debugger(const char* text) const noexcept;
+  static void to_notification_center(const char* text, uint32_t level) noexcept;
   void drain() noexcept;
   void write_to_file(const std::string& lines) noexcept;
   void create_file();
-  void to_debugger(const char* text) const;
+  void prepare_for_crash(const files::filepath& folder, const std::string& header);
+  files::system::file_handle open_in_crash(const log_time& now) const noexcept;
+  synchronization::event& wake_event();
   int write_in_background();
   void stop_background_writer() noexcept;
+  void finish() noexcept;
 
   files::filepath folder_;
   std::atomic<bool> folder_exists_{false};
@@ -87,13 +106,27 @@ class logbook_impl {
   log_info_container queue_;
   std::atomic<debugger_output> debugger_;
 
+  // What a crash must find without the lock: texts that never change once their address is published.
+  struct crash_file_plan {
+    std::string folder;  // its path
+    std::string header;
+    std::string digits;  // of the file's name
+  };
+  std::forward_list<crash_file_plan> crash_plans_;  // the latest first
+  std::atomic<const crash_file_plan*> crash_plan_{nullptr};
+  std::atomic<const char*> crash_path_{nullptr};  // of the log file, once there is one
+
   // The shape of a background writer; nothing starts it.
-  synchronization::event wake_event_;
+  std::once_flag wake_event_made_;
+  std::unique_ptr<synchronization::event> wake_event_;
   synchronization::object_task<logbook_impl>* task_;  // one reference
   std::atomic<int32_t> running_{1};
 };
 
 // Logs an error report or the text of a caught exception.
-void log_error(const std::string& text);
+void log_error(const char* text) noexcept;
+
+// For the handler of an operation that must not throw: logs `text`, then what the exception in hand says of itself.
+void log_caught_exception(const char* text) noexcept;
 
 }  // namespace halvern

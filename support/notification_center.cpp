@@ -47,8 +47,8 @@ void notification::operator delete(void* object, size_t size) {
 }
 
 notification_center& notification_center::instance() {
-  static notification_center center;
-  return center;
+  static auto* const center = new notification_center;  // outlives whoever posts while the process exits
+  return *center;
 }
 
 void notification_center::post(const notification_reference& posted) {

@@ -12,6 +12,23 @@ AudioEffect* object_of(AEffect* e) {
   return static_cast<AudioEffect*>(e->object);
 }
 
+// Whether the opcode's answer is a text at the pointer that comes with it.
+constexpr bool writes_text(VstInt32 opcode) {
+  switch (opcode) {
+    case effGetProgramName:
+    case effGetParamLabel:
+    case effGetParamDisplay:
+    case effGetParamName:
+    case effGetProgramNameIndexed:
+    case effGetEffectName:
+    case effGetVendorString:
+    case effGetProductString:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 AudioEffect::AudioEffect(audioMasterCallback host, VstInt32 programs, VstInt32 params)
@@ -128,6 +145,7 @@ void AudioEffect::int2string(VstInt32 value, char* text, VstInt32 maxLen) {
 
 VstIntPtr AudioEffect::dispatchEffectClass(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                                            float opt) {
+  if (ptr == nullptr && writes_text(opcode)) return 0;
   AudioEffect* const effect = object_of(e);
   const VstIntPtr result = effect->dispatcher(opcode, index, value, ptr, opt);
   if (opcode != effClose) return result;

@@ -1,6 +1,8 @@
 // MIT License. Base class of effects: the part of the interface that dates from its first version.
 #pragma once
 
+#include <atomic>
+
 #include "vst2/aeffect.h"
 
 class AEffEditor;
@@ -9,7 +11,8 @@ class AEffEditor;
 // which call the virtual operation of the same name.
 //
 // Threads, by the interface's contract: processing on the audio thread, setParameter and getParameter on any,
-// everything else on the main thread. Sample rate and block size change only while processing is off.
+// everything else on the main thread. Sample rate and block size change only while processing is off. Hosts that save
+// in the background call from other threads as well, so what they may read beside a change is atomic.
 //
 // The order of the virtual operations is that of the published interface; retired ones keep their places.
 class AudioEffect {
@@ -100,7 +103,8 @@ class AudioEffect {
   virtual bool isOutputConnected(VstInt32 /*output*/) { return false; }
 
  protected:
-  // The functions in the record. effClose deletes the object and answers 1.
+  // The functions in the record. effClose deletes the object and answers 1; an opcode that writes a text answers 0 when
+  // there is nowhere to write it.
   static VstIntPtr VSTCALLBACK dispatchEffectClass(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                                                    void* ptr, float opt);
   static float VSTCALLBACK getParameterClass(AEffect* e, VstInt32 index);
@@ -118,10 +122,10 @@ class AudioEffect {
 
   audioMasterCallback audioMaster;  // null without a host
   AEffEditor* editor;               // owned; null without an editor
-  float sampleRate;                 // Hz
-  VstInt32 blockSize;               // samples
+  std::atomic<float> sampleRate;    // Hz
+  std::atomic<VstInt32> blockSize;  // samples
   VstInt32 numPrograms;             // at construction: the bound of effSetProgram, whatever the record says later
   VstInt32 numParams;
-  VstInt32 curProgram;
+  std::atomic<VstInt32> curProgram;
   AEffect cEffect;
 };

@@ -110,7 +110,7 @@ bool AudioEffectX::ioChanged() {
 double AudioEffectX::updateSampleRate() {
   const VstIntPtr rate = callHost(audioMasterGetSampleRate);
   if (rate > 0) sampleRate = static_cast<float>(rate);
-  return double{sampleRate};
+  return double{sampleRate.load()};
 }
 
 VstInt32 AudioEffectX::updateBlockSize() {

@@ -6,7 +6,7 @@
 namespace err {
 
 runtime_error::runtime_error(const std::string& message) : exception(message) {
-  halvern::logbook_impl::instance().message(text, halvern::log_level_debug,
+  halvern::logbook_impl::instance().message(text.c_str(), halvern::log_level_debug,
                                             halvern::log_dest_file | halvern::log_dest_debugger);
 }
 

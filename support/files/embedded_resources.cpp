@@ -8,15 +8,15 @@ namespace files {
 
 namespace {
 
-// Made at the first use, whichever module part comes first. Entries never move.
+// Made at the first use, and never destroyed: a host may load state from a static destructor. Entries never move.
 struct known_resources {
   std::mutex lock;
   std::forward_list<embedded_resource> entries;
 };
 
 known_resources& known() {
-  static known_resources resources;
-  return resources;
+  static auto* const resources = new known_resources;
+  return *resources;
 }
 
 const embedded_resource* find(const known_resources& resources, std::string_view type_name, std::string_view res_name) {

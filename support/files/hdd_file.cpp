@@ -36,8 +36,9 @@ void hdd_file::open(existing_content content) {
 }
 
 void hdd_file::cut() {
-  if (system::move_to_start(handle_) < 0) halvern::log_error("SetFilePointer failed for: " + location_.path());
-  if (system::cut_here(handle_) < 0) halvern::log_error("SetEndOfFile failed for: " + location_.path());
+  if (system::move_to_start(handle_) < 0)
+    halvern::log_error(("SetFilePointer failed for: " + location_.path()).c_str());
+  if (system::cut_here(handle_) < 0) halvern::log_error(("SetEndOfFile failed for: " + location_.path()).c_str());
 }
 
 void hdd_file::seek(int64_t offset, seek_origin origin) {

@@ -33,6 +33,9 @@ file_handle open_to_write(const std::string& path);  // makes a missing file
 file_handle open_to_read(const std::string& path);
 void close(file_handle handle);
 
+// Opens a file to add to its end, made when it is missing. Safe in a signal handler, as are write() and close().
+file_handle open_to_append(const char* path) noexcept;
+
 // The numbers that the calls themselves answer: what is below zero counts as failed. Windows answers 0 for a failed
 // read or write, so that it goes unnoticed, and so does a failed read on POSIX.
 int32_t read(file_handle handle, void* buffer, uint32_t count, uint32_t* done);

@@ -11,8 +11,9 @@ namespace files::system {
 
 namespace {
 
-constexpr mode_t k_file_rights = 0666;  // less what the user's mask takes away
-constexpr mode_t k_folder_rights = 0777;
+// The log names the user's files, which are nobody else's business.
+constexpr mode_t k_file_rights = 0600;
+constexpr mode_t k_folder_rights = 0700;
 
 // Repeats a call that a signal interrupted.
 template <typename Call>
@@ -22,8 +23,8 @@ auto uninterrupted(Call call) {
   return answer;
 }
 
-int opened(const std::string& path, int flags) {
-  return uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, k_file_rights); });
+int opened(const char* path, int flags) {
+  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, k_file_rights); });
 }
 
 bool is_folder(int descriptor) {
@@ -40,7 +41,7 @@ std::optional<attributes> read_attributes(const std::string& path) {
 }
 
 bool create_file(const std::string& path) {
-  const int descriptor = opened(path, O_WRONLY | O_CREAT | O_EXCL);
+  const int descriptor = opened(path.c_str(), O_WRONLY | O_CREAT | O_EXCL);
   if (descriptor < 0) return false;
   close(descriptor);
   return true;
@@ -53,14 +54,18 @@ folder_answer create_folder(const std::string& path) {
 }
 
 file_handle open_to_write(const std::string& path) {
-  return opened(path, O_WRONLY | O_CREAT);
+  return opened(path.c_str(), O_WRONLY | O_CREAT);
 }
 
 file_handle open_to_read(const std::string& path) {
-  const int descriptor = opened(path, O_RDONLY);
+  const int descriptor = opened(path.c_str(), O_RDONLY);
   if (descriptor < 0 || !is_folder(descriptor)) return descriptor;
   close(descriptor);  // the system would open it, but has nothing to read
   return invalid_handle;
+}
+
+file_handle open_to_append(const char* path) noexcept {
+  return opened(path, O_WRONLY | O_CREAT | O_APPEND);
 }
 
 void close(file_handle handle) {
@@ -96,7 +101,7 @@ int32_t cut_here(file_handle handle) {
 }
 
 bool was_disk_full() {
-  return errno == ENOSPC;
+  return errno == ENOSPC || errno == EDQUOT;  // the device is full, or the user's share of it
 }
 
 bool seek(file_handle handle, int64_t position) {

@@ -53,6 +53,14 @@ file_handle open_to_read(const std::string& path) {
   return opened(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
 }
 
+// Paths beyond the system's usual limit of length are given up: the prefix that lifts it wants a text to be built.
+file_handle open_to_append(const char* path) noexcept {
+  wchar_t wide[MAX_PATH];
+  if (MultiByteToWideChar(CP_UTF8, 0, path, -1, wide, MAX_PATH) <= 0) return invalid_handle;
+  return reinterpret_cast<file_handle>(CreateFileW(wide, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                   OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
 void close(file_handle handle) {
   if (handle != invalid_handle) CloseHandle(handle_of(handle));
 }

@@ -1,8 +1,10 @@
 // MIT License. What POSIX desktops have of folders, browsers and links.
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 
@@ -27,14 +29,38 @@ std::string data_home() {
   return home.empty() ? "" : home + "/.local/share";
 }
 
-// Only what may be called between fork and exec in a program of many threads.
-[[noreturn]] void run_detached(const char* program, const char* argument) {
-  if (fork() != 0) _exit(0);  // the orphan is the system's to collect
-  setsid();
-  close_range(STDERR_FILENO + 1, ~0U, 0);
-  execlp(program, program, argument, static_cast<char*>(nullptr));
-  _exit(EXIT_FAILURE);
-}
+// What a new process needs to start from a clean slate, whatever the host has set: no descriptors but the standard
+// ones, no blocked signals, and a session of its own, so that it doesn't end with the host.
+class detached_start {
+ public:
+  detached_start() {
+    posix_spawn_file_actions_init(&actions_);
+    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    posix_spawnattr_init(&attributes_);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes_, &none);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+  }
+  detached_start(const detached_start&) = delete;
+  detached_start& operator=(const detached_start&) = delete;
+  ~detached_start() {
+    posix_spawnattr_destroy(&attributes_);
+    posix_spawn_file_actions_destroy(&actions_);
+  }
+
+  // The new process, or -1.
+  pid_t run(const char* const* arguments) const {
+    pid_t started = -1;
+    const int failure =
+        posix_spawn(&started, arguments[0], &actions_, &attributes_, const_cast<char* const*>(arguments), environ);
+    return failure == 0 ? started : -1;
+  }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+};
 
 }  // namespace
 
@@ -48,13 +74,16 @@ filepath get_user_app_support_path() {
   return filepath(path);
 }
 
+// The shell leaves the browser's starter to the system and ends at once, so that no child of the host's remains. It
+// sees the address as a parameter, never as words of its own.
 void open_url(const std::string& url) {
   if (url.empty()) return;
   const std::string address = "http://" + url;
-  const pid_t child = fork();
-  if (child == 0) run_detached("xdg-open", address.c_str());
-  if (child < 0) return;
-  while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  const char* const arguments[] = {"/bin/sh",       "-c",   R"(exec 2>/dev/null; xdg-open "$1" &)", "sh",
+                                   address.c_str(), nullptr};
+  const pid_t shell = detached_start().run(arguments);
+  if (shell < 0) return;
+  while (waitpid(shell, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 

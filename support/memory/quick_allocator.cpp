@@ -126,9 +126,9 @@ void quick_allocator_impl::add_block() {
   free_count_.fetch_add(block_elements_, std::memory_order_relaxed);
 }
 
-const std::shared_ptr<allocator_registry>& allocator_registry::shared() {
-  static const auto registry = std::make_shared<allocator_registry>();
-  return registry;
+allocator_registry& allocator_registry::instance() {
+  static auto* const registry = new allocator_registry;
+  return *registry;
 }
 
 allocator_registry::allocator_registry() {

@@ -72,12 +72,11 @@ class quick_allocator_impl {
   synchronization::ticket_lock lock_;
 };
 
-// All pools of the process. It ends with the process, and no pooled object may be released after that: whoever may live
-// longer, as the objects of a host do that ends them when it ends itself, shares the registry.
+// All pools of the process. The process's own registry is never destroyed: a host may end its effects from static
+// destructors, when the pools of an ordinary singleton would be gone.
 class allocator_registry {
  public:
-  static allocator_registry& instance() { return *shared(); }
-  static const std::shared_ptr<allocator_registry>& shared();
+  static allocator_registry& instance();
   allocator_registry();
   ~allocator_registry();
   allocator_registry(const allocator_registry&) = delete;

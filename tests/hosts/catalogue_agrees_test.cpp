@@ -6,16 +6,16 @@
 
 TEST(KnownSounds, AreThoseOfTheEffect) {
   sound_catalogue catalogue;
-  append_factory_sounds(&catalogue);
+  catalogue.append_factory_sounds();
   std::size_t position = 0;
-  for (const auto& row : catalogue.rows) {
+  for (const auto& row : catalogue.rows()) {
     if (row->sound_number < 0) continue;  // a title or a separator
     ASSERT_LT(position, known_sounds().size());
     const sound& known = known_sounds()[position++];
     EXPECT_EQ(known.number, row->sound_number);
     EXPECT_EQ(known.root_key, row->root_key) << row->name;
     EXPECT_EQ(known.name, row->name);
-    EXPECT_EQ(known.category, category_with_id(catalogue, row->category_id)->name) << row->name;
+    EXPECT_EQ(known.category, catalogue.category_with_id(row->category_id)->name) << row->name;
     EXPECT_EQ(known.uuid, row->uuid);
   }
   EXPECT_EQ(position, known_sounds().size());

@@ -6,9 +6,9 @@
 #include <thread>
 
 #include "support/err/exception.h"
-#include "tests/plugin/allocation_count.h"
 #include "tests/plugin/effect_fixture.h"
 #include "tests/plugin/own_log.h"
+#include "tests/words/heap.h"
 
 namespace {
 
@@ -131,8 +131,9 @@ TEST_F(Effect, IgnoresAChoiceOutsideTheMenu) {
 TEST_F(Effect, RefusesAChoiceWhoseCategoryIsClosed) {
   gate.refused_category = 10001;
   start_without_sound();
-  effect.select_preset_by_index(k_first_electronica_sound);
   effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(k_first_electronica_sound);
+  EXPECT_EQ(effect.sound_uuid(), "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder");
   EXPECT_TRUE(effect.getCategories()[0]->activated);
   EXPECT_FALSE(effect.getCategories()[1]->activated);
   expect_processed(run_block());
@@ -263,6 +264,32 @@ TEST_F(Effect, HearsAMissingSecondInputAsSilenceAndLogsIt) {
   EXPECT_THAT(recording.blocks.at(0).inputs, ElementsAre(half[0], nullptr, nullptr, nullptr));
   const std::string line = "stereo input setup but no second input data channel on process!\n";
   EXPECT_EQ(log.text(), line + line);
+}
+
+TEST_F(Effect, DoesWithoutChannelsThatAreMissing) {
+  stereo_block block(4);
+  float* const none[] = {nullptr, nullptr};
+  float* const left_only[] = {block.out_left.data(), nullptr};
+  float* const right_only[] = {nullptr, block.out_right.data()};
+  float* const voice[] = {block.left.data(), block.right.data()};
+  const auto run = [&](float* const* inputs, float* const* outputs) {
+    effect.processReplacing(const_cast<float**>(inputs), const_cast<float**>(outputs), block.frames);
+  };
+  for (float* const* const outputs : {left_only, right_only, none, static_cast<float* const*>(nullptr)}) {
+    run(voice, outputs);
+  }
+  EXPECT_THAT(block.out_left, Each(0.0F));
+  EXPECT_THAT(block.out_right, Each(0.0F));
+
+  start_without_sound();
+  run(voice, left_only);
+  run(voice, right_only);
+  expect_dry(block);
+  run(voice, none);
+  run(none, left_only);
+  run(nullptr, right_only);
+  EXPECT_THAT(block.out_left, Each(0.0F));
+  EXPECT_THAT(block.out_right, Each(0.0F));
 }
 
 TEST_F(Effect, CopiesTheDryInputInPlaceWithTheSidesExchanged) {

@@ -102,6 +102,33 @@ TEST_F(HostState, OfASingleProgramLandsInTheProgramInUse) {
   EXPECT_EQ(save(true).substr(160), saved.substr(160));
 }
 
+TEST_F(HostState, OfASingleProgramChangesNoOtherSlot) {
+  shake_hands();
+  const std::string stranger = bank_of(1, 0).substr(160);  // its record, which follows the single image's head, too
+  std::string single = save(true).substr(0, 160) + stranger;
+  const size_t size = single.size() - 8;
+  single = with_byte(with_byte(single, 6, static_cast<int>(size >> 8)), 7, static_cast<int>(size & 0xFF));
+  effect.setProgram(4);
+  const std::string before = save();
+  EXPECT_EQ(load(single, true), "");
+  const std::string after = save();
+
+  // All records of the default bank but the fifth stay, byte for byte.
+  const auto records_of = [](const std::string& bank) {
+    std::vector<std::string> records;
+    for (size_t at = 160; at < bank.size();) {
+      const size_t length = 8 + static_cast<uint8_t>(bank[at + 6]) * 256U + static_cast<uint8_t>(bank[at + 7]);
+      records.push_back(bank.substr(at, length));
+      at += length;
+    }
+    return records;
+  };
+  std::vector<std::string> expected = records_of(before);
+  ASSERT_EQ(expected.size(), 24U);
+  expected[4] = stranger;
+  EXPECT_EQ(records_of(after), expected);
+}
+
 TEST_F(HostState, GrowsWithALargerBankAndKeepsWhatASmallerOneLeaves) {
   shake_hands();
   load(bank_of(26, 25));
@@ -141,12 +168,13 @@ TEST_F(HostState, IgnoresWhatIsNotItsOwn) {
 TEST_F(HostState, ReportsAnImageThatBreaksOff) {
   shake_hands();
   std::string bank = bank_of(24, 3);
-  EXPECT_EQ(load(bank.substr(0, bank.size() - 1)), "setChunk failed\n");
+  EXPECT_EQ(load(bank.substr(0, bank.size() - 1)),
+            "setChunk failed\nchunk::chunk(data_ref) chunk corrupt! chunk size bigger than avail data!\n");
   EXPECT_EQ(name_of(effect, 1), "Detuned Sawtooth B") << "the head already claims too much";
 
   const size_t record_size = 8 + 36 + 1 + 33 + 39;
   bank[160 + record_size + 4] = 0x7F;  // the second record's size
-  EXPECT_EQ(load(bank), "setChunk failed\n");
+  EXPECT_EQ(load(bank), "setChunk failed\nbasic_chunk_input_stream: chunk not valid or no chunk at all!\n");
   EXPECT_EQ(name_of(effect, 0), "Detuned Sawtooth A") << "the program in use has its live name";
   effect.setProgram(1);
   EXPECT_EQ(name_of(effect, 1), "Detuned Sawtooth B");
@@ -167,7 +195,7 @@ TEST_F(HostState, SurvivesACurrentProgramThatIsNoSlot) {
     EXPECT_EQ(save().size(), bank_of(24, 0).size());
     const log_capture log;
     EXPECT_EQ(save(true), "");
-    EXPECT_EQ(log.text(), "getChunk failed\n");
+    EXPECT_EQ(log.text(), "getChunk failed\nthe current program is no slot\n");
     effect.setProgram(2);
     EXPECT_EQ(name_of(effect, 2), "C");
   }
@@ -183,7 +211,8 @@ TEST_F(HostState, OfARecordWithoutABodyIsNotSaved) {
   EXPECT_EQ(load(bank), "");
   const log_capture log;
   EXPECT_EQ(save(), "");
-  EXPECT_EQ(log.text(), "getChunk failed\n");
+  const std::string reason = "cannot append chunks to mutable_chunk after we created a final chunk!\n";
+  EXPECT_EQ(log.text(), "getChunk failed\n" + reason);
 }
 
 TEST_F(HostState, BeforeTheHandshakeKnowsNoSoundYet) {

@@ -171,6 +171,19 @@ TEST_F(Module, HasThreeParametersWithNames) {
   EXPECT_EQ(text_of(effect, effGetParamName, 9, -1), "");
 }
 
+TEST_F(Module, WritesNoTextToNowhere) {
+  test_host host;
+  const effect_ptr effect = load();
+  for (VstInt32 opcode = effOpen; opcode < effGetNumMidiOutputChannels + 20; ++opcode) {
+    if (opcode == effClose || opcode == effCanDo) continue;
+    for (const VstInt32 index : {0, 1}) call(effect, opcode, index);
+  }
+  for (const VstInt32 opcode : {effGetProgramName, effGetParamName, effGetProgramNameIndexed, effGetEffectName,
+                                effGetVendorString, effGetProductString}) {
+    EXPECT_EQ(call(effect, opcode), 0) << "opcode " << opcode;
+  }
+}
+
 TEST_F(Module, IsSilentUntilTheHandshakeAndThenSings) {
   test_host host;
   const effect_ptr effect = load();
@@ -228,7 +241,7 @@ using ModuleDeathTest = Module;
 
 TEST_F(ModuleDeathTest, LogsACrashAndEndsWithTheSignalsNumber) {
   test_host host;
-  std::string expected;
+  const long before = logged_crashes();
   for (const int signal_number : {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM}) {
     EXPECT_EXIT(
         {
@@ -236,9 +249,8 @@ TEST_F(ModuleDeathTest, LogsACrashAndEndsWithTheSignalsNumber) {
           std::raise(signal_number);
         },
         testing::ExitedWithCode(signal_number), "");
-    expected += "crash!\n";
   }
-  EXPECT_EQ(logged_texts(), expected);
+  EXPECT_EQ(logged_crashes(), before + 5);
 }
 
 }  // namespace

@@ -41,14 +41,21 @@ std::string texts_in(const std::filesystem::path& path) {
   return texts;
 }
 
-}  // namespace
-
-std::string logged_texts() {
-  const auto folder = data_home / "Quorvant" / "Kesrel Vocoder 4 ME" / "logs";
+std::string texts_below(const std::filesystem::path& application_data) {
+  const auto folder = application_data / "Quorvant" / "Kesrel Vocoder 4 ME" / "logs";
   std::string texts;
   if (!std::filesystem::exists(folder)) return texts;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) texts += texts_in(entry.path());
   return texts;
+}
+
+}  // namespace
+
+long logged_crashes(const std::string& application_data) {
+  const std::string texts = texts_below(application_data.empty() ? data_home : std::filesystem::path(application_data));
+  long crashes = 0;
+  for (size_t at = texts.find("crash!\n"); at != std::string::npos; at = texts.find("crash!\n", at + 1)) ++crashes;
+  return crashes;
 }
 
 std::string log_capture::own_texts() {

@@ -5,12 +5,11 @@
 
 // Every program that links own_log.cpp has an application data folder of its own, which goes with it.
 
-// Texts are given each with a line feed behind it, without times, levels and headers.
+// How many crashes the log files of a data folder tell of, the program's own by default. They may be those of modules
+// and of child processes.
+long logged_crashes(const std::string& application_data = "");
 
-// In all files of the folder, in no order of files: what modules and child processes log, too.
-std::string logged_texts();
-
-// What this program's own code logs while it lives.
+// What this program's own code logs while it lives: each text with a line feed behind it, without time and level.
 class log_capture {
  public:
   log_capture() : earlier_(own_texts()) {}

@@ -4,6 +4,7 @@
 
 #include "tests/plugin/effect_fixture.h"
 #include "tests/plugin/own_log.h"
+#include "tests/words/heap.h"
 
 namespace {
 
@@ -179,6 +180,46 @@ TEST_F(Programs, OfAClosedCategoryAreRestoredAndRefusedAtTheBlock) {
   EXPECT_EQ(log.text(), "soundpack not activated yet!\n");
 }
 
+// Whichever allocation fails, the host gets its call back and the reason is in the log.
+TEST_F(Programs, SurviveAHeapThatRunsOut) {
+  shake_hands();
+  const std::string longest(24, 'n');
+  set_name(longest);
+  int64_t failures = 0;
+  for (bool failed = true; failed; ++failures) {
+    const log_capture log;
+    {
+      const failing_allocation heap(failures);
+      effect.setProgram(1);
+      failed = heap.has_failed();
+    }
+    if (failed) {
+      EXPECT_THAT(log.text(), testing::EndsWith(" failed\nstd::bad_alloc\n")) << failures;
+    }
+    if (failures == 0) {
+      EXPECT_EQ(effect.getProgram(), 0) << "a program that can't be kept isn't left";
+    }
+    effect.setProgram(0);
+    set_name(longest);
+  }
+  EXPECT_GT(failures, 5);
+
+  const log_capture log;
+  {
+    std::string other(24, 'o');
+    const failing_allocation heap(0);
+    effect.setProgramName(other.data());
+  }
+  {
+    char text[kVstMaxProgNameLen + 1] = "untouched";
+    const failing_allocation heap(0);
+    effect.getProgramName(text);
+    EXPECT_STREQ(text, "");
+  }
+  EXPECT_EQ(log.text(), "setProgramName failed\nstd::bad_alloc\ngetProgramName failed\nstd::bad_alloc\n");
+  EXPECT_EQ(name(), longest);
+}
+
 TEST_F(Programs, WithoutTheirTextsAreReported) {
   shake_hands();
   chunks::mutable_chunk broken(state::program_chunk_id);
@@ -186,7 +227,9 @@ TEST_F(Programs, WithoutTheirTextsAreReported) {
   const log_capture log;
   restore(broken);
   EXPECT_EQ(name(), "Detuned Sawtooth A");
-  EXPECT_EQ(log.text(), "execute_chunk_to_current_program failed\n");
+  EXPECT_EQ(log.text(),
+            "execute_chunk_to_current_program failed\n"
+            "basic_chunk_input_stream: chunk not valid or no chunk at all!\n");
   effect.setProgram(1);  // writes the live state back over it
   EXPECT_EQ(name_of(0), "Detuned Sawtooth A");
 }

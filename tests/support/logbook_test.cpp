@@ -3,13 +3,18 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <thread>
 
 #include "support/err/exception.h"
 #include "support/notification_center.h"
+#include "tests/words/heap.h"
 
 namespace {
 
@@ -39,12 +44,22 @@ std::string read_file(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A folder of this process, which goes with it.
+void say(const std::string& text, uint32_t level = 4, uint32_t destinations = k_both) {
+  logbook_impl::instance().message(text.c_str(), level, destinations);
+}
+
+std::string written() {
+  return read_file(logbook_impl::instance().log_file().path());
+}
+
+// A folder of this process.
 class log_folder {
  public:
   log_folder() : path_(std::filesystem::temp_directory_path() / ("kesrel log " + halvern::random_digits(12))) {
     std::filesystem::create_directories(path_);
   }
+  log_folder(const log_folder&) = delete;
+  log_folder& operator=(const log_folder&) = delete;
   ~log_folder() { std::filesystem::remove_all(path_); }
 
   files::filepath place() const { return files::filepath(path_.string()); }
@@ -56,9 +71,23 @@ class log_folder {
   std::filesystem::path path_;
 };
 
+// Goes with the tests, or is removed by whoever looks at it after them.
+log_folder* the_folder = nullptr;
 log_folder& folder() {
-  static log_folder made;
-  return made;
+  if (the_folder == nullptr) the_folder = new log_folder;
+  return *the_folder;
+}
+class folder_remover : public testing::Environment {
+ public:
+  void TearDown() override {
+    delete the_folder;
+    the_folder = nullptr;
+  }
+};
+const testing::Environment* const k_folder_remover = testing::AddGlobalTestEnvironment(new folder_remover);
+
+std::string only_file_in_folder() {
+  return std::filesystem::directory_iterator(folder().place().path())->path().string();
 }
 
 void collect(const char* text);
@@ -75,10 +104,6 @@ class Logbook : public testing::Test {
     logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
     say("");
   }
-  static void say(const std::string& text, uint32_t level = 4, uint32_t destinations = k_both) {
-    logbook_impl::instance().message(text, level, destinations);
-  }
-  static std::string written() { return read_file(logbook_impl::instance().log_file().path()); }
 
  public:
   static inline std::string debugger;
@@ -91,8 +116,9 @@ void collect(const char* text) {
   Logbook::debugger += text;
 }
 
-// One process has one log file, so its whole life is one test, and the first.
-TEST_F(Logbook, GoesFromTheDebuggerToAFileOnceItHasAFolder) {
+// The whole life of the log, from its start to the end of the process: the death test runs it in a process of its own.
+void live_from_start_to_end() {
+  std::string& debugger = Logbook::debugger;
   say("warned", 5);
   say("noticed", 6);
   say("only to the file", 1, log_dest_file);
@@ -121,6 +147,51 @@ TEST_F(Logbook, GoesFromTheDebuggerToAFileOnceItHasAFolder) {
   logbook_impl::instance().log_to(folder().place(), "other header", halvern::log_levels_with_a_file);
   say("third");
   EXPECT_EQ(folder().file_count(), 1U);
+
+  // What a failing write reports stays queued, as its thread holds the lock; the end of the process writes it.
+  logbook_impl::instance().levels = halvern::log_levels_tracing;
+  const std::string path = folder().place().path();
+  std::filesystem::rename(path, path + " away");
+  say("lost");
+  std::filesystem::rename(path + " away", path);
+  EXPECT_THAT(written(), testing::Not(testing::HasSubstr("hdd_file::open")));
+}
+
+// Runs behind the log's own exit routine.
+void check_the_file_at_exit() {
+  const std::string text = written();
+  const bool drained = text.find("hdd_file::open") != std::string::npos && text.ends_with("~logbook\r\n");
+  if (!drained) std::fprintf(stderr, "in the file at exit: %s\n", text.c_str());
+  std::filesystem::remove_all(folder().place().path());
+  std::_Exit(drained && !testing::Test::HasFailure() ? 0 : 1);
+}
+
+TEST(LogbookDeathTest, GoesFromTheDebuggerToAFileAndIsDrainedAtExit) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a new process, whose log hasn't begun
+  EXPECT_EXIT(
+      {
+        std::atexit(check_the_file_at_exit);
+        logbook_impl::instance().redirect_debugger(collect);
+        live_from_start_to_end();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(LogbookDeathTest, WritesItsLastLineWithoutTheHeap) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+        const int64_t before = allocation_count();
+        logbook_impl::instance().crash_message("crash!");
+        EXPECT_EQ(allocation_count(), before);
+        EXPECT_EQ(without_numbers(read_file(only_file_in_folder())),
+                  std::string(k_header) + "#:#:#:# (critical)\tcrash!\r\n");
+        std::filesystem::remove_all(folder().place().path());
+        std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Logbook, LabelsItsLevels) {
@@ -134,8 +205,42 @@ TEST_F(Logbook, LabelsItsLevels) {
     message.level = level;
     EXPECT_EQ(halvern::log_line(message), std::string("09:14:03:071") + label + "text\r\n");
   }
-  EXPECT_EQ(halvern::random_digits(16).size(), 16U);
-  EXPECT_EQ(halvern::log_file_name({3, 7, 2016, 41, 5, 9, 0}, "4907"), "Log 3_7_2016 9_5_41_4907.log");
+  EXPECT_EQ(halvern::log_file_name({3, 7, 2016, 41, 5, 9, 0}, "4907").view(), "Log 3_7_2016 9_5_41_4907.log");
+}
+
+TEST_F(Logbook, NamesFilesByDigitsThatDiffer) {
+  const std::string digits = halvern::random_digits(16);
+  EXPECT_EQ(digits.size(), 16U);
+  EXPECT_EQ(digits.find_first_not_of("0123456789"), std::string::npos);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_NE(halvern::random_digits(16), digits);
+}
+
+// The audio thread's own heap may be what has run out.
+TEST_F(Logbook, KeepsTheDebuggersLineWhenTheFileHasNoMemory) {
+  open_file();
+  logbook_impl::instance().levels = halvern::log_levels_tracing;
+  debugger.reserve(1000);
+  {
+    const failing_allocation heap(0);
+    logbook_impl::instance().message("a line too long for a small string", 4, k_both);
+  }
+  EXPECT_EQ(debugger, "a line too long for a small string\n");
+  EXPECT_THAT(written(), testing::Not(testing::HasSubstr("a line too long")));
+}
+
+TEST_F(Logbook, AddsWhatACaughtExceptionSays) {
+  logbook_impl::instance().levels = halvern::log_levels_at_start;
+  for (const int kind : {0, 1, 2}) {
+    try {
+      if (kind == 0) throw err::logic_error("ours");
+      if (kind == 1) throw std::runtime_error("the library's");
+      throw kind;
+    } catch (...) {
+      halvern::log_caught_exception("it failed");
+    }
+  }
+  EXPECT_EQ(debugger, "it failed\nours\nit failed\nthe library's\nit failed\n");
 }
 
 TEST_F(Logbook, ErrorsThatRunningShowsAreTracedAndOthersAreNot) {

@@ -5,11 +5,14 @@
 #include <atomic>
 #include <cmath>
 #include <numbers>
+#include <random>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "plugin/effect.h"
-#include "tests/plugin/allocation_count.h"
 #include "tests/plugin/test_host.h"
+#include "tests/words/heap.h"
 
 namespace {
 
@@ -74,22 +77,93 @@ TEST_F(Sound, SingsAgainAtANewRateOnceAnotherSoundIsChosen) {
   EXPECT_LT(peak, 9.0F);
 }
 
-// For the thread sanitizer, with all that an engine shares with the shell.
-TEST_F(Sound, SingsOnWhileAnotherThreadWorksOnProgramsAndState) {
-  std::atomic<bool> done{false};
-  std::thread host_thread([&] {
-    for (int32_t round = 0; round < 200 || !done.load(); ++round) {
-      effect.setProgram(round % 24);
-      effect.setParameter(round % 3, static_cast<float>(round % 2));
-      void* image = nullptr;
-      const VstInt32 size = effect.getChunk(&image, round % 2 == 0);
-      effect.setChunk(image, size, round % 2 == 0);
-      std::this_thread::yield();
+// One host thread's random calls, through the record but for what only the window does.
+class careless_host_thread {
+ public:
+  careless_host_thread(unsigned seed, const std::string& bank, KesrelVocoder4TarvixEffect* effect)
+      : random_(seed), bank_(bank), effect_(effect) {}
+
+  void call_something() {
+    char text[256] = "a name that is long enough";
+    void* image = nullptr;
+    const bool single = any(2) != 0;
+    switch (any(14)) {
+      case 0:
+        call(effSetProgram, 0, any(26));
+        break;
+      case 1:
+        call(effGetProgramName, 0, 0, text);
+        break;
+      case 2:
+        call(effSetProgramName, 0, 0, text);
+        break;
+      case 3:
+        call(effGetProgramNameIndexed, any(30), 0, text);
+        break;
+      case 4:
+        call(effGetChunk, single, 0, &image);
+        break;  // another thread's call may end the image at once
+      case 5:
+        call(effSetChunk, 0, static_cast<VstIntPtr>(bank_.size()), bank_.data());
+        break;
+      case 6:
+        call(effVendorSpecific, k_handshake_id, 1);
+        break;
+      case 7:
+        call(effSetBlockSize, 0, 64 << any(4));
+        break;
+      case 8:
+        call(effMainsChanged, 0, any(2));
+        break;
+      case 9:
+        effect_->getAeffect()->setParameter(effect_->getAeffect(), any(3), 1.0F);
+        break;
+      case 10:
+        effect_->setParameterAutomated(any(3), 0.0F);
+        break;
+      case 11:
+        effect_->select_preset_by_index(any(70));
+        break;
+      case 12:
+        effect_->set_pending_keys({uint8_t{1}, 0, static_cast<uint8_t>(any(2))});
+        break;
+      default:
+        EXPECT_GE(effect_->getMenuRows().size(), 67U);
+        break;
     }
-  });
+  }
+
+ private:
+  VstInt32 any(int count) { return static_cast<VstInt32>(random_() % static_cast<unsigned>(count)); }
+  void call(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr) {
+    AEffect* const record = effect_->getAeffect();
+    record->dispatcher(record, opcode, index, value, ptr, 0.0F);
+  }
+
+  std::minstd_rand random_;
+  std::string bank_;
+  KesrelVocoder4TarvixEffect* effect_;
+};
+
+// For the thread sanitizer, with all that an engine shares with the shell.
+TEST_F(Sound, SingsOnWhileThreeHostThreadsDoEverythingAtRandom) {
+  void* image = nullptr;
+  const VstInt32 size = effect.getChunk(&image, false);
+  const std::string bank(static_cast<const char*>(image), static_cast<size_t>(size));
+  std::atomic<bool> done{false};
+  std::vector<std::thread> threads;
+  for (const unsigned seed : {1U, 2U, 3U}) {
+    threads.emplace_back([&, seed] {
+      careless_host_thread host_thread(seed, bank, &effect);
+      for (int32_t round = 0; round < 300 || !done.load(); ++round) {
+        host_thread.call_something();
+        std::this_thread::yield();
+      }
+    });
+  }
   const float peak = peak_of_blocks(60);
   done.store(true);
-  host_thread.join();
+  for (std::thread& thread : threads) thread.join();
   EXPECT_FALSE(std::isnan(peak));
   EXPECT_GT(peak, 0.0F);
 }

@@ -29,6 +29,7 @@ TEST(FileErrors, KeepTheirPartsThroughTheFamily) {
 std::string logged;
 
 TEST(FileErrors, AreLoggedWithAllTheirLinesUnlikeBrokenPreconditions) {
+  logged.clear();
   auto& logbook = halvern::logbook_impl::instance();
   const auto before = logbook.redirect_debugger([](const char* text) { logged += text; });
   logbook.levels = halvern::log_level_debug << 8;

@@ -5,13 +5,19 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
+#include <iterator>
 #include <optional>
+#include <set>
 #include <thread>
 
 #include "support/files/error.h"
 #include "support/files/hdd_file.h"
 #include "support/files/operations.h"
+#include "support/log_record.h"
 #include "support/logbook.h"
+#include "support/memory/data.h"
+#include "support/synchronization/event.h"
 #include "tests/support/files/test_folder.h"
 
 namespace {
@@ -107,11 +113,65 @@ TEST(FailedCalls, AreToldByWritesAndNotByReads) {
 
 TEST(FailedCalls, ThatCutAFileAreOnlyReported) {
   static std::string reported;
+  reported.clear();
   auto& logbook = halvern::logbook_impl::instance();
   const auto before = logbook.redirect_debugger([](const char* text) { reported += text; });
   files::hdd_file(files::filepath("/dev/null"), files::file_mode::writing);
   logbook.redirect_debugger(before);
   EXPECT_EQ(reported, "SetEndOfFile failed for: /dev/null\n");
+}
+
+TEST(Places, AreTheUsersOwn) {
+  const test_folder folder;
+  const auto rights = [&](const char* name) {
+    return std::filesystem::status(folder.path(name)).permissions() & std::filesystem::perms::mask;
+  };
+  create_file(create_folder(folder.place(), "logs"), "log");
+  EXPECT_EQ(rights("logs"), std::filesystem::perms::owner_all);
+  EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST(Descriptors, AreAllGivenBack) {
+  const test_folder folder;
+  const auto open_descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+  const auto before = open_descriptors();
+  {
+    const files::filepath place = create_file(folder.place(), "file");
+    files::append_to_file(place, memory::data("x", 1));
+    files::hdd_file reader(place, files::file_mode::reading);
+    reader.clone();
+    EXPECT_THROW(files::hdd_file(folder.place(), files::file_mode::reading), files::error::cannot_open_file);
+    synchronization::event signalled;
+    EXPECT_EQ(open_descriptors(), before + 2);
+  }
+  EXPECT_EQ(open_descriptors(), before);
+}
+
+// A zone with an odd offset tells local time from UTC and hours from minutes.
+TEST(LocalClock, IsTheZonesOwn) {
+  const environment_variable zone("TZ", "KSR-5:45");
+  tzset();
+  const time_t before = time(nullptr);
+  halvern::remember_time_zone();
+  const halvern::log_time readings[] = {halvern::local_log_time(), halvern::crash_log_time()};
+  const time_t after = time(nullptr);
+  for (const halvern::log_time& read : readings) {
+    tm calendar{};
+    calendar.tm_year = static_cast<int>(read.year) - 1900;
+    calendar.tm_mon = static_cast<int>(read.month) - 1;
+    calendar.tm_mday = static_cast<int>(read.day);
+    calendar.tm_hour = static_cast<int>(read.hour);
+    calendar.tm_min = static_cast<int>(read.minute);
+    calendar.tm_sec = static_cast<int>(read.second);
+    const time_t utc = timegm(&calendar) - (5 * 60 + 45) * 60;
+    EXPECT_GE(utc, before);
+    EXPECT_LE(utc, after);
+  }
+  std::set<uint32_t> milliseconds;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+  while (std::chrono::steady_clock::now() < end) milliseconds.insert(halvern::crash_log_time().millisecond);
+  EXPECT_GE(milliseconds.size(), 5U) << "it moves by milliseconds";
+  EXPECT_LT(*milliseconds.rbegin(), 1000U);
 }
 
 TEST(CreateFolder, FailsThroughAFileAsThroughNothing) {
