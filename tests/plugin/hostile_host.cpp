@@ -57,7 +57,7 @@ void shake_hands(AEffect* effect) {
   std::free(large);
   std::free(large);
   std::free(behind);
-  wait_for_the_end();
+  std::abort();  // where a sanitizer's heap doesn't mind
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,13 +21,17 @@ class test_host {
 
   static VstIntPtr VSTCALLBACK callback(AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr, void*, float opt) {
     if (opcode == audioMasterVersion) return current_->version_;
-    if (opcode == audioMasterAutomate) current_->automated.emplace_back(index, opt);
+    if (opcode == audioMasterAutomate) {
+      const std::lock_guard guard(current_->lock_);
+      current_->automated.emplace_back(index, opt);
+    }
     return 0;
   }
 
   std::vector<std::pair<VstInt32, float>> automated;
 
  private:
+  std::mutex lock_;  // several of a host's threads may cause automation
   VstIntPtr version_;
   static inline test_host* current_ = nullptr;
 };
