@@ -150,6 +150,73 @@ TEST(Modes, SurviveAnyValues) {
   }
 }
 
+// Plays a voice with `hot` samples in it and in its carrier, then on for somewhat more than a second: the shortest tail
+// of the reverb needs that long to fall by the 800 dB that a hot sample may be above the others.
+//   returns  the half second after that
+waveform after_hot_samples(const sound_values& sound, effect_switches effects, const waveform& hot,
+                           int32_t block = 490) {
+  static const waveform voice = vowel(2 * second, 900.0, 0.1);
+  static const waveform carrier = noise(2 * second, 0.3F);
+  waveform hot_voice = voice;
+  waveform hot_carrier = carrier;
+  std::copy(hot.begin(), hot.end(), hot_voice.begin() + 10000);
+  std::copy(hot.begin(), hot.end(), hot_carrier.begin() + 12000);
+  const instance_ptr instance = make_instance();
+  for (const int32_t note : {48, 55}) vocoder_note_on(note, 127, instance.get());
+  const stereo out = run(sound, hot_voice, hot_carrier, block, instance.get(), effects);
+  EXPECT_TRUE(all_finite(out.left) && all_finite(out.right));
+  return waveform(out.left.end() - second / 2, out.left.end());
+}
+
+sound_values sound_with_all_memories(int mode) {
+  sound_values sound = external_carrier_sound(static_cast<float>(mode));
+  sound[value_env_mix] = 0.5F;
+  sound[value_env_attack] = 0.02F;
+  sound[value_env_release] = 0.02F;
+  sound[value_env_average] = 0.05F;
+  sound[value_sibilance_on] = 1.0F;
+  sound[value_dry_modulator_gain] = 0.1F;
+  sound[value_reverb_level] = 0.5F;
+  sound[value_reverb_size] = 0.0F;  // a larger one keeps a hot sample for minutes, as long as it doesn't overflow
+  return sound;
+}
+
+TEST(HotSamples, LeaveEveryModeSoon) {
+  const std::pair<const char*, waveform> hot_samples[] = {
+      {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"thirty of 3e38", waveform(30, 3e38F)}};
+  for (const int mode : all_modes) {
+    const sound_values sound = sound_with_all_memories(mode);
+    const waveform expected = after_hot_samples(sound, {1, 1}, {});
+    for (const auto& [name, hot] : hot_samples) {
+      const waveform out = after_hot_samples(sound, {1, 1}, hot);
+      EXPECT_LT(largest_difference(out, expected), 0.01F * peak(expected)) << mode << ": " << name;
+    }
+  }
+}
+
+TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
+  sound_values sound = sound_with_all_memories(2);
+  sound[value_reverb_size] = 0.7F;
+  const waveform hot(30, 3e38F);
+  const waveform expected = after_hot_samples(sound, {1, 1}, hot);
+  for (const int32_t block : {1, 64, 4096}) EXPECT_EQ(after_hot_samples(sound, {1, 1}, hot, block), expected) << block;
+}
+
+TEST(HotSamples, LeaveTheOscillatorsThatFollowTheLevel) {
+  for (const float sampled : {0.0F, 1.0F}) {
+    sound_values sound = plain_sound(15.0F);  // the carrier alone
+    sound[value_sampled] = sampled;
+    sound[value_pitch_source1] = sound[value_pitch_source2] = 1.0F;
+    sound[value_pitch_depth1] = sound[value_pitch_depth2] = 0.01F;
+    const float expected = peak(after_hot_samples(sound, {}, {}));
+    ASSERT_GT(expected, 0.01F);
+    for (const float hot : {1e5F, 1e9F, 1e20F, -3e38F}) {
+      const float level = peak(after_hot_samples(sound, {}, waveform(30, hot)));
+      EXPECT_NEAR(level, expected, 0.3F * expected) << hot;
+    }
+  }
+}
+
 TEST(Freeze, HoldsTheEnvelopeWhileTheCarrierMoves) {
   for (const int mode : {0, 1, 2, 3, 4, 5, 11}) {
     const auto frozen_end = [mode](const waveform& later_voice, const waveform& later_carrier) {
