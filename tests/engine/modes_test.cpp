@@ -192,7 +192,7 @@ sound_values sound_with_all_memories(int mode) {
   sound[value_env_release] = 0.02F;
   sound[value_env_average] = 0.05F;
   sound[value_sibilance_on] = 1.0F;
-  sound[value_dry_modulator_gain] = 0.1F;
+  sound[value_dry_modulator_gain] = 1.0F;
   sound[value_reverb_level] = 0.5F;
   sound[value_reverb_size] = 0.0F;  // a larger one keeps a hot sample for minutes, as long as it doesn't overflow
   return sound;
@@ -200,7 +200,7 @@ sound_values sound_with_all_memories(int mode) {
 
 TEST(HotSamples, LeaveEveryModeSoon) {
   const std::pair<const char*, waveform> hot_samples[] = {
-      {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"thirty of 3e38", waveform(30, 3e38F)}};
+      {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"many of 3e38", waveform(700, 3e38F)}};
   for (const int mode : all_modes) {
     const sound_values sound = sound_with_all_memories(mode);
     const waveform expected = after_hot_samples(sound, {1, 1}, {});
@@ -214,7 +214,7 @@ TEST(HotSamples, LeaveEveryModeSoon) {
 TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
   sound_values sound = sound_with_all_memories(2);
   sound[value_reverb_size] = 0.7F;
-  const waveform hot(30, 3e38F);
+  const waveform hot(700, 3e38F);
   const waveform expected = after_hot_samples(sound, {1, 1}, hot);
   for (const int32_t block : {1, 64, 4096}) EXPECT_EQ(after_hot_samples(sound, {1, 1}, hot, block), expected) << block;
 }
