@@ -135,6 +135,21 @@ TEST(Modes, ChangeInMidStreamWithoutAJump) {
   }
 }
 
+TEST(Modes, StartWithoutTheEnvelopesOfAnother) {
+  const auto end_of_release = [](float next_mode) {
+    const instance_ptr instance = make_instance();
+    sound_values sound = external_carrier_sound(2.0F);
+    sound[value_env_mix] = 1.0F;
+    sound[value_env_release] = 1.0F;
+    run(sound, vowel(8192, 900.0, 0.1), noise(8192, 0.3F), 512, instance.get());
+    run(sound, silence(1024), noise(1024, 0.3F), 512, instance.get());  // the voice has left the frame
+    sound[value_mode] = next_mode;
+    return peak(run(sound, silence(8192), noise(8192, 0.3F), 512, instance.get()).left, 3072);
+  };
+  EXPECT_GT(end_of_release(2.0F), 0.01F);
+  EXPECT_LT(end_of_release(4.0F), 1e-4F);
+}
+
 TEST(Modes, SurviveAnyValues) {
   const float inf = std::numeric_limits<float>::infinity();
   const float extremes[] = {std::numeric_limits<float>::quiet_NaN(),
