@@ -312,6 +312,21 @@ double pitch_modulation(float source, float depth, float lfo_step, float level, 
   return 1.0;
 }
 
+// A phase moves back by one wrap length per sample. Beyond this one, a hot modulator's level has thrown it so far that
+// the way back would take longer than 0.7 s, or, as the subtraction is lost in rounding, for ever.
+constexpr float furthest_phase = 0x1p25f;
+
+float phase_or_start(float phase) {
+  return phase <= furthest_phase ? phase : 0.0f;  // NaN isn't
+}
+
+void restart_lost_phases(wsyn_state* state) {
+  for (voice_record& voice : state->voices) {
+    voice.phase1 = phase_or_start(voice.phase1);
+    voice.phase2 = phase_or_start(voice.phase2);
+  }
+}
+
 }  // namespace
 
 void wsyn_commit(const float* params, wsyn_state* state) {
@@ -376,6 +391,7 @@ void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_stat
 }
 
 void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
+  restart_lost_phases(state);
   state->pitch_mod1 = pitch_modulation(state->pitch_source1, state->pitch_depth1, state->lfo_step1, level, crossings,
                                        *state, &state->lfo_phase1);
   state->pitch_mod2 = pitch_modulation(state->pitch_source2, state->pitch_depth2, state->lfo_step2, level, crossings,

@@ -36,7 +36,8 @@ struct wsyn_voice_group {
 //   samples  n rows of wsyn_voice_group::lanes; what stands in lanes that are not in use means nothing
 void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples);
 
-// Sets pitch_mod1 and pitch_mod2 for one frame, and advances the LFO of an oscillator that uses it.
+// Sets pitch_mod1 and pitch_mod2 for one frame, and advances the LFO of an oscillator that uses it. Phases that are not
+// numbers or beyond 2^25 start again at 0.
 //   level      modulator level of the frame
 //   crossings  zero crossings of the modulator's frame
 void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state);

@@ -86,6 +86,10 @@ void distance_delay_prepare(distance_delay* delay) {
   distance_delay_set(0.0F, true, delay);
 }
 
+void distance_delay_clear(distance_delay* delay) {
+  if (delay->ready != 0) std::fill_n(delay->start, delay->length + 1, 0.0F);
+}
+
 void distance_delay_release(distance_delay* delay) {
   delay->ready = 0;
   delay->start = nullptr;

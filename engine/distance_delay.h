@@ -30,6 +30,9 @@ void distance_delay_create(float sample_rate, int32_t max_distance, distance_del
 // Does nothing with a delay that is `ready`. Otherwise gets its storage, clears it and sets the shortest distance.
 void distance_delay_prepare(distance_delay* delay);
 
+// Silences what is on its way. Place and movement stay.
+void distance_delay_clear(distance_delay* delay);
+
 // Frees the storage; the delay isn't `ready` until it is prepared again.
 void distance_delay_release(distance_delay* delay);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dsp/lanes.h"
+#include "engine/bad_samples.h"
 #include "engine/voco_state.h"
 
 // Settings of a frame's followers. The time base is the frame: a weight of w gives a time constant of about w hops.
@@ -18,16 +19,21 @@ inline follower_settings follower_settings_of(const voco_state& state) {
           state.env_mix};
 }
 
-// Feeds `magnitude` to the two followers of one bin or band, or of four of them.
+// Feeds `magnitude` to the two followers of one bin or band, or of four of them. A follower that an overflow has made
+// infinite or not a number starts again at 0: the average of infinity and anything else would stay infinite.
 inline void followers_advance(float magnitude, const follower_settings& settings, float* fast, float* slow) {
-  const float weight = magnitude <= *fast ? settings.release : settings.attack;
-  *fast = (weight * *fast + magnitude) / (weight + 1.0F);
-  *slow = (settings.smoothing * *slow + magnitude) / (settings.smoothing + 1.0F);
+  const float last_fast = finite_or_zero(*fast);
+  const float last_slow = finite_or_zero(*slow);
+  const float weight = magnitude <= last_fast ? settings.release : settings.attack;
+  *fast = (weight * last_fast + magnitude) / (weight + 1.0F);
+  *slow = (settings.smoothing * last_slow + magnitude) / (settings.smoothing + 1.0F);
 }
 inline void followers_advance(float4 magnitude, const follower_settings& settings, float4* fast, float4* slow) {
-  const float4 weight = magnitude <= *fast ? splat(settings.release) : splat(settings.attack);
-  *fast = (weight * *fast + magnitude) / (weight + 1.0F);
-  *slow = (settings.smoothing * *slow + magnitude) / (settings.smoothing + 1.0F);
+  const float4 last_fast = finite_or_zero(*fast);
+  const float4 last_slow = finite_or_zero(*slow);
+  const float4 weight = magnitude <= last_fast ? splat(settings.release) : splat(settings.attack);
+  *fast = (weight * last_fast + magnitude) / (weight + 1.0F);
+  *slow = (settings.smoothing * last_slow + magnitude) / (settings.smoothing + 1.0F);
 }
 
 // The blend of the two followers, in the unit of the magnitudes.

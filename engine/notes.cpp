@@ -212,12 +212,14 @@ void render_run(int32_t n, wsyn_state* synth, float* samples) {
 }  // namespace
 
 void notes_on(int32_t note, voco_state* state) {
-  if (is_playable(note)) start_note(note, &state->synth);
+  if (!is_playable(note)) return;
+  start_note(note, &state->synth);
   refresh_mirror(state);
 }
 
 void notes_off(int32_t note, voco_state* state) {
-  if (is_playable(note)) stop_note(note, &state->synth);
+  if (!is_playable(note)) return;
+  stop_note(note, &state->synth);
   refresh_mirror(state);
 }
 

@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "dsp/lanes.h"
+#include "engine/bad_samples.h"
 
 namespace {
 
@@ -118,6 +119,47 @@ void step_of_bands(float left, float right, int32_t first, int32_t last, section
   }
 }
 
+// Where a channel's results go. An overflow stays in the memory, so behind the first sample that isn't finite no other
+// is either: nothing is written from there on, and the inputs wait for `recover`.
+struct channel_output {
+  float* samples;
+  int32_t lost = -1;  // the place of that sample, -1 for none
+
+  void write(float sample, int32_t at) {
+    if (lost >= 0) return;
+    if (std::isfinite(sample)) {
+      samples[at] = sample;
+    } else {
+      lost = at;
+    }
+  }
+};
+
+// Silences the lost sample of a block of `n` and runs the rest, sample by sample, from memory at rest. A further sample
+// that isn't finite becomes 0 as well and brings the memory to rest again.
+void recover(const channel_output& output, int32_t n, std::array<eq_section, eq_bands>* sections) {
+  const auto rest = [&] {
+    for (eq_section& s : *sections) s.x1 = s.x2 = s.y1 = s.y2 = 0.0F;
+  };
+  rest();
+  float* const samples = output.samples;
+  samples[output.lost] = 0.0F;
+  for (int32_t i = output.lost + 1; i < n; ++i) {
+    float x = samples[i];
+    for (eq_section& s : *sections) {
+      const float y =
+          s.b0 / s.a0 * x + s.b1 / s.a0 * s.x1 + s.b2 / s.a0 * s.x2 - s.a1 / s.a0 * s.y1 - s.a2 / s.a0 * s.y2;
+      s.x2 = s.x1;
+      s.x1 = x;
+      s.y2 = s.y1;
+      s.y1 = y;
+      x = y * s.gain;
+    }
+    samples[i] = finite_or_zero(x);
+    if (!std::isfinite(x)) rest();
+  }
+}
+
 }  // namespace
 
 void eq_prepare(float sample_rate, float frequency, float gain_db, float q, eq_section* section) {
@@ -157,9 +199,19 @@ void equaliser_set_gain(float gain_db, output_equaliser* equaliser) {
 void equaliser_process(float* left, float* right, int32_t n, output_equaliser* equaliser) {
   constexpr int32_t delay = eq_bands - 1;  // steps from a sample's first band to its last
   section_lanes lane = load(equaliser);
+  channel_output left_output{left};
+  channel_output right_output{right};
   const auto write = [&](int32_t s) {
-    left[s - delay] = lane.output[lane_vectors - 1][2];
-    right[s - delay] = lane.output[lane_vectors - 1][3];
+    const float left_sample = lane.output[lane_vectors - 1][2];
+    const float right_sample = lane.output[lane_vectors - 1][3];
+    // One branch for both, as the difference of a sample and itself is 0 or, if it isn't finite, NaN.
+    if ((left_sample - left_sample) + (right_sample - right_sample) == 0.0F) {
+      left[s - delay] = left_sample;
+      right[s - delay] = right_sample;
+    } else {
+      left_output.write(left_sample, s - delay);
+      right_output.write(right_sample, s - delay);
+    }
   };
   const int32_t steps = n > 0 ? n + delay : 0;
   for (int32_t s = 0; s < steps;) {
@@ -178,4 +230,6 @@ void equaliser_process(float* left, float* right, int32_t n, output_equaliser* e
     }
   }
   store_memory(lane, equaliser);
+  if (left_output.lost >= 0) recover(left_output, n, &equaliser->left);
+  if (right_output.lost >= 0) recover(right_output, n, &equaliser->right);
 }

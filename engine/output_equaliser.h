@@ -45,7 +45,8 @@ void equaliser_prepare(float sample_rate, const float* offsets_db, output_equali
 // Sets the overall gain in dB: each of the ten sections in series carries a tenth. Takes effect at once.
 void equaliser_set_gain(float gain_db, output_equaliser* equaliser);
 
-// Filters both channels in place, each through its ten sections in series.
+// Filters both channels in place, each through its ten sections in series. A result that isn't finite becomes 0 and
+// clears the memory of that channel's sections before the next sample; where a signal is cut into blocks doesn't show.
 //   shapes    left[n], right[n], n >= 0; two different arrays
 //   audio     no heap; every section's recursion runs in single precision, left to right
 void equaliser_process(float* left, float* right, int32_t n, output_equaliser* equaliser);

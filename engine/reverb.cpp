@@ -71,6 +71,15 @@ float number_or_zero(float sample) {
   return std::isnan(sample) ? 0.0F : sample;
 }
 
+bool all_finite(const float* samples, int32_t n) {
+  float4 differences{};  // of each sample and itself: 0, or NaN if it isn't finite
+  int32_t i = 0;
+  for (; i + group_size <= n; i += group_size) differences += load4(samples + i) - load4(samples + i);
+  float difference = differences[0] + differences[1] + differences[2] + differences[3];
+  for (; i < n; ++i) difference += samples[i] - samples[i];
+  return difference == 0.0F;
+}
+
 int32_t size_step(float size) {
   return truncate_to_int32(size * 128.0F);
 }
@@ -93,8 +102,12 @@ void build_taps(reverb_state* state) {
     state->tap[i] = truncate_to_int32(unit * static_cast<float>(tap_base[i]));
   }
   state->clearance = clearance_of(*state);
+}
+
+void clear_rings(reverb_state* state) {
   std::fill_n(state->left.begin(), cleared_samples, 0.0F);
   std::fill_n(state->right.begin(), cleared_samples, 0.0F);
+  state->overflowed = 0;
 }
 
 reverb_gains gains_of(const reverb_state& state) {
@@ -217,6 +230,9 @@ int32_t process_stretch(const reverb_gains& gains, const float* in_left, const f
       advance<float4, group_size>(gains, i, in_left, in_right, &samples, state);
   }
   for (; i < count; ++i) advance<float, 1>(gains, i, in_left, in_right, &samples, state);
+  if (!all_finite(samples.left_sum.data(), count) || !all_finite(samples.right_sum.data(), count)) {
+    state->overflowed = 1;
+  }
   for (i = 0; i < count; ++i) {
     out_left[i] = finite_or_zero(out_left[i] + samples.left_sum[static_cast<size_t>(i)]);
     out_right[i] = finite_or_zero(out_right[i] + samples.right_sum[static_cast<size_t>(i)]);
@@ -235,10 +251,18 @@ void reverb_configure(float level, float size, reverb_state* state) {
   state->size = size;
   state->decay_size = size;
   build_taps(state);
+  clear_rings(state);
   state->motion_counter = 0.0;
   if (state->motion_left.ready == 0) distance_delay_create(&state->motion_left);
   if (state->motion_right.ready == 0) distance_delay_create(&state->motion_right);
   state->configured = 1;
+}
+
+void reverb_recover(reverb_state* state) {
+  if (state->overflowed == 0) return;
+  clear_rings(state);
+  distance_delay_clear(&state->motion_left);
+  distance_delay_clear(&state->motion_right);
 }
 
 void reverb_process(float in_left, float in_right, float* out_left, float* out_right, reverb_state* state) {

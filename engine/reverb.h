@@ -28,7 +28,8 @@ struct reverb_state {
   distance_delay motion_right;
   double motion_counter = 0.0;  // in samples
   motion_anchor anchor;
-  tap_positions tap{};  // positions, which advance with `write_index`
+  tap_positions tap{};     // positions, which advance with `write_index`
+  uint8_t overflowed = 0;  // the tail has become infinite or not a number since it was last clear
 };
 
 // Takes the values of a block. A size that differs by 1/128 or more from the one in use builds the taps anew, clears
@@ -44,7 +45,12 @@ void reverb_configure(float level, float size, reverb_state* state);
 //   audio     no heap
 void reverb_process(float in_left, float in_right, float* out_left, float* out_right, reverb_state* state);
 
-// The same for `n` samples. The results don't depend on where a signal is cut into blocks.
+// Clears a tail that has overflowed. The taps turn the channels into each other, so that one bad number in the rings
+// would be everywhere within a second and never leave. When it is called is part of the sound: the engine does so at
+// every frame.
+void reverb_recover(reverb_state* state);
+
+// The same as reverb_process for `n` samples. The results don't depend on where a signal is cut into blocks.
 //   shapes    inputs and outputs [n], n >= 0; outputs are other arrays than the inputs
 void reverb_process_block(const float* in_left, const float* in_right, float* out_left, float* out_right, int32_t n,
                           reverb_state* state);

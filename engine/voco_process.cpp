@@ -91,7 +91,10 @@ void voco_process(float* first, float* second, float* left, float* right, int32_
     fill_and_mix(first + i, second + i, left + i, right + i, count, state);
     if (state->reverb_level > quietest_reverb) add_reverb(left + i, right + i, count, &state->reverb);
     state->frame_pos += count;
-    if (state->frame_pos == frame_size) voco_frame_step(state);
+    if (state->frame_pos == frame_size) {
+      voco_frame_step(state);
+      reverb_recover(&state->reverb);
+    }
     i += count;
   }
 

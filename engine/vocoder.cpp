@@ -21,10 +21,17 @@ struct vocoder_instance {
 namespace {
 
 // Takes the sound `number` if it isn't the one in use and its text can be had.
-void take_sound(int32_t number, const uint8_t* key, sound_record* sound) {
-  if (number == sound->number || key == nullptr) return;
+//   returns  0, whether it took a sound or not; 1 when memory is exhausted
+int32_t take_sound(int32_t number, const uint8_t* key, sound_record* sound) {
+  if (number == sound->number || key == nullptr) return 0;
   const std::string_view text = sound_text(number);
-  if (!text.empty()) sound_record_take(number, text, sound);
+  if (text.empty()) return 0;
+  try {
+    sound_record_take(number, text, sound);
+  } catch (const std::bad_alloc&) {
+    return 1;
+  }
+  return 0;
 }
 
 int32_t process(sound_values values, int32_t chorus_on, int32_t reverb_on, int32_t frames, const float* const* inputs,
@@ -36,7 +43,7 @@ int32_t process(sound_values values, int32_t chorus_on, int32_t reverb_on, int32
 
 }  // namespace
 
-vocoder_instance* vocoder_create(float sample_rate) {
+vocoder_instance* vocoder_create(float sample_rate) noexcept {
   if (!std::isfinite(sample_rate) || sample_rate < 0.0F) return nullptr;
   auto* const instance = new (std::nothrow) vocoder_instance;
   if (instance == nullptr) return nullptr;
@@ -46,19 +53,20 @@ vocoder_instance* vocoder_create(float sample_rate) {
   return instance;
 }
 
-void vocoder_destroy(vocoder_instance* instance) {
+void vocoder_destroy(vocoder_instance* instance) noexcept {
   delete instance;
 }
 
 int32_t vocoder_process_sound(int32_t /*curve*/, int32_t chorus_on, int32_t reverb_on, int32_t sound_number,
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
-                              float* const* outputs, vocoder_instance* instance) {
+                              float* const* outputs, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return 1;
-  take_sound(sound_number, sound_key, &instance->sound);
+  const int32_t refused = take_sound(sound_number, sound_key, &instance->sound);
   if (instance->sound.number < 0) return 1;
   sound_values values;
   std::copy_n(instance->sound.values.begin(), values.size(), values.begin());
-  return process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
+  const int32_t failed = process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
+  return refused | failed;
 }
 
 int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t reverb_on, float wet_gain,
@@ -70,7 +78,7 @@ int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t rev
                                float coarse1, float fine1, float pitch_source1, float pitch_depth1, float lfo_rate1,
                                float coarse2, float fine2, float pitch_source2, float pitch_depth2, float lfo_rate2,
                                float output_gain_db, int32_t frames, const float* const* inputs, float* const* outputs,
-                               vocoder_instance* instance) {
+                               vocoder_instance* instance) noexcept {
   if (instance == nullptr) return 1;
   const sound_values values = {wet_gain,
                                dry_carrier_gain,
@@ -112,41 +120,41 @@ int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t rev
   return process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
 }
 
-void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance) {
+void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return;
   if (velocity == 0) return notes_off(note, &instance->core.state);
   notes_on(note, &instance->core.state);
 }
 
-void vocoder_note_off(int32_t note, int32_t /*velocity*/, vocoder_instance* instance) {
+void vocoder_note_off(int32_t note, int32_t /*velocity*/, vocoder_instance* instance) noexcept {
   if (instance != nullptr) notes_off(note, &instance->core.state);
 }
 
-void vocoder_all_notes_off(vocoder_instance* instance) {
+void vocoder_all_notes_off(vocoder_instance* instance) noexcept {
   if (instance != nullptr) notes_all_off(&instance->core.state);
 }
 
-void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) {
+void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return;
   const double semitones = (static_cast<double>(value) - 64.0) / 64.0 * 2.0;
   instance->core.state.synth.bend = static_cast<float>(std::pow(2.0, semitones / 12.0));
 }
 
-void vocoder_set_sustain(int32_t on, vocoder_instance* instance) {
+void vocoder_set_sustain(int32_t on, vocoder_instance* instance) noexcept {
   if (instance != nullptr) notes_set_sustain(on, &instance->core.state);
 }
 
-void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance) {
+void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance) noexcept {
   if (notes == nullptr || byte_count == 0 || instance == nullptr) return;
   notes_set_list(notes, byte_count, &instance->core.state);
 }
 
-float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance) {
+float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance) noexcept {
   if (byte_count != nullptr) *byte_count = instance == nullptr ? 0 : sizeof(instance->core.state.note_mirror);
   return instance == nullptr ? nullptr : instance->core.state.note_mirror.data();
 }
 
-int32_t vocoder_set_target_curve(int32_t curve, int32_t enabled, vocoder_instance* instance) {
+int32_t vocoder_set_target_curve(int32_t curve, int32_t enabled, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return 1;
   if (curve != 0) {
     std::printf("ERROR: invalid target curve specified (%d). There are %d curves (0-%d)\n", curve, 1, 0);

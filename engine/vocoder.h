@@ -4,17 +4,18 @@
 #include <cstdint>
 
 // One engine for one host sample rate. Every operation but `vocoder_destroy` takes the instance last and accepts null,
-// for which it does nothing and answers 1, null or nothing.
+// for which it does nothing and answers 1, null or nothing. None throws: where memory is exhausted the answer is a
+// refusal, and what the engine had before goes on.
 //
 // Threads: the process and note operations of one instance belong to one thread, the audio thread. Creation and
 // destruction must not overlap them. Two instances share nothing that is written.
 struct vocoder_instance;
 
 // Makes an engine for blocks at `sample_rate` Hz; 0 stands for 44100. Null when memory for the instance is exhausted.
-vocoder_instance* vocoder_create(float sample_rate);
+vocoder_instance* vocoder_create(float sample_rate) noexcept;
 
 // Ends an engine; null is accepted.
-void vocoder_destroy(vocoder_instance* instance);
+void vocoder_destroy(vocoder_instance* instance) noexcept;
 
 // Runs one block with the sound `sound_number`.
 //   curve         carried along and ignored: there is one target curve
@@ -22,19 +23,21 @@ void vocoder_destroy(vocoder_instance* instance);
 //   reverb_on     0 forces the sound's reverb level to 0, any other value leaves it
 //   sound_key     a non-null key lets the engine take a new sound; with null the sound taken before plays on, whatever
 //                 `sound_number` says. Taking a sound parses its text and uses the heap; a number without a text and a
-//                 list of more than 512 values leave the earlier sound in place
+//                 list of more than 512 values leave the earlier sound in place, and so does exhausted memory
 //   frames        samples per channel, any length from 0
 //   inputs        four arrays of `frames` samples, of which [0] is the first (voice) and [2] the second input; [1] and
 //                 [3] are not heard. An entry may be null and is then silence; `inputs` may be null
 //   outputs       left and right, `frames` samples each; an entry or `outputs` may be null and isn't written then.
 //                 Outputs may be the same arrays as inputs
-//   returns       0 when the block ran; 1 when there is no instance or no sound, and the outputs stay as they were
+//   returns       0 when the block ran; 1 when there is no instance, no sound or no memory for the block, and the
+//                 outputs stay as they were; also 1 when there was no memory to take the new sound, and then the block
+//                 ran with the one before
 //   latency       1024 samples at 44100 Hz, for the vocoded and the dry signals alike
 //   audio         no heap in an ordinary block; a block length beyond any before grows the block buffers. The calling
 //                 thread is left in flush-to-zero and denormals-are-zero mode
 int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_on, int32_t sound_number,
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
-                              float* const* outputs, vocoder_instance* instance);
+                              float* const* outputs, vocoder_instance* instance) noexcept;
 
 // Runs one block with the 37 values of a sound given in the call, in the order of a sound's value list. The sound that
 // `vocoder_process_sound` took stays as it is. Everything else as there.
@@ -52,33 +55,33 @@ int32_t vocoder_process_values(int32_t curve, int32_t chorus_on, int32_t reverb_
                                float lfo_rate2,       // 31
                                float output_gain_db,  // 36
                                int32_t frames, const float* const* inputs, float* const* outputs,
-                               vocoder_instance* instance);
+                               vocoder_instance* instance) noexcept;
 
 // Starts or retriggers a note. Notes outside 27 to 108 and a 33rd held note are ignored. Velocity 0 is a note off; all
 // other velocities are alike.
-void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance);
+void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance) noexcept;
 
 // Releases a note, or keeps it under sustain. `velocity` is ignored.
-void vocoder_note_off(int32_t note, int32_t velocity, vocoder_instance* instance);
+void vocoder_note_off(int32_t note, int32_t velocity, vocoder_instance* instance) noexcept;
 
 // Releases all held notes and centres the pitch bend.
-void vocoder_all_notes_off(vocoder_instance* instance);
+void vocoder_all_notes_off(vocoder_instance* instance) noexcept;
 
 // Bends all notes: `value` 0 to 127, 64 in the middle, two semitones either way.
-void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance);
+void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept;
 
 // Presses (non-zero) or lifts (0) the sustain pedal. Lifting releases the notes that were let go under it.
-void vocoder_set_sustain(int32_t on, vocoder_instance* instance);
+void vocoder_set_sustain(int32_t on, vocoder_instance* instance) noexcept;
 
 // Replaces the held notes by a list of up to 32 note numbers as floats.
 //   byte_count    bytes of `notes`; those beyond 128 are ignored. Null or 0 does nothing
-void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance);
+void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance) noexcept;
 
 // The 32 note slots as floats; entries below 27 are free.
 //   byte_count    receives 128, or 0 without an instance; may be null
 //   returns       an array of the instance, valid until its end; null without an instance
-float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance);
+float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance) noexcept;
 
 // Stores whether the target curve is wanted. The equaliser runs in either case.
 //   returns       0; 1, with a line on standard output, for a curve other than 0
-int32_t vocoder_set_target_curve(int32_t curve, int32_t enabled, vocoder_instance* instance);
+int32_t vocoder_set_target_curve(int32_t curve, int32_t enabled, vocoder_instance* instance) noexcept;

@@ -105,17 +105,49 @@ TEST(Modes, OpenTheStereoImageWithAQuadraturePair) {
   EXPECT_LT(std::fabs(cross) / std::sqrt(left * right), 0.6);
 }
 
+// Largest step from sample to sample, of those that end in `first` to `end` - 1.
+float largest_step(const waveform& x, size_t first, size_t end) {
+  float result = 0.0F;
+  for (size_t i = first; i < end; ++i) result = std::max(result, std::fabs(x[i] - x[i - 1]));
+  return result;
+}
+
+// The tail of the old mode and the onset of the new one overlap, so that no step is larger than those of the louder
+// one.
 TEST(Modes, ChangeInMidStreamWithoutAJump) {
-  const instance_ptr instance = make_instance();
-  const waveform voice = vowel(4096, 900.0, 0.1);
-  const waveform carrier = noise(voice.size(), 0.3F);
-  for (int round = 0; round < 3; ++round) {
-    for (const int mode : all_modes) {
-      const stereo out = run(external_carrier_sound(static_cast<float>(mode)), voice, carrier, 480, instance.get());
-      EXPECT_TRUE(all_finite(out.left));
-      EXPECT_LT(peak(out.left), 2.0F) << mode;
+  constexpr size_t part = 8820;  // whole periods of the voice and the carrier
+  const waveform voice = vowel(part, 440.0, 0.1);
+  const waveform carrier = vowel(part, 330.0, 0.3);
+  for (const int apart : {1, 4, 7}) {
+    const instance_ptr instance = make_instance();
+    waveform out;
+    std::vector<float> steps;
+    int mode = 0;
+    for (size_t i = 0; i <= all_modes.size(); ++i, mode = (mode + apart) % 15) {
+      const sound_values sound = external_carrier_sound(static_cast<float>(mode));
+      const stereo result = run(sound, voice, carrier, 490, instance.get());
+      out.insert(out.end(), result.left.begin(), result.left.end());
+      steps.push_back(largest_step(out, i * part + part / 2, (i + 1) * part));
+      EXPECT_GT(steps.back(), 1e-4F) << mode;
+      if (i == 0) continue;
+      EXPECT_LT(largest_step(out, i * part, i * part + part / 2), 1.2F * std::max(steps[i - 1], steps[i])) << mode;
     }
   }
+}
+
+TEST(Modes, StartWithoutTheEnvelopesOfAnother) {
+  const auto end_of_release = [](float next_mode) {
+    const instance_ptr instance = make_instance();
+    sound_values sound = external_carrier_sound(2.0F);
+    sound[value_env_mix] = 1.0F;
+    sound[value_env_release] = 1.0F;
+    run(sound, vowel(8192, 900.0, 0.1), noise(8192, 0.3F), 512, instance.get());
+    run(sound, silence(1024), noise(1024, 0.3F), 512, instance.get());  // the voice has left the frame
+    sound[value_mode] = next_mode;
+    return peak(run(sound, silence(8192), noise(8192, 0.3F), 512, instance.get()).left, 3072);
+  };
+  EXPECT_GT(end_of_release(2.0F), 0.01F);
+  EXPECT_LT(end_of_release(4.0F), 1e-4F);
 }
 
 TEST(Modes, SurviveAnyValues) {
@@ -146,6 +178,73 @@ TEST(Modes, SurviveAnyValues) {
       }
       const stereo out = run(sound, noise(2048, 2.0F, seed), noise(2048, 2.0F, seed + 1), 700, instance.get());
       ASSERT_TRUE(all_finite(out.left) && all_finite(out.right)) << round;
+    }
+  }
+}
+
+// Plays a voice with `hot` samples in it and in its carrier, then on for somewhat more than a second: the shortest tail
+// of the reverb needs that long to fall by the 800 dB that a hot sample may be above the others.
+//   returns  the half second after that
+waveform after_hot_samples(const sound_values& sound, effect_switches effects, const waveform& hot,
+                           int32_t block = 490) {
+  static const waveform voice = vowel(2 * second, 900.0, 0.1);
+  static const waveform carrier = noise(2 * second, 0.3F);
+  waveform hot_voice = voice;
+  waveform hot_carrier = carrier;
+  std::copy(hot.begin(), hot.end(), hot_voice.begin() + 10000);
+  std::copy(hot.begin(), hot.end(), hot_carrier.begin() + 12000);
+  const instance_ptr instance = make_instance();
+  for (const int32_t note : {48, 55}) vocoder_note_on(note, 127, instance.get());
+  const stereo out = run(sound, hot_voice, hot_carrier, block, instance.get(), effects);
+  EXPECT_TRUE(all_finite(out.left) && all_finite(out.right));
+  return waveform(out.left.end() - second / 2, out.left.end());
+}
+
+sound_values sound_with_all_memories(int mode) {
+  sound_values sound = external_carrier_sound(static_cast<float>(mode));
+  sound[value_env_mix] = 0.5F;
+  sound[value_env_attack] = 0.02F;
+  sound[value_env_release] = 0.02F;
+  sound[value_env_average] = 0.05F;
+  sound[value_sibilance_on] = 1.0F;
+  sound[value_dry_modulator_gain] = 1.0F;
+  sound[value_reverb_level] = 0.5F;
+  sound[value_reverb_size] = 0.0F;  // a larger one keeps a hot sample for minutes, as long as it doesn't overflow
+  return sound;
+}
+
+TEST(HotSamples, LeaveEveryModeSoon) {
+  const std::pair<const char*, waveform> hot_samples[] = {
+      {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"many of 3e38", waveform(700, 3e38F)}};
+  for (const int mode : all_modes) {
+    const sound_values sound = sound_with_all_memories(mode);
+    const waveform expected = after_hot_samples(sound, {1, 1}, {});
+    for (const auto& [name, hot] : hot_samples) {
+      const waveform out = after_hot_samples(sound, {1, 1}, hot);
+      EXPECT_LT(largest_difference(out, expected), 0.01F * peak(expected)) << mode << ": " << name;
+    }
+  }
+}
+
+TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
+  sound_values sound = sound_with_all_memories(2);
+  sound[value_reverb_size] = 0.7F;
+  const waveform hot(700, 3e38F);
+  const waveform expected = after_hot_samples(sound, {1, 1}, hot);
+  for (const int32_t block : {1, 64, 4096}) EXPECT_EQ(after_hot_samples(sound, {1, 1}, hot, block), expected) << block;
+}
+
+TEST(HotSamples, LeaveTheOscillatorsThatFollowTheLevel) {
+  for (const float sampled : {0.0F, 1.0F}) {
+    sound_values sound = plain_sound(15.0F);  // the carrier alone
+    sound[value_sampled] = sampled;
+    sound[value_pitch_source1] = sound[value_pitch_source2] = 1.0F;
+    sound[value_pitch_depth1] = sound[value_pitch_depth2] = 0.01F;
+    const float expected = peak(after_hot_samples(sound, {}, {}));
+    ASSERT_GT(expected, 0.01F);
+    for (const float hot : {1e5F, 1e9F, 1e20F, -3e38F}) {
+      const float level = peak(after_hot_samples(sound, {}, waveform(30, hot)));
+      EXPECT_NEAR(level, expected, 0.3F * expected) << hot;
     }
   }
 }

@@ -1,4 +1,4 @@
-// MIT License. Counts what reaches the heap while blocks run.
+// MIT License. Counts what reaches the heap while blocks run, and makes it fail.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -10,10 +10,23 @@
 namespace {
 
 std::atomic<int64_t> allocations{0};
+std::atomic<int64_t> failing{-1};  // the number of the allocation that fails
 
-void* counted(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  void* const memory = std::malloc(size == 0 ? 1 : size);
+// Whether the allocation that is about to be made may succeed.
+bool counted() {
+  return allocations.fetch_add(1, std::memory_order_relaxed) != failing.load(std::memory_order_relaxed);
+}
+
+void* memory_or_null(std::size_t size) {
+  return counted() ? std::malloc(size == 0 ? 1 : size) : nullptr;
+}
+
+void* memory_or_null(std::size_t size, std::align_val_t alignment) {
+  const auto unit = static_cast<std::size_t>(alignment);
+  return counted() ? std::aligned_alloc(unit, (size + unit - 1) / unit * unit) : nullptr;
+}
+
+void* or_throw(void* memory) {
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
@@ -21,17 +34,22 @@ void* counted(std::size_t size) {
 }  // namespace
 
 void* operator new(std::size_t size) {
-  return counted(size);
+  return or_throw(memory_or_null(size));
 }
 void* operator new[](std::size_t size) {
-  return counted(size);
+  return or_throw(memory_or_null(size));
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  return or_throw(memory_or_null(size, alignment));
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  return std::malloc(size == 0 ? 1 : size);
+  return memory_or_null(size);
 }
-void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
-  return operator new(size, tag);
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return memory_or_null(size);
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  return memory_or_null(size, alignment);
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
@@ -43,6 +61,12 @@ void operator delete(void* memory, std::size_t) noexcept {
   std::free(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
   std::free(memory);
 }
 
@@ -71,5 +95,86 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
     }
   }
 }
+
+// Runs `use` with its allocation `number`, counted from 0, failing.
+//   returns  whether it came to that
+template <typename Use>
+bool with_failing_allocation(int64_t number, Use use) {
+  const int64_t doomed = allocations.load() + number;
+  failing.store(doomed);
+  use();
+  failing.store(-1);
+  return allocations.load() > doomed;
+}
+
+class ScarceMemory : public testing::TestWithParam<float> {
+ protected:
+  int32_t play(int32_t sound_number, int32_t frames) {
+    static constexpr uint8_t key[] = {1};
+    const float* const inputs[4] = {voice.data(), nullptr, nullptr, nullptr};
+    float* const outputs[2] = {left.data(), right.data()};
+    return vocoder_process_sound(0, 1, 1, sound_number, key, frames, inputs, outputs, instance.get());
+  }
+  void start() {
+    instance = make_instance(GetParam());
+    vocoder_note_on(48, 127, instance.get());
+    for (int block = 0; block < 4; ++block) ASSERT_EQ(play(1, 512), 0);
+  }
+
+  waveform voice = noise(4096, 0.3F);
+  waveform left = silence(4096);
+  waveform right = silence(4096);
+  instance_ptr instance;
+};
+
+TEST_P(ScarceMemory, IsRefusedAtTheStartWithoutAnException) {
+  int64_t number = 0;
+  const auto begin = [&] {
+    instance = make_instance(GetParam());
+    play(1, 512);
+  };
+  for (; with_failing_allocation(number, begin); ++number) {
+    if (number == 0) {
+      EXPECT_EQ(instance, nullptr);
+      continue;
+    }
+    vocoder_note_on(48, 127, instance.get());
+    for (int block = 0; block < 4; ++block) EXPECT_EQ(play(1, 512), 0) << number;
+    EXPECT_GT(peak(left), 0.001F) << number;
+    EXPECT_TRUE(all_finite(left) && all_finite(right)) << number;
+  }
+  EXPECT_GT(number, 6);  // the instance, the sound, the buffers
+}
+
+TEST_P(ScarceMemory, LeavesTheSoundThatPlays) {
+  start();
+  play(1, 512);
+  const waveform steady = left;
+  start();
+  EXPECT_TRUE(with_failing_allocation(0, [&] { EXPECT_EQ(play(3, 512), 1); }));
+  EXPECT_EQ(left, steady);
+  for (int block = 0; block < 4; ++block) EXPECT_EQ(play(3, 512), 0);
+  const waveform changed = left;
+  start();
+  for (int block = 0; block < 5; ++block) play(1, 512);
+  EXPECT_NE(left, changed);
+}
+
+TEST_P(ScarceMemory, RefusesALongerBlockAndWritesNothing) {
+  const waveform untouched(4096, 9.0F);
+  int32_t answer = 1;
+  for (int64_t number = 0; answer == 1; ++number) {
+    start();
+    left = right = untouched;
+    const bool failed = with_failing_allocation(number, [&] { answer = play(1, 4096); });
+    EXPECT_EQ(answer, failed ? 1 : 0) << number;
+    EXPECT_EQ(left == untouched && right == untouched, failed) << number;
+    EXPECT_EQ(play(1, 4096), 0) << number;
+    EXPECT_GT(peak(left), 0.001F) << number;
+    EXPECT_LT(peak(left), 9.0F) << number;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rate, ScarceMemory, testing::Values(44100.0F, 48000.0F));
 
 }  // namespace

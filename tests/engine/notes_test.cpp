@@ -135,6 +135,19 @@ TEST_F(Notes, AllOffReleasesAndCentresTheBend) {
   EXPECT_EQ(slots_in_use(), 1);
 }
 
+// After all-off the mirror is empty while the slots keep their numbers, so a refresh would show.
+TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
+  notes_on(60, &state);
+  notes_all_off(&state);
+  for (const int32_t note : {26, 109}) {
+    notes_on(note, &state);
+    notes_off(note, &state);
+    EXPECT_EQ(state.note_mirror[0], 0.0F) << note;
+  }
+  notes_off(61, &state);
+  EXPECT_EQ(state.note_mirror[0], 60.0F);
+}
+
 TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
   state.synth.cutoff_target = 0.1F;
   const float before = state.synth.cutoff_now;

@@ -142,6 +142,24 @@ TEST(Reverb, EqualsTheLoopOverItsTapsBitForBitAtAnySize) {
   }
 }
 
+TEST(Reverb, IsAsGoodAsNewOnceItHasRecoveredFromAnOverflow) {
+  const reverb_ptr spoilt = fresh_reverb(0.5F, 0.3F);
+  const reverb_ptr clean = fresh_reverb(0.5F, 0.3F);
+  const waveform voice = noise(20000, 0.5F);
+  tail_of(waveform(20000, 3e38F), waveform(20000, -3e38F), spoilt.get());
+  EXPECT_EQ(peak(tail_of(voice, voice, spoilt.get()).left), 0.0F);
+  EXPECT_EQ(spoilt->overflowed, 1);
+  tail_of(silence(40000), silence(40000), clean.get());
+  reverb_recover(spoilt.get());
+  const stereo expected = tail_of(voice, voice, clean.get());
+  EXPECT_EQ(tail_of(voice, voice, spoilt.get()).left, expected.left);
+  EXPECT_GT(peak(expected.left), 0.01F);
+
+  const reverb_state::ring before = clean->left;
+  reverb_recover(clean.get());
+  EXPECT_EQ(clean->left, before);  // without an overflow the tail stays
+}
+
 TEST(Reverb, HasItsTapsInsideItsRing) {
   EXPECT_EQ(fresh_reverb(1.0F, 0.0F)->limit, 421);
   EXPECT_EQ(fresh_reverb(1.0F, 1.0F)->limit, 22421);

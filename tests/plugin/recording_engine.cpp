@@ -18,19 +18,19 @@ void record(const std::string& call) {
 
 }  // namespace
 
-vocoder_instance* vocoder_create(float sample_rate) {
+vocoder_instance* vocoder_create(float sample_rate) noexcept {
   record("create " + std::to_string(static_cast<int>(sample_rate)));
   return new vocoder_instance;
 }
 
-void vocoder_destroy(vocoder_instance* instance) {
+void vocoder_destroy(vocoder_instance* instance) noexcept {
   record("destroy");
   delete instance;
 }
 
 int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_on, int32_t sound_number,
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
-                              float* const* outputs, vocoder_instance* instance) {
+                              float* const* outputs, vocoder_instance* instance) noexcept {
   if (recording.running) {
     recording.calls.emplace_back("process");
     const std::string key = sound_key == nullptr ? "" : reinterpret_cast<const char*>(sound_key);
@@ -44,10 +44,10 @@ int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_o
   return 0;
 }
 
-void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance*) {
+void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance*) noexcept {
   if (recording.running) record("on " + std::to_string(note) + " " + std::to_string(velocity));
 }
 
-void vocoder_note_off(int32_t note, int32_t velocity, vocoder_instance*) {
+void vocoder_note_off(int32_t note, int32_t velocity, vocoder_instance*) noexcept {
   if (recording.running) record("off " + std::to_string(note) + " " + std::to_string(velocity));
 }
