@@ -64,7 +64,7 @@ wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format forma
   info.samplerate = rate_hz;
   info.channels = 2;
   info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
-  file_.reset(sf_open(partial_.path().c_str(), SFM_WRITE, &info));
+  file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
@@ -85,7 +85,6 @@ void wav_writer::write(const float* left, const float* right, int count) {
 }
 
 void wav_writer::finish() {
-  sf_write_sync(file_.get());
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
   for (const int error : {unsaid, unclosed}) {
