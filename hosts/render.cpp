@@ -202,7 +202,6 @@ render_report render(const render_options& options) {
   const program in_use = prepare(options, &host);
   const sound& chosen = sound_of(in_use);
 
-  note_interruptions();
   const auto began = std::chrono::steady_clock::now();
   rendering run(options, in_use, &voice, &host);
   if (!run.run()) throw no_output_from(chosen, options.plugin);
