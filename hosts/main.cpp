@@ -14,6 +14,7 @@
 #include "hosts/render.h"
 #include "hosts/sounds.h"
 #include "hosts/text.h"
+#include "hosts/timeline.h"
 
 constexpr int status_not_done = 2;
 
@@ -28,7 +29,7 @@ static void print(const std::string& text) {
 
 // What is done without a voice: the state is prepared, and shown when asked for.
 static void run_silently(const render_options& options) {
-  effect_host host(options.plugin, 44100, options.block, 1);
+  effect_host host(options.plugin, core_rate_hz, options.block, 1);
   prepare(options, &host);
   if (options.list_programs) {
     print(program_table(host));
@@ -53,8 +54,8 @@ static void run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
   try {
-    run(argc, argv);
     survive_file_size_limit();
+    run(argc, argv);
     return 0;
   } catch (const interrupted& end) {
     end_by_signal(end.signal_number);
