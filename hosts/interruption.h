@@ -11,8 +11,8 @@ struct interrupted : std::runtime_error {
 };
 
 // Holds back the signals that ask a program to end (SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU) while it lives, and from
-// then on they are only noted, whatever handlers were installed meanwhile. A signal that is ignored from
-// the start, as nohup has it, stays ignored. The effect is made under one, as it installs handlers of its own.
+// then on they are only noted, whatever handlers were installed meanwhile. A signal that is ignored from the start, as
+// nohup has it, stays ignored. The effect is made under one, as it installs handlers of its own.
 class interruption_guard {
  public:
   interruption_guard();
