@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <system_error>
 
 #include "hosts/failure.h"
@@ -18,20 +21,53 @@ static std::string system_text(int error) {
   return std::generic_category().message(error);
 }
 
+static std::string called(const std::string& path) {
+  return "voice '" + path + "'";
+}
+
+// Sizes of a WAV file's samples in bytes: as its header has it, and as they are.
+struct wav_size {
+  int64_t promised = 0;
+  int64_t present = 0;
+};
+
+// Zeros for other files, and for recordings of unknown length: who writes a WAV file into a pipe cannot come back to
+// the header, and puts a size there that is next to the largest of 31 or 32 bits.
+static wav_size wav_samples_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::array<unsigned char, 12> head{};
+  const auto read = [&](std::size_t count) {
+    return !!file.read(reinterpret_cast<char*>(head.data()), static_cast<std::streamsize>(count));
+  };
+  const auto has = [&](std::size_t at, const char* tag) { return std::memcmp(head.data() + at, tag, 4) == 0; };
+  if (!read(12) || !has(0, "RIFF") || !has(8, "WAVE")) return {};
+  while (read(8)) {
+    const int64_t size = head[4] | head[5] << 8 | head[6] << 16 | int64_t{head[7]} << 24;
+    if (!has(0, "data")) {
+      file.seekg(size + size % 2, std::ios::cur);  // chunks begin at even places
+      continue;
+    }
+    const bool is_unknown = (size >= 0x7ffff000 && size <= 0x80000000) || size >= 0xfffff000;
+    const auto begin = static_cast<int64_t>(file.tellg());
+    return is_unknown ? wav_size{} : wav_size{size, static_cast<int64_t>(fs::file_size(path)) - begin};
+  }
+  return {};
+}
+
 static void check_voice_place(const std::string& path) {
   std::error_code error;
   const auto status = fs::status(path, error);
-  if (status.type() == fs::file_type::not_found) throw failure("voice '" + path + "' doesn't exist");
-  if (error) throw failure("voice '" + path + "' cannot be read: " + error.message());
-  if (!fs::is_regular_file(status)) throw failure("voice '" + path + "' is no regular file");
-  if (access(path.c_str(), R_OK) != 0) throw failure("voice '" + path + "' cannot be read: " + system_text(errno));
-  if (fs::file_size(path, error) == 0) throw failure("voice '" + path + "' is empty");
+  if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
+  if (error) throw failure(called(path) + " cannot be read: " + error.message());
+  if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
+  if (access(path.c_str(), R_OK) != 0) throw failure(called(path) + " cannot be read: " + system_text(errno));
+  if (fs::file_size(path, error) == 0) throw failure(called(path) + " is empty");
 }
 
 voice_reader::voice_reader(const std::string& path) : path_(path) {
   check_voice_place(path);
   file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
-  const std::string name = "voice '" + path + "'";
+  const std::string name = called(path);
   if (!file_) throw failure(name + " is no sound file that can be read: " + sf_strerror(nullptr));
   if (info_.channels > 2) {
     throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
@@ -41,21 +77,28 @@ voice_reader::voice_reader(const std::string& path) : path_(path) {
                   std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
   }
   if (info_.frames <= 0) throw failure(name + " has no samples");
+  if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
+    const double present = static_cast<double>(info_.frames) / info_.samplerate;
+    const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
+    char seconds[96];
+    std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
+    complaint_ = name + " is cut short: " + seconds;
+  }
 }
 
-int64_t voice_reader::read(float* const* channels, int count) {
+void voice_reader::read(std::array<float*, 2> channels, int count) {
   const auto stride = static_cast<std::size_t>(info_.channels);
-  interleaved_.assign(static_cast<std::size_t>(count) * stride, 0.0F);
-  const sf_count_t got = sf_readf_float(file_.get(), interleaved_.data(), count);
-  if (got < count && sf_error(file_.get()) != SF_ERR_NO_ERROR) {
-    throw failure("voice '" + path_ + "' cannot be read to its end: " + sf_strerror(file_.get()));
+  interleaved_.resize(static_cast<std::size_t>(count) * stride);
+  if (sf_readf_float(file_.get(), interleaved_.data(), count) < count) {
+    const bool is_known = sf_error(file_.get()) != SF_ERR_NO_ERROR;
+    throw failure(called(path_) + (is_known ? std::string(" cannot be read to its end: ") + sf_strerror(file_.get())
+                                            : " breaks off before its end"));
   }
   for (std::size_t channel = 0; channel < stride; ++channel) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
       channels[channel][i] = interleaved_[i * stride + channel];
     }
   }
-  return got;
 }
 
 wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format)
@@ -64,7 +107,7 @@ wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format forma
   info.samplerate = rate_hz;
   info.channels = 2;
   info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
-  file_.reset(sf_open(partial_.path().c_str(), SFM_WRITE, &info));
+  file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
@@ -85,7 +128,6 @@ void wav_writer::write(const float* left, const float* right, int count) {
 }
 
 void wav_writer::finish() {
-  sf_write_sync(file_.get());
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
   for (const int error : {unsaid, unclosed}) {

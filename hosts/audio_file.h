@@ -3,6 +3,7 @@
 
 #include <sndfile.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -26,16 +27,19 @@ class voice_reader {
   int rate_hz() const { return info_.samplerate; }
   int64_t frames() const { return info_.frames; }
 
-  // Reads the next `count` samples of each channel; what lies behind the end is 0.
-  //   shapes    channels[this->channels()][count]
-  //   returns   samples read, below `count` at the end only
+  // For a WAV file that is shorter than its header says, how much of it is missing; else empty.
+  const std::string& complaint() const { return complaint_; }
+
+  // Reads the next `count` samples of each channel, which have to be there.
+  //   shapes    channels[2][count]; of a mono voice the second is left alone
   //   throws    failure when the file breaks off
-  int64_t read(float* const* channels, int count);
+  void read(std::array<float*, 2> channels, int count);
 
  private:
   std::string path_;
   SF_INFO info_{};
   sound_file file_;
+  std::string complaint_;
   std::vector<float> interleaved_;
 };
 

@@ -2,6 +2,7 @@
 #include "hosts/effect_host.h"
 
 #include "hosts/failure.h"
+#include "hosts/interruption.h"
 #include "hosts/plugin_module.h"
 
 constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
@@ -22,8 +23,13 @@ static VstInt32 state_index(image_kind kind) {
   return kind == image_kind::bank ? 0 : 1;
 }
 
+static AEffect* start_effect(const std::string& plugin) {
+  const interruption_guard guard;
+  return load_plugin(plugin)(answer);
+}
+
 effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
-    : effect_(load_plugin(plugin)(answer)) {
+    : effect_(start_effect(plugin)) {
   if (effect_ == nullptr) throw failure("the plug-in refuses to start");
   if (effect_->magic != kEffectMagic) throw failure("what the plug-in starts is no VST 2.4 effect");
   dispatch(effOpen);

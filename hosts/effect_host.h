@@ -10,7 +10,8 @@
 class effect_host {
  public:
   // Loads the module at `plugin` (see load_plugin), opens its effect for `input_channels` (1 or 2) at `rate_hz` and
-  // shakes hands with it. Throws failure when it refuses, or is another plug-in.
+  // shakes hands with it. From then on signals that ask the program to end are noted, see interruption_guard. Throws
+  // failure when it refuses, or is another plug-in.
   effect_host(const std::string& plugin, int rate_hz, int block, int input_channels);
   ~effect_host();
   effect_host(const effect_host&) = delete;

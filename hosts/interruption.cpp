@@ -1,10 +1,11 @@
 // MIT License. Ending in good order when a signal asks for it.
 #include "hosts/interruption.h"
 
-#include <csignal>
 #include <cstdlib>
 
-static volatile std::sig_atomic_t noted_signal = 0;
+constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
+
+static volatile sig_atomic_t noted_signal = 0;
 
 extern "C" {
 static void note_signal(int number) {
@@ -12,10 +13,31 @@ static void note_signal(int number) {
 }
 }
 
-void note_interruptions() {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-    if (std::signal(number, note_signal) == SIG_IGN) std::signal(number, SIG_IGN);
+interruption_guard::interruption_guard() {
+  sigset_t held;
+  sigemptyset(&held);
+  sigemptyset(&ignored_);
+  for (const int number : ending_signals) {
+    sigaddset(&held, number);
+    struct sigaction present {};
+    sigaction(number, nullptr, &present);
+    if (present.sa_handler == SIG_IGN) sigaddset(&ignored_, number);
   }
+  pthread_sigmask(SIG_BLOCK, &held, &former_mask_);
+}
+
+interruption_guard::~interruption_guard() {
+  for (const int number : ending_signals) {
+    struct sigaction noting {};
+    noting.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : note_signal;
+    noting.sa_flags = SA_RESTART;
+    sigaction(number, &noting, nullptr);
+  }
+  pthread_sigmask(SIG_SETMASK, &former_mask_, nullptr);
+}
+
+void survive_file_size_limit() {
+  signal(SIGXFSZ, SIG_IGN);
 }
 
 void check_interruption() {
@@ -23,7 +45,7 @@ void check_interruption() {
 }
 
 void end_by_signal(int signal_number) {
-  std::signal(signal_number, SIG_DFL);
-  std::raise(signal_number);
+  signal(signal_number, SIG_DFL);
+  raise(signal_number);
   std::_Exit(128 + signal_number);
 }

@@ -1,6 +1,8 @@
 // MIT License. Ending in good order when a signal asks for it.
 #pragma once
 
+#include <signal.h>
+
 #include <stdexcept>
 
 struct interrupted : std::runtime_error {
@@ -8,9 +10,23 @@ struct interrupted : std::runtime_error {
   int signal_number;
 };
 
-// From now on SIGINT, SIGTERM and SIGHUP are only noted. A signal that the parent process told us to ignore stays
-// ignored. To be called after the effect is made, as that installs a handler of its own.
-void note_interruptions();
+// Holds back the signals that ask a program to end (SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU) while it lives, and from
+// then on they are only noted, whatever handlers were installed meanwhile. A signal that is ignored from the start, as
+// nohup has it, stays ignored. The effect is made under one, as it installs handlers of its own.
+class interruption_guard {
+ public:
+  interruption_guard();
+  ~interruption_guard();
+  interruption_guard(const interruption_guard&) = delete;
+  interruption_guard& operator=(const interruption_guard&) = delete;
+
+ private:
+  sigset_t former_mask_{};
+  sigset_t ignored_{};
+};
+
+// Makes writing beyond the limit on a file's size fail like writing to a full disk, no longer end the process.
+void survive_file_size_limit();
 
 // Throws interrupted if a signal has been noted.
 void check_interruption();

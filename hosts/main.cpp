@@ -1,9 +1,12 @@
 // MIT License. kesrel-render: sends a sound file through the vocoder, off line.
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <system_error>
 
 #include "hosts/effect_host.h"
+#include "hosts/failure.h"
 #include "hosts/interruption.h"
 #include "hosts/options.h"
 #include "hosts/preparation.h"
@@ -11,35 +14,47 @@
 #include "hosts/render.h"
 #include "hosts/sounds.h"
 #include "hosts/text.h"
+#include "hosts/timeline.h"
 
 constexpr int status_not_done = 2;
 
+// Throws failure for what doesn't arrive, and interrupted when that is because nobody reads any more.
+static void print(const std::string& text) {
+  errno = 0;
+  if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+  const int error = errno;
+  check_interruption();
+  throw failure("standard output cannot be written: " + std::generic_category().message(error));
+}
+
 // What is done without a voice: the state is prepared, and shown when asked for.
 static void run_silently(const render_options& options) {
-  effect_host host(options.plugin, 44100, options.block, 1);
+  effect_host host(options.plugin, core_rate_hz, options.block, 1);
   prepare(options, &host);
   if (options.list_programs) {
-    std::fputs(program_table(host).c_str(), stdout);
+    print(program_table(host));
   } else if (!options.quiet) {
-    std::puts(on_one_line(*options.save_state + ": saved").c_str());
+    print(on_one_line(*options.save_state + ": saved") + "\n");
   }
 }
 
 static void run(int argc, const char* const* argv) {
   render_options options;
-  if (read_command_line(argc, argv, &options) == command_line::done) return;
-  if (options.list_sounds) {
-    std::fputs(table_of(known_sounds()).c_str(), stdout);
+  if (read_command_line(argc, argv, &options) == command_line::done) {
+    print("");  // what is printed already
+  } else if (options.list_sounds) {
+    print(table_of(known_sounds()));
   } else if (options.list_programs || options.voice.empty()) {
     run_silently(options);
   } else {
     const auto report = render(options);
-    if (!options.quiet) std::puts(on_one_line(closing_line(options, report)).c_str());
+    if (!options.quiet) print(on_one_line(closing_line(options, report)) + "\n");
   }
 }
 
 int main(int argc, char** argv) {
   try {
+    survive_file_size_limit();
     run(argc, argv);
     return 0;
   } catch (const interrupted& end) {

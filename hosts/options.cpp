@@ -5,19 +5,27 @@
 
 #include <CLI/CLI.hpp>
 
+#include "hosts/audio_file.h"
 #include "hosts/failure.h"
 
-static const char* const closing_words =
-    R"(VOICE may be any sound file that libsndfile reads, at any rate, mono or stereo; of a stereo file the effect hears
-the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
+static std::string closing_words() {
+  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +
+         std::to_string(highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
+hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
 1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
+
+The effect works at 44100 Hz, and voices of other rates are converted before and after it. With --module-rate native it
+runs at the rate of VOICE and converts block by block by itself, as in any host: highs are lost, and in most blocks the
+pitch is off.
 
 The options on the effect's state are carried out in this order, whatever order they come in: --load-state, --program,
 then --sound, the switches and --keys, then --save-state. Without any of them the effect's first program is in use.
 --sound alone makes a fresh program: keys 12,16,19 and all switches off. After --load-state or --program it replaces
 the sound of that program, as the switches and --keys replace theirs, and the rest stays.
 
-Exit status: 0 done, 2 not done, with the reason on standard error and no unfinished file left.)";
+Exit status: 0 done, 2 not done, with the reason on standard error. SIGHUP, SIGINT, SIGPIPE, SIGTERM and SIGXCPU end the
+program by that same signal, which a shell reports as 128 and its number: 130 for Ctrl-C. No unfinished file is left.)";
+}
 
 // CLI11 asks a check for the text of its complaint; an empty one means that all is well.
 static std::string complaint_about_block(const std::string& text) {
@@ -27,6 +35,10 @@ static std::string complaint_about_block(const std::string& text) {
   if (is_number && block >= smallest_block && block <= largest_block) return {};
   return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
          " samples, which '" + text + "' isn't";
+}
+
+static std::string complaint_about_rate(const std::string& text) {
+  return text == "44100" || text == "native" ? "" : "the effect runs at 44100 or native, not at '" + text + "'";
 }
 
 static void declare_switch(const std::string& name, const char* on_help, const char* off_help,
@@ -42,7 +54,7 @@ static void declare_switch(const std::string& name, const char* on_help, const c
 static void declare(CLI::App* app, render_options* options) {
   app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
-  app->footer(closing_words);
+  app->footer(closing_words());
   app->add_option("VOICE", options->voice, "Sound file with the voice");
   app->add_option("OUT", options->output, "WAV file to write");
   app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
@@ -65,6 +77,11 @@ static void declare(CLI::App* app, render_options* options) {
   app->add_option("--block", options->block, "Samples per call of the effect, default 512")
       ->type_name("N")
       ->check(CLI::Validator(complaint_about_block, ""));
+  app->add_option_function<std::string>(
+         "--module-rate", [options](const std::string& rate) { options->native_rate = rate == "native"; },
+         "Rate that the effect runs at: 44100, which is the default, or native, the rate of VOICE")
+      ->type_name("44100|native")
+      ->check(CLI::Validator(complaint_about_rate, ""));
   app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
   app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
   app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");

@@ -21,6 +21,7 @@ struct render_options {
   std::optional<bool> octave;
   std::optional<std::string> save_state;  // file to write
   int block = 512;                        // samples per channel and call
+  bool native_rate = false;               // run the effect at the voice's rate, no longer at 44100 Hz
   bool compensate = false;                // drop the latency and the tail
   bool float_samples = false;
   bool list_sounds = false;

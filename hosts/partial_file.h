@@ -3,8 +3,10 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
-// Until it is finished it grows beside its place, in a file that vanishes with this object.
+// Until it is finished it grows beside its place, in a file that vanishes with this object. It takes over the
+// permissions of the file that it replaces, and its owner as far as the system allows.
 class partial_file {
  public:
   // Creates the growing file.
@@ -15,16 +17,20 @@ class partial_file {
   partial_file(const partial_file&) = delete;
   partial_file& operator=(const partial_file&) = delete;
 
-  // The growing file, empty at first.
-  const std::filesystem::path& path() const { return partial_; }
+  // The growing file, empty at first, for reading and writing. It stays this object's to close.
+  int descriptor() const { return descriptor_; }
 
-  // Gives the file, which nobody writes to any more, its name. Throws failure.
+  // Appends `bytes`. Throws failure.
+  void write(std::string_view bytes);
+
+  // Gives the file, when all of it is on the disk, its name. Throws failure.
   void finish();
 
  private:
   std::string what_;
   std::filesystem::path target_;  // where links lead to
   std::filesystem::path partial_;
+  int descriptor_ = -1;
 };
 
 // Throws failure when `path` is there and no regular file, or is the very file `other`, by whatever name. An empty

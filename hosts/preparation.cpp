@@ -1,6 +1,7 @@
 // MIT License. Brings an effect to the program that the command line asks for.
 #include "hosts/preparation.h"
 
+#include "hosts/interruption.h"
 #include "hosts/keys.h"
 #include "hosts/partial_file.h"
 #include "hosts/programs.h"
@@ -43,6 +44,7 @@ program prepare(const render_options& options, effect_host* host) {
   const program in_use = program_in_use(*host);
   program asked = asked_for(options, in_use);
   if (asked != in_use) use_program(asked, host);
+  check_interruption();
   if (options.save_state) save_state(*options.save_state, *host);
   return asked;
 }

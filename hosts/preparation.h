@@ -7,5 +7,5 @@
 
 // Carries out, in this order, what `options` say of state, program, sound, switches and keys, and saves the state.
 //   returns   the program that is in use then
-//   throws    failure for what cannot be carried out
+//   throws    failure for what cannot be carried out, and interrupted
 program prepare(const render_options& options, effect_host* host);

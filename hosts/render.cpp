@@ -10,17 +10,19 @@
 #include <vector>
 
 #include "hosts/audio_file.h"
+#include "hosts/delivery.h"
 #include "hosts/effect_host.h"
 #include "hosts/failure.h"
 #include "hosts/finding.h"
 #include "hosts/interruption.h"
-#include "hosts/meters.h"
 #include "hosts/partial_file.h"
 #include "hosts/preparation.h"
 #include "hosts/programs.h"
 #include "hosts/progress.h"
 #include "hosts/sounds.h"
+#include "hosts/text.h"
 #include "hosts/timeline.h"
+#include "hosts/voice_feed.h"
 
 namespace {
 
@@ -65,17 +67,25 @@ bool yields_output(const sound& candidate, effect_host* host) {
 }
 
 failure no_output_from(const sound& chosen, const std::string& plugin) {
-  effect_host host(plugin, 44100, 64, 1);
+  effect_host host(plugin, core_rate_hz, 64, 1);
   std::vector<int> possible;
   for (const auto& candidate : known_sounds()) {
-    host.set_rate(44100);  // the new engine holds no sound, so that no earlier one answers for the candidate
+    host.set_rate(core_rate_hz);  // the new engine holds no sound, so that no earlier one answers for the candidate
     if (yields_output(candidate, &host)) possible.push_back(candidate.number);
   }
   return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name +
                  "' yields no output, as the engine has no values for it: sounds with output are " + runs_of(possible));
 }
 
-// One rendering, from the set-up effect to the finished file.
+int rate_of_effect(const render_options& options, const voice_reader& voice) {
+  return options.native_rate ? voice.rate_hz() : core_rate_hz;
+}
+
+int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
+  return std::llround(static_cast<double>(samples) * to_hz / from_hz);
+}
+
+// One rendering, from the set-up effect to the finished file. Positions are in samples of the effect's rate.
 class rendering {
  public:
   rendering(const render_options& options, const program& in_use, voice_reader* voice, effect_host* host)
@@ -83,83 +93,75 @@ class rendering {
         program_(in_use),
         voice_(*voice),
         host_(*host),
-        plan_(timeline_of(voice->frames(), voice->rate_hz(), options.block, options.compensate, in_use.reverb)),
+        rate_hz_(rate_of_effect(options, *voice)),
+        plan_(timeline_of(at_rate(voice->frames(), voice->rate_hz(), rate_hz_), rate_hz_, options.block,
+                          options.compensate, in_use.reverb)),
         input_(options.block),
         output_(options.block),
-        meters_(voice->rate_hz()),
         writer_(options.output, voice->rate_hz(),
-                options.float_samples ? sample_format::float_32 : sample_format::pcm_24) {}
+                options.float_samples ? sample_format::float_32 : sample_format::pcm_24),
+        feed_(voice, run_in_of_file(), rate_hz_),
+        delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {}
 
   // False when the effect writes nothing.
   bool run() {
-    progress_bar progress(plan_.end - plan_.run_in, !options_.quiet);
+    const int64_t length = plan_.end + delivery_.reach() - plan_.run_in;
+    progress_bar progress(length, !options_.quiet);
     host_.start();
-    for (position_ = plan_.run_in; position_ < plan_.end; position_ += options_.block) {
+    for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += options_.block) {
       check_interruption();
       if (position_ >= plan_.keys_up) let_go_of_keys();
-      fill_input();
+      feed_.next(input_.channels(), options_.block);
       output_.fill(k_unwritten);
       host_.process(input_.channels(), output_.channels(), options_.block);
       if (output_.holds_only(k_unwritten)) return false;
       deliver_output();
       progress.show(position_ - plan_.run_in);
     }
+    delivery_.finish(end_of_file());
     writer_.finish();
     return true;
   }
 
   render_report report(double elapsed_seconds) const {
+    const auto& measured = delivery_.measured();
     render_report result;
-    result.seconds = static_cast<double>(plan_.end - plan_.start) / voice_.rate_hz();
-    result.peak = static_cast<double>(meters_.peak());
-    result.lufs = meters_.loudness_lufs();
+    result.seconds = static_cast<double>(end_of_file()) / voice_.rate_hz();
+    result.peak = static_cast<double>(measured.peak());
+    result.lufs = measured.loudness_lufs();
     result.times_real_time = result.seconds / elapsed_seconds;
-    result.samples_above_full_scale = meters_.samples_above_full_scale();
+    result.samples_above_full_scale = measured.samples_above_full_scale();
     return result;
   }
 
  private:
+  int64_t run_in_of_file() const { return at_rate(-plan_.run_in, rate_hz_, voice_.rate_hz()); }
+  int64_t end_of_file() const {
+    return options_.compensate ? voice_.frames() : at_rate(plan_.end - plan_.start, rate_hz_, voice_.rate_hz());
+  }
+
   void let_go_of_keys() {
     if (program_.keys.empty()) return;
     program_.keys.clear();
     use_program(program_, &host_);
   }
 
-  // The next block: silence before and behind the voice. A mono voice stands in both channels, for an effect that reads
-  // the second in spite of the arrangement.
-  void fill_input() {
-    input_.fill(0.0F);
-    const int64_t lead = std::max<int64_t>(0, -position_);
-    const int64_t wanted = std::min(options_.block - lead, voice_.frames() - position_ - lead);
-    if (wanted <= 0) return;
-    float* const left = input_.channels()[0] + lead;
-    float* const right = input_.channels()[1] + lead;
-    float* const channels[2] = {left, right};
-    if (voice_.read(channels, static_cast<int>(wanted)) < wanted) {
-      throw failure("voice '" + options_.voice + "' breaks off before its end");
-    }
-    if (voice_.channels() == 1) std::copy_n(left, wanted, right);
-  }
-
-  // Writes and measures what of the block lies within the timeline.
+  // Leaves out the latency at the very head and not behind the run-in: it is a whole number of samples here, and what
+  // follows it is on the voice's grid after the conversion too.
   void deliver_output() {
-    const int64_t first = std::max(int64_t{0}, plan_.start - position_);
     lengthen_tail();
-    const int64_t last = std::min<int64_t>(options_.block, plan_.end - position_);
-    if (last <= first) return;
-    const float* left = output_.channels()[0] + first;
-    const float* right = output_.channels()[1] + first;
-    writer_.write(left, right, static_cast<int>(last - first));
-    meters_.add(left, right, static_cast<int>(last - first));
+    const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, options_.block);
+    delivery_.add(output_.channels()[0] + left_out, output_.channels()[1] + left_out,
+                  static_cast<int>(options_.block - left_out), end_of_file());
   }
 
   // Moves the end on while a tail is audible.
   void lengthen_tail() {
-    if (position_ < plan_.keys_up || plan_.end >= plan_.longest_end) return;
+    if (position_ < plan_.keys_up || position_ >= plan_.end || plan_.end >= plan_.longest_end) return;
     for (int i = 0; i < options_.block; ++i) {
       const float magnitude = std::max(std::abs(output_.channels()[0][i]), std::abs(output_.channels()[1][i]));
       if (magnitude <= k_inaudible) continue;
-      const auto quiet_from = position_ + i + static_cast<int64_t>(k_quiet_seconds * voice_.rate_hz());
+      const auto quiet_from = position_ + i + static_cast<int64_t>(k_quiet_seconds * rate_hz_);
       plan_.end = std::clamp(quiet_from, plan_.end, plan_.longest_end);
     }
   }
@@ -168,20 +170,27 @@ class rendering {
   program program_;  // in use
   voice_reader& voice_;
   effect_host& host_;
+  int rate_hz_;  // the effect's
   timeline plan_;
   stereo_block input_;
   stereo_block output_;
-  meters meters_;
   wav_writer writer_;
+  voice_feed feed_;
+  delivery delivery_;
   int64_t position_ = 0;
 };
 
 // Checks that come from the rate, which only the voice tells.
 void check_block(const render_options& options, const voice_reader& voice) {
-  const int shortest = shortest_block(voice.rate_hz());
+  const int rate_hz = rate_of_effect(options, voice);
+  const int shortest = shortest_block(rate_hz);
   if (options.block >= shortest) return;
-  throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(voice.rate_hz()) +
+  throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(rate_hz) +
                 " Hz: at least " + std::to_string(shortest));
+}
+
+void warn(const std::string& text) {
+  std::fprintf(stderr, "kesrel-render: warning: %s\n", on_one_line(text).c_str());
 }
 
 std::string in_db(double value) {
@@ -198,11 +207,12 @@ render_report render(const render_options& options) {
   check_place("output '" + options.output + "'", options.output, "voice", options.voice);
   check_block(options, voice);
 
-  effect_host host(options.plugin, voice.rate_hz(), options.block, voice.channels());
+  if (!voice.complaint().empty()) warn(voice.complaint());
+
+  effect_host host(options.plugin, rate_of_effect(options, voice), options.block, voice.channels());
   const program in_use = prepare(options, &host);
   const sound& chosen = sound_of(in_use);
 
-  note_interruptions();
   const auto began = std::chrono::steady_clock::now();
   rendering run(options, in_use, &voice, &host);
   if (!run.run()) throw no_output_from(chosen, options.plugin);

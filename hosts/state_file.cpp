@@ -52,9 +52,6 @@ void save_state(const std::string& path, const effect_host& host) {
   const bool single = lower_case(fs::path(path).extension().string()) == ".fxp";
   const std::string image = host.state(single ? image_kind::single_program : image_kind::bank);
   partial_file partial(called(path), path);
-  std::ofstream file(partial.path(), std::ios::binary);
-  file << image;
-  file.close();
-  if (!file) throw failure(called(path) + " cannot be written");
+  partial.write(image);
   partial.finish();
 }

@@ -2,12 +2,13 @@
 #include "hosts/timeline.h"
 
 #include <cmath>
+#include <limits>
 
-constexpr int core_rate_hz = 44100;
 constexpr int core_latency_samples = 1024;
 
 // The synthesizer's filter opens from nothing, with a time constant of 68 ms, and once more by a step per block. After
-// a second the first syllable is as clear as all others, and blocks of any length sound alike.
+// a second the first syllable is as clear as all others, and blocks of any length sound alike. Whole seconds are whole
+// samples at every rate, which keeps converted streams aligned.
 constexpr double run_in_seconds = 1.0;
 // How long the chord stays after the last word, for the envelopes to fall by themselves.
 constexpr double hold_seconds = 0.25;
@@ -37,7 +38,7 @@ timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compens
   const int64_t run_in = -samples_of(run_in_seconds, rate_hz);
   if (compensate) {
     const int64_t end = latency + voice_samples;
-    return {run_in, latency, end + block, end, end};
+    return {run_in, latency, std::numeric_limits<int64_t>::max(), end, end};
   }
   const int64_t held = voice_samples + latency + samples_of(hold_seconds, rate_hz);
   const int64_t keys_up = run_in + rounded_up(held - run_in, block);

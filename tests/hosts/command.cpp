@@ -59,10 +59,21 @@ int status_of(pid_t process) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-outcome run(const arguments& words) {
+outcome run(const arguments& words, const std::string& out) {
   const scratch_folder output;
-  const int status = status_of(spawn(words, output.file("out"), output.file("error")));
-  return {status, content_of(output.file("out")), content_of(output.file("error"))};
+  const std::string out_file = out.empty() ? output.file("out") : out;
+  const int status = status_of(spawn(words, out_file, output.file("error")));
+  return {status, out.empty() ? content_of(out_file) : "", content_of(output.file("error"))};
+}
+
+file_size_limit::file_size_limit(rlim_t bytes) {
+  getrlimit(RLIMIT_FSIZE, &former_);
+  const rlimit lower{bytes, former_.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &lower);
+}
+
+file_size_limit::~file_size_limit() {
+  setrlimit(RLIMIT_FSIZE, &former_);
 }
 
 pid_t start(const arguments& words) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/types.h>
 
 #include <filesystem>
@@ -32,8 +33,20 @@ struct outcome {
 
 using arguments = std::vector<std::string>;
 
-// Runs the program to its end.
-outcome run(const arguments& words);
+// Runs the program to its end. Its standard output goes to the file `out` when that is named, and is empty then.
+outcome run(const arguments& words, const std::string& out = {});
+
+// While it lives, programs that are run cannot write more than `bytes` to any file.
+class file_size_limit {
+ public:
+  explicit file_size_limit(rlim_t bytes);
+  ~file_size_limit();
+  file_size_limit(const file_size_limit&) = delete;
+  file_size_limit& operator=(const file_size_limit&) = delete;
+
+ private:
+  rlimit former_{};
+};
 
 // Starts the program and doesn't wait.
 pid_t start(const arguments& words);

@@ -21,9 +21,20 @@ static float peak_of(const recording& content) {
   return peak;
 }
 
+// Infinite for different lengths.
+static float largest_difference(const recording& one, const recording& other) {
+  if (one.samples.size() != other.samples.size()) return HUGE_VALF;
+  float difference = 0.0F;
+  for (std::size_t i = 0; i < one.samples.size(); ++i) {
+    difference = std::max(difference, std::abs(one.samples[i] - other.samples[i]));
+  }
+  return difference;
+}
+
 TEST_F(Command, TellsHelpVersionAndSounds) {
   const auto help = done({"--help"});
-  for (const char* option : {"--sound", "--keys", "--no-chorus", "--program", "--load-state", "--save-state"}) {
+  for (const char* option : {"--sound", "--keys", "--no-chorus", "--program", "--load-state", "--save-state",
+                             "--module-rate", "at 2000 to 768000 Hz", "SIGHUP, SIGINT, SIGPIPE, SIGTERM"}) {
     EXPECT_TRUE(speaks_of(help, option)) << option;
   }
   EXPECT_EQ(done({"--version"}).rfind("kesrel-render ", 0), 0U);
@@ -67,24 +78,23 @@ TEST_F(Command, TakesMonoAndStereoAtAnyRate) {
   }
 }
 
+// Blocks that don't fit the effect's grid would detune it at other rates than its own.
 TEST_F(Command, GivesTheSameInBlocksOfAnyLength) {
-  const auto reference = rendered({"--float", "--compensate"});
-  for (const char* block : {"1", "511", "4096"}) {
-    const auto content = rendered({"--float", "--compensate", "--block", block});
-    ASSERT_EQ(content.frames(), reference.frames()) << block;
-    float difference = 0.0F;
-    for (std::size_t i = 0; i < content.samples.size(); ++i) {
-      difference = std::max(difference, std::abs(content.samples[i] - reference.samples[i]));
+  for (const int rate : {44100, 48000}) {
+    write_recording(voice, voice_of(0.4, rate));
+    const auto reference = rendered({"--float", "--compensate"});
+    for (const char* block : {"1", "511", "4096"}) {
+      const auto content = rendered({"--float", "--compensate", "--block", block});
+      EXPECT_LT(largest_difference(content, reference), 1e-3F * peak_of(reference)) << rate << ", " << block;
     }
-    EXPECT_LT(difference, 1e-3F * peak_of(reference)) << block;
   }
 }
 
 TEST_F(Command, CompensatesByDroppingTheLatencyAlone) {
   for (const auto& [rate, latency] : {std::pair{16000, 372}, {44100, 1024}, {96000, 2229}}) {
     write_recording(voice, voice_of(0.4, rate));
-    const auto plain = rendered({"--float"}).samples;
-    const auto compensated = rendered({"--float", "--compensate"}).samples;
+    const auto plain = rendered({"--float", "--module-rate", "native"}).samples;
+    const auto compensated = rendered({"--float", "--compensate", "--module-rate", "native"}).samples;
     EXPECT_TRUE(std::equal(compensated.begin(), compensated.end(), plain.begin() + 2 * latency)) << rate;
   }
 }
@@ -129,6 +139,57 @@ TEST_F(Command, RefusesVoicesThatItCannotRead) {
   EXPECT_TRUE(speaks_of(refusal({folder.file("slow.wav"), output}), "possible are 2000 to 768000"));
 }
 
+TEST_F(Command, SaysHowMuchOfAShortenedVoiceIsMissing) {
+  fs::resize_file(voice, fs::file_size(voice) - std::size_t{4410} * sizeof(float));
+  const auto result = run({voice, output, "--compensate"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(speaks_of(result.error, "voice.wav' is cut short: 0.10 of its 0.40 s are missing\n")) << result.error;
+  EXPECT_EQ(read_recording(output).frames(), voice_of(0.3).frames());
+
+  auto streamed = content_of(voice);
+  streamed.replace(streamed.find("data") + 4, 4, "\xFF\xFF\xFF\xFF");
+  write_file(voice, streamed);
+  done({voice, output});
+}
+
+TEST_F(Command, ReplacesWhatLinksLeadToAndKeepsItsPermissions) {
+  const auto target = folder.file("target.wav");
+  fs::create_symlink("target.wav", folder.file("inner.wav"));
+  fs::create_symlink(folder.file("inner.wav"), output);
+  EXPECT_TRUE(speaks_of(refusal({voice, output, "--save-state", target}), "is the output itself"));
+  done({voice, output});
+  EXPECT_TRUE(fs::is_symlink(output));
+  ASSERT_TRUE(fs::is_regular_file(fs::symlink_status(target))) << "a link may lead to what isn't there yet";
+
+  for (const auto permissions : {fs::perms{0600}, fs::perms{0664}}) {
+    fs::permissions(target, permissions);
+    done({voice, output});
+    EXPECT_EQ(fs::status(target).permissions(), permissions);
+  }
+  fs::remove(target);
+  fs::create_symlink("inner.wav", target);
+  EXPECT_TRUE(speaks_of(refusal({voice, output}), "cannot be written: Too many levels of symbolic links"));
+}
+
+TEST_F(Command, WritesFilesWithTheLongestNames) {
+  std::string wide;
+  for (int i = 0; i < 125; ++i) wide += "\u00e9";
+  for (const auto& name : {std::string(250, 'x'), std::string(255, 'x'), wide}) done({voice, folder.file(name)});
+  EXPECT_EQ(folder.listing().size(), 4U);
+}
+
+TEST_F(Command, GivesTheReasonWhenThereIsNoRoom) {
+  for (const arguments& words : {arguments{"--help"}, {"--list-sounds"}, {"--list-programs"}, {voice, output}}) {
+    const auto result = run(words, "/dev/full");
+    EXPECT_EQ(result.status, 2) << words[0];
+    EXPECT_TRUE(speaks_of(result.error, "standard output cannot be written: No space left on device")) << words[0];
+  }
+  fs::remove(output);
+  const file_size_limit limit(2000);
+  EXPECT_TRUE(speaks_of(refusal({voice, output}), "out.wav' cannot be written: System error : File too large"));
+  EXPECT_TRUE(speaks_of(refusal({"--save-state", output}), "state '" + output + "' cannot be written: File too large"));
+}
+
 TEST_F(Command, RefusesOutputsThatItCannotWrite) {
   EXPECT_TRUE(speaks_of(refusal({voice, folder.file("none/out.wav")}), "cannot be written"));
   EXPECT_TRUE(speaks_of(refusal({voice, "/dev/null"}), "no regular file"));
@@ -152,11 +213,13 @@ TEST_F(Command, RefusesOptionsThatItCannotCarryOut) {
   for (const char* block : {"0", "65537", "many", "1.5", "99999999999"}) {
     EXPECT_TRUE(speaks_of(refusal({voice, output, "--block", block}), "a block has 1 to 65536 samples")) << block;
   }
+  EXPECT_TRUE(speaks_of(refusal({voice, output, "--module-rate", "48000"}), "runs at 44100 or native, not at '48000'"));
   EXPECT_TRUE(speaks_of(refusal({voice, output, "--frequency"}), "--frequency"));
   EXPECT_TRUE(speaks_of(refusal({voice, "--save-state", folder.file("a")}), "OUT.wav must be named"));
   EXPECT_TRUE(speaks_of(refusal({}), "VOICE"));
   write_recording(voice, voice_of(0.1, 192000));
-  EXPECT_TRUE(speaks_of(refusal({voice, output, "--block", "2"}), "too short at 192000 Hz: at least 3"));
+  EXPECT_TRUE(speaks_of(refusal({voice, output, "--block", "2", "--module-rate", "native"}),
+                        "too short at 192000 Hz: at least 3"));
 }
 
 // Numbers of the sounds that the engine has values for.
@@ -184,7 +247,7 @@ TEST_F(Command, RefusesSoundsThatYieldNoOutput) {
 
 TEST_F(Command, LeavesNothingBehindWhenItIsInterrupted) {
   write_recording(voice, voice_of(600.0, 8000));
-  for (const int number : {SIGINT, SIGTERM}) {
+  for (const int number : {SIGINT, SIGTERM, SIGPIPE}) {
     const pid_t process = start({voice, output});
     for (int i = 0; i < 5000 && folder.listing().size() < 2; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(2));

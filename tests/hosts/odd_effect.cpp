@@ -1,5 +1,9 @@
 // MIT License. An effect that goes wrong in the way that the environment's KESREL_ODD names. Its entry has the name
 // that the build gives it.
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -12,11 +16,30 @@ static bool is(const char* way) {
   return named != nullptr && std::strcmp(named, way) == 0;
 }
 
+static float host_rate_hz = 0.0F;
+
+// Gives back what it hears after 1024 samples, louder the higher its rate: at 44100 Hz the gain is 1.
+static void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
+  constexpr std::size_t latency = 1024;
+  static std::array<std::array<float, latency>, 2> rings{};
+  static std::size_t position = 0;
+  for (VstInt32 i = 0; i < count; ++i) {
+    for (std::size_t channel = 0; channel < 2; ++channel) {
+      outputs[channel][i] = rings[channel][position] * (host_rate_hz / 44100.0F);
+      rings[channel][position] = inputs[channel][i];
+    }
+    position = (position + 1) % latency;
+  }
+}
+
 // Never takes a program or a state. It has two programs, and the first stays in use.
-static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float) {
+static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt) {
   static const std::string image =
       single_program_image({"Deaf", "quorvant.factory.Modern_Chord_Coder"}, 0, {effect->uniqueID, effect->version});
   switch (opcode) {
+    case effSetSampleRate:
+      host_rate_hz = opt;
+      return 1;
     case effSetSpeakerArrangement:
       return is("no speakers") ? 0 : 1;
     case effVendorSpecific:
@@ -38,6 +61,11 @@ static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstI
 
 extern "C" __attribute__((visibility("default"))) AEffect* ODD_ENTRY(audioMasterCallback) {
   static AEffect effect{};
+  if (is("ending")) {
+    std::signal(SIGTERM, [](int) { _exit(99); });
+    std::raise(SIGTERM);
+  }
+  effect.processReplacing = echo;
   effect.magic = is("no effect") ? 0 : kEffectMagic;
   effect.dispatcher = dispatch;
   effect.numPrograms = 2;
