@@ -141,4 +141,12 @@ TEST_P(EveryMode, EqualsItsJudgeBitForBit) {
 // Outside 0 to 14 the carrier passes the transform.
 INSTANTIATE_TEST_SUITE_P(Numbers, EveryMode, testing::Range(0, 16));
 
+// Many frames whose upper bins are about as loud as their lower ones, then some about as quiet as the test's threshold.
+TEST(FrameStep, FindsTheUnvoicedFramesThatItsJudgeFinds) {
+  side_by_side both(2.0F);
+  both.sound[value_noise_on] = 1.0F;
+  for (int i = 0; i < 80; ++i) both.hear(random(0.5F), random(0.1F));
+  for (float level = 5e-6F; level < 2.5e-5F; level *= 1.02F) both.hear(random(level), random(0.1F));
+}
+
 }  // namespace

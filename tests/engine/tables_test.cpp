@@ -2,6 +2,7 @@
 // the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 
@@ -68,6 +69,36 @@ TEST(Tables, CommitEachValueToItsField) {
   EXPECT_EQ(fields.shaper_drive, 17.0F * 4.0F);
 }
 
+TEST(Tables, ClearTheEnvelopesAloneWhenTheModeChanges) {
+  const auto state = committed(plain_sound(2.0F));
+  const auto commit = [&](float mode) {
+    voco_params params = voco_params_from(plain_sound(mode), 0.0F, 44100.0F);
+    voco_commit(&params, state.get());
+  };
+  const voco_state::frame ones = [] {
+    voco_state::frame x;
+    x.fill(1.0F);
+    return x;
+  }();
+  const std::array<voco_state::frame*, 6> envelopes = {&state->fast_env,    &state->slow_env,
+                                                       &state->carrier_mag, &state->carrier_phase,
+                                                       &state->target_env,  &state->modulator_phase};
+  const std::array<voco_state::frame*, 5> others = {&state->ola_left, &state->ola_right, &state->modulator_frame,
+                                                    &state->carrier_frame, &state->dry_modulator_ring};
+  for (voco_state::frame* const x : envelopes) *x = ones;
+  for (voco_state::frame* const x : others) *x = ones;
+  state->wavelet_level_avg.fill(1.0F);
+  state->frame_pos = 700;
+
+  commit(2.9F);  // the same mode
+  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, ones);
+  commit(3.0F);
+  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, voco_state::frame{});
+  for (const voco_state::frame* const x : others) EXPECT_EQ(*x, ones);
+  EXPECT_EQ(state->wavelet_level_avg[9], 1.0F);
+  EXPECT_EQ(state->frame_pos, 700);
+}
+
 // --- Windows ---
 
 TEST(Tables, HoldTheWindows) {
@@ -112,6 +143,44 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   EXPECT_GT(std::fabs(state->carrier_frame[1000]), 1e-4F);
 }
 
+TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
+  const auto state = committed(plain_sound(2.0F));
+  wsyn_select_render(&state->synth);
+  const voice_record& voice = state->synth.voices[60];
+  const auto play = [&](int samples) {
+    for (int i = 0; i < samples; ++i) wsyn_next_sample(&state->synth);
+  };
+  notes_on(60, state.get());
+  play(10000);
+  EXPECT_NEAR(voice.level, 1.0F, 1e-4F);
+  notes_off(60, state.get());
+  play(3457);  // ln 1000 / -ln(500 / 501)
+  EXPECT_EQ(voice.state, voice_releasing);
+  EXPECT_NEAR(voice.level, 0.001F, 2e-6F);
+  play(2);
+  EXPECT_EQ(voice.state, voice_idle);
+}
+
+// --- Thresholds ---
+
+TEST(Tables, SwitchAtTheirThresholds) {
+  const auto dry_through = [](sound_value index, float value, effect_switches effects) {
+    sound_values sound = external_carrier_sound(2.0F);
+    sound[value_wet_gain] = 0.0F;
+    sound[value_dry_modulator_gain] = 1.0F;
+    sound[value_reverb_size] = 0.1F;
+    sound[index] = value;
+    return run(sound, noise(6000, 0.5F), {}, 500, make_instance().get(), effects).left;
+  };
+  const waveform dry = dry_through(value_swap, 0.0F, {});
+  EXPECT_GT(peak(dry), 0.4F);
+  EXPECT_EQ(dry_through(value_swap, 0.5F, {}), dry);
+  EXPECT_EQ(peak(dry_through(value_swap, 0.501F, {})), 0.0F);
+  EXPECT_EQ(dry_through(value_reverb_level, 0.001F, {.reverb = 1}), dry);
+  EXPECT_NE(dry_through(value_reverb_level, 0.0011F, {.reverb = 1}), dry);
+  EXPECT_EQ(dry_through(value_reverb_level, 0.5F, {}), dry);
+}
+
 // --- Delays ---
 
 TEST(Tables, MoveTheDelays) {
@@ -124,6 +193,17 @@ TEST(Tables, MoveTheDelays) {
   EXPECT_EQ(delay.speed, 343.0F);
   EXPECT_EQ(delay.sample_rate, 44100.0F);
   EXPECT_EQ(delay.max_distance, 10.0F);
+}
+
+TEST(Tables, ClearTheLargestRings) {
+  const auto reverb = std::make_unique<reverb_state>();
+  reverb_configure(1.0F, 1.0F, reverb.get());
+  reverb->left.fill(1.0F);
+  reverb->right.fill(1.0F);
+  reverb_configure(1.0F, 0.99F, reverb.get());
+  for (const reverb_state::ring* const ring : {&reverb->left, &reverb->right}) {
+    EXPECT_EQ(std::count(ring->begin(), ring->begin() + 22422, 0.0F), 22422);
+  }
 }
 
 // --- Equaliser ---
@@ -151,6 +231,18 @@ TEST(Tables, DrawTheTargetCurve) {
       EXPECT_EQ(section->flat_a2, static_cast<float>(1.0 - alpha)) << band;
       EXPECT_EQ(section->gain, static_cast<float>(std::pow(double{overall}, double{0.1F}))) << band;
     }
+  }
+}
+
+TEST(Tables, GiveEachSideItsOwnMemory) {
+  output_equaliser equaliser;
+  equaliser_prepare(44100.0F, nullptr, &equaliser);
+  equaliser_set_gain(0.0F, &equaliser);
+  waveform left(20, 1.0F), right(20, 0.0F);
+  equaliser_process(left.data(), right.data(), 20, &equaliser);
+  for (size_t band = 0; band < 10; ++band) {
+    EXPECT_NE(equaliser.left[band].y1, 0.0F) << band;
+    EXPECT_EQ(equaliser.right[band].y1, 0.0F) << band;
   }
 }
 
