@@ -35,10 +35,15 @@ waveform gapped(waveform x) {
   return x;
 }
 
-uint32_t seed = 0;
+// Every call gives new samples. The two inputs have a sequence each, as the order of a call's arguments is open.
+uint32_t voice_seed = 0;
+uint32_t carrier_seed = 0;
 
-waveform random(float level) {
-  return noise(hop, level, ++seed * 7919);
+waveform voice(float level) {
+  return noise(hop, level, ++voice_seed * 7919);
+}
+waveform carrier(float level) {
+  return noise(hop, level, ++carrier_seed * 104729);
 }
 
 // The engine beside its judge, hop by hop.
@@ -54,7 +59,7 @@ class side_by_side {
     sound[value_pitch_depth1] = 0.25F;
     sound[value_pitch_source2] = 2.0F;
     sound[value_pitch_depth2] = 0.5F;
-    seed = 0;
+    voice_seed = carrier_seed = 0;
     noise_state = 1;
     commit();
     judge_ = plain::engine(noise_state);  // the first commit has drawn the noise loop
@@ -62,11 +67,11 @@ class side_by_side {
 
   sound_values sound;
 
-  void hear(waveform voice, waveform carrier) {
-    const stereo expected = judge_.run_hop(sound, voice, carrier);
+  void hear(waveform first, waveform second) {
+    const stereo expected = judge_.run_hop(sound, first, second);
     commit();
     waveform left(hop), right(hop);
-    voco_process(voice.data(), carrier.data(), left.data(), right.data(), hop, engine_.get());
+    voco_process(first.data(), second.data(), left.data(), right.data(), hop, engine_.get());
     ++hops_;
     SCOPED_TRACE("mode " + std::to_string(sound[value_mode]) + ", hop " + std::to_string(hops_));
     EXPECT_EQ(left, expected.left);
@@ -96,57 +101,65 @@ class EveryMode : public testing::TestWithParam<int> {};
 
 TEST_P(EveryMode, EqualsItsJudgeBitForBit) {
   side_by_side both(static_cast<float>(GetParam()));
-  for (int i = 0; i < 3; ++i) both.hear(dull(random(0.7F)), random(0.5F));
+  for (int i = 0; i < 3; ++i) both.hear(dull(voice(0.7F)), carrier(0.5F));
+
+  // Freeze, with and without sibilance.
   both.sound[value_freeze_on] = 1.0F;
-  both.hear(random(0.9F), random(0.8F));
-  both.hear(random(0.1F), random(0.4F));
+  both.hear(voice(0.9F), carrier(0.8F));
+  both.hear(voice(0.1F), carrier(0.4F));
   both.sound[value_freeze_on] = 0.0F;
-  both.hear(random(0.1F), random(0.4F));
+  both.hear(voice(0.1F), carrier(0.4F));
 
   both.sound[value_sibilance_on] = 1.0F;
-  both.hear(random(0.7F), random(0.5F));
+  both.hear(voice(0.7F), carrier(0.5F));
   both.sound[value_freeze_on] = 1.0F;
-  both.hear(random(0.7F), random(0.5F));
+  both.hear(voice(0.7F), carrier(0.5F));
   both.sound[value_freeze_on] = 0.0F;
+
+  // Noise in place of the carrier: consonants, ever quieter, and vowels.
   both.sound[value_noise_on] = 1.0F;
-  for (const float level : {0.5F, 0.5F, 5e-5F, 2e-5F, 1e-5F, 5e-6F}) both.hear(hissing(random(level)), random(0.5F));
-  for (int i = 0; i < 2; ++i) both.hear(dull(random(0.7F)), random(0.5F));
+  for (const float level : {0.5F, 0.5F, 5e-5F, 2e-5F, 1e-5F, 5e-6F}) both.hear(hissing(voice(level)), carrier(0.5F));
+  for (int i = 0; i < 2; ++i) both.hear(dull(voice(0.7F)), carrier(0.5F));
   both.sound[value_sibilance_on] = 2.0F;
   both.sound[value_noise_on] = 2.0F;
-  for (int i = 0; i < 2; ++i) both.hear(hissing(random(0.5F)), random(0.5F));
+  for (int i = 0; i < 2; ++i) both.hear(hissing(voice(0.5F)), carrier(0.5F));
   both.sound[value_sibilance_on] = both.sound[value_noise_on] = 0.0F;
-  both.hear(hissing(random(0.5F)), random(0.5F));
+  both.hear(hissing(voice(0.5F)), carrier(0.5F));
 
-  both.hear(gapped(random(2.0F)), random(3.0F));
+  // Hotter than full scale, and carriers about each of the levels below which they count as silent.
+  both.hear(gapped(voice(2.0F)), carrier(3.0F));
   for (const float level : {0.03F, 0.01F, 1e-3F, 1e-4F, 3e-5F, 1e-5F, 0.0F, 0.0F})
-    both.hear(random(0.5F), random(level));
-  both.hear(random(0.5F), random(0.5F));
+    both.hear(voice(0.5F), carrier(level));
+  both.hear(voice(0.5F), carrier(0.5F));
 
+  // Another mode and back, then a voice that comes and goes.
   both.sound[value_mode] = static_cast<float>((GetParam() + 5) % 15);
-  both.hear(random(0.5F), random(0.5F));
+  both.hear(voice(0.5F), carrier(0.5F));
   both.sound[value_mode] = static_cast<float>(GetParam()) + 0.9F;
   both.sound[value_freeze_on] = 1.0F;
-  both.hear(random(0.5F), random(0.5F));
+  both.hear(voice(0.5F), carrier(0.5F));
   both.sound[value_freeze_on] = 0.0F;
   both.sound[value_env_mix] = 1.0F;
-  for (const float level : {0.2F, 0.0F, 0.0F, 0.6F}) both.hear(random(level), random(0.5F));
+  for (const float level : {0.2F, 0.0F, 0.0F, 0.6F}) both.hear(voice(level), carrier(0.5F));
 
+  // The dry signals, a frame late.
   both.sound[value_wet_gain] = 1.5F;
   both.sound[value_dry_carrier_gain] = 0.4F;
   both.sound[value_dry_modulator_gain] = 0.3F;
-  for (int i = 0; i < 3; ++i) both.hear(random(0.5F), random(0.5F));
+  for (int i = 0; i < 3; ++i) both.hear(voice(0.5F), carrier(0.5F));
   EXPECT_GT(both.loudness, 1.0F);
 }
 
 // Outside 0 to 14 the carrier passes the transform.
 INSTANTIATE_TEST_SUITE_P(Numbers, EveryMode, testing::Range(0, 16));
 
-// Many frames whose upper bins are about as loud as their lower ones, then some about as quiet as the test's threshold.
+// Many frames whose upper bins are about as loud as their lower ones, then some that are about as quiet as those that
+// never count.
 TEST(FrameStep, FindsTheUnvoicedFramesThatItsJudgeFinds) {
   side_by_side both(2.0F);
   both.sound[value_noise_on] = 1.0F;
-  for (int i = 0; i < 80; ++i) both.hear(random(0.5F), random(0.1F));
-  for (float level = 5e-6F; level < 2.5e-5F; level *= 1.02F) both.hear(random(level), random(0.1F));
+  for (int i = 0; i < 80; ++i) both.hear(voice(0.5F), carrier(0.1F));
+  for (float level = 5e-6F; level < 2.5e-5F; level *= 1.02F) both.hear(voice(level), carrier(0.1F));
 }
 
 }  // namespace

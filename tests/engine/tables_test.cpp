@@ -164,7 +164,7 @@ TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
 // --- Thresholds ---
 
 TEST(Tables, SwitchAtTheirThresholds) {
-  const auto dry_through = [](sound_value index, float value, effect_switches effects) {
+  const auto dry_through = [](size_t index, float value, effect_switches effects) {
     sound_values sound = external_carrier_sound(2.0F);
     sound[value_wet_gain] = 0.0F;
     sound[value_dry_modulator_gain] = 1.0F;
