@@ -1,0 +1,249 @@
+// MIT License. The engine's figures, written or worked out once more. Those of the frame step, the spectral modes and
+// the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "dsp/oscillators.h"
+#include "engine/distance_delay.h"
+#include "engine/motion.h"
+#include "engine/notes.h"
+#include "engine/output_equaliser.h"
+#include "engine/parameter_commit.h"
+#include "engine/voco_process.h"
+#include "engine/voco_state.h"
+#include "tests/engine/engine_words.h"
+
+namespace {
+
+std::unique_ptr<voco_state> committed(const sound_values& sound, float core_rate = 44100.0F) {
+  auto state = std::make_unique<voco_state>();
+  voco_params params = voco_params_from(sound, 0.0F, core_rate);
+  voco_commit(&params, state.get());
+  return state;
+}
+
+// --- Values ---
+
+// Every value is one more than its number, so that none can pass for another.
+sound_values numbered_values() {
+  sound_values values;
+  std::iota(values.begin(), values.end(), 1.0F);
+  return values;
+}
+
+TEST(Tables, PutEachValueInItsPlace) {
+  const voco_params expected = {1,  2,  3, 4,  5,  6,  7,  77, 8,  9,  10, 11, 0,  13, 14, 15, 16, 17, 18,
+                                19, 20, 0, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 33, 34, 35, 36, 44000};
+  EXPECT_EQ(voco_params_from(numbered_values(), 77.0F, 44000.0F), expected);
+}
+
+TEST(Tables, CommitEachValueToItsField) {
+  const auto state = committed(numbered_values(), 22050.0F);
+  const std::array<float, 21> synth = {2,  19, 20, 22, 23, 24, 25, 26, 27, 28, 29,
+                                       30, 31, 32, 33, 34, 35, 36, 15, 16, 17};
+  EXPECT_EQ(state->synth_params, synth);
+  EXPECT_EQ(state->internal_carrier, 18.0F);
+  EXPECT_EQ(state->env_mix, 4.0F);
+  EXPECT_EQ(state->env_attack, 5.0F);
+  EXPECT_EQ(state->env_release, 6.0F);
+  EXPECT_EQ(state->env_average, 7.0F);
+  EXPECT_EQ(state->mode, 8);
+  EXPECT_EQ(state->sibilance_on, 9);
+  EXPECT_EQ(state->noise_on, 10);
+  EXPECT_EQ(state->freeze_on, 11);
+  EXPECT_EQ(state->reverb_level, 13.0F);
+  EXPECT_EQ(committed(numbered_values(), 0.0F)->synth_params[0], 1.0F);
+
+  const wsyn_state& fields = state->synth;
+  const float in_order[] = {fields.sync,          fields.ring,          fields.coarse1,      fields.fine1,
+                            fields.pitch_source1, fields.pitch_depth1,  fields.lfo_control1, fields.coarse2,
+                            fields.fine2,         fields.pitch_source2, fields.pitch_depth2, fields.lfo_control2};
+  for (size_t i = 0; i < std::size(in_order); ++i) EXPECT_EQ(in_order[i], 25.0F + static_cast<float>(i)) << i;
+  EXPECT_EQ(fields.wave1, 23);
+  EXPECT_EQ(fields.wave2, 24);
+  EXPECT_EQ(fields.lfo_step1, 31.0F * 31.0F * 128.0F);
+  EXPECT_EQ(fields.lfo_step2, 36.0F * 36.0F * 128.0F);
+  EXPECT_EQ(fields.shaper_drive, 17.0F * 4.0F);
+}
+
+TEST(Tables, ClearTheEnvelopesAloneWhenTheModeChanges) {
+  const auto state = committed(plain_sound(2.0F));
+  const auto commit = [&](float mode) {
+    voco_params params = voco_params_from(plain_sound(mode), 0.0F, 44100.0F);
+    voco_commit(&params, state.get());
+  };
+  const voco_state::frame ones = [] {
+    voco_state::frame x;
+    x.fill(1.0F);
+    return x;
+  }();
+  const std::array<voco_state::frame*, 6> envelopes = {&state->fast_env,    &state->slow_env,
+                                                       &state->carrier_mag, &state->carrier_phase,
+                                                       &state->target_env,  &state->modulator_phase};
+  const std::array<voco_state::frame*, 5> others = {&state->ola_left, &state->ola_right, &state->modulator_frame,
+                                                    &state->carrier_frame, &state->dry_modulator_ring};
+  for (voco_state::frame* const x : envelopes) *x = ones;
+  for (voco_state::frame* const x : others) *x = ones;
+  state->wavelet_level_avg.fill(1.0F);
+  state->frame_pos = 700;
+
+  commit(2.9F);  // the same mode
+  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, ones);
+  commit(3.0F);
+  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, voco_state::frame{});
+  for (const voco_state::frame* const x : others) EXPECT_EQ(*x, ones);
+  EXPECT_EQ(state->wavelet_level_avg[9], 1.0F);
+  EXPECT_EQ(state->frame_pos, 700);
+}
+
+// --- Windows ---
+
+TEST(Tables, HoldTheWindows) {
+  const auto state = committed(plain_sound(0.0F));
+  struct point {
+    size_t i;
+    double hann, trapezoid, welch;
+  };
+  const point points[] = {{0, 0.0, 0.0, 0.0},
+                          {1, 9.4124e-6, 0.01953125, 0.00390244},
+                          {64, 0.03806023, 1.25, 0.234375},
+                          {128, 0.14644661, 2.5, 0.4375},
+                          {256, 0.5, 2.5, 0.75},
+                          {512, 1.0, 2.5, 1.0},
+                          {768, 0.5, 2.5, 0.75},
+                          {896, 0.14644661, 2.5, 0.4375},
+                          {897, 0.14428390, 2.48046875, 0.43456650},
+                          {1023, 9.4124e-6, 0.01953125, 0.00390244}};
+  for (const point& p : points) {
+    EXPECT_NEAR(state->hann_window[p.i], p.hann, 3e-7) << p.i;
+    EXPECT_NEAR(state->trapezoid_window[p.i], p.trapezoid, 3e-7) << p.i;
+    EXPECT_NEAR(state->welch_window[p.i], p.welch, 3e-7) << p.i;
+  }
+}
+
+// --- The internal carrier ---
+
+TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
+  sound_values sound = plain_sound(2.0F);
+  sound[value_internal_carrier] = 0.6F;
+  const auto state = committed(sound);
+  for (const int32_t note : {45, 57, 64}) notes_on(note, state.get());
+  state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
+  const auto twin = std::make_unique<voco_state>();
+  twin->synth = state->synth;
+  wsyn_select_render(&twin->synth);
+  waveform in(1000, 0.0F), second(1000, 0.7F), left(1000), right(1000);
+  voco_process(in.data(), second.data(), left.data(), right.data(), 500, state.get());
+  for (size_t i = 0; i < 500; ++i) {
+    ASSERT_EQ(state->carrier_frame[512 + i], 0.5F * wsyn_next_sample(&twin->synth)) << i;
+  }
+  EXPECT_GT(std::fabs(state->carrier_frame[1000]), 1e-4F);
+}
+
+TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
+  const auto state = committed(plain_sound(2.0F));
+  wsyn_select_render(&state->synth);
+  const voice_record& voice = state->synth.voices[60];
+  const auto play = [&](int samples) {
+    for (int i = 0; i < samples; ++i) wsyn_next_sample(&state->synth);
+  };
+  notes_on(60, state.get());
+  play(10000);
+  EXPECT_NEAR(voice.level, 1.0F, 1e-4F);
+  notes_off(60, state.get());
+  play(3457);  // ln 1000 / -ln(500 / 501)
+  EXPECT_EQ(voice.state, voice_releasing);
+  EXPECT_NEAR(voice.level, 0.001F, 2e-6F);
+  play(2);
+  EXPECT_EQ(voice.state, voice_idle);
+}
+
+// --- Thresholds ---
+
+TEST(Tables, SwitchAtTheirThresholds) {
+  const auto dry_through = [](size_t index, float value, effect_switches effects) {
+    sound_values sound = external_carrier_sound(2.0F);
+    sound[value_wet_gain] = 0.0F;
+    sound[value_dry_modulator_gain] = 1.0F;
+    sound[value_reverb_size] = 0.1F;
+    sound[index] = value;
+    return run(sound, noise(6000, 0.5F), {}, 500, make_instance().get(), effects).left;
+  };
+  const waveform dry = dry_through(value_swap, 0.0F, {});
+  EXPECT_GT(peak(dry), 0.4F);
+  EXPECT_EQ(dry_through(value_swap, 0.5F, {}), dry);
+  EXPECT_EQ(peak(dry_through(value_swap, 0.501F, {})), 0.0F);
+  EXPECT_EQ(dry_through(value_reverb_level, 0.001F, {.reverb = 1}), dry);
+  EXPECT_NE(dry_through(value_reverb_level, 0.0011F, {.reverb = 1}), dry);
+  EXPECT_EQ(dry_through(value_reverb_level, 0.5F, {}), dry);
+}
+
+// --- Delays ---
+
+TEST(Tables, MoveTheDelays) {
+  EXPECT_EQ(chorus_motion.step, 3.561896432641489e-05);
+  EXPECT_EQ(chorus_motion.reach, 0.25);
+  EXPECT_EQ(reverb_motion.step, 2.849517146113191e-05);
+  EXPECT_EQ(reverb_motion.reach, 0.45);
+  distance_delay delay;
+  distance_delay_create(&delay);
+  EXPECT_EQ(delay.speed, 343.0F);
+  EXPECT_EQ(delay.sample_rate, 44100.0F);
+  EXPECT_EQ(delay.max_distance, 10.0F);
+}
+
+TEST(Tables, ClearTheLargestRings) {
+  const auto reverb = std::make_unique<reverb_state>();
+  reverb_configure(1.0F, 1.0F, reverb.get());
+  reverb->left.fill(1.0F);
+  reverb->right.fill(1.0F);
+  reverb_configure(1.0F, 0.99F, reverb.get());
+  for (const reverb_state::ring* const ring : {&reverb->left, &reverb->right}) {
+    EXPECT_EQ(std::count(ring->begin(), ring->begin() + 22422, 0.0F), 22422);
+  }
+}
+
+// --- Equaliser ---
+
+TEST(Tables, DrawTheTargetCurve) {
+  constexpr float curve[10][2] = {{32, 3},   {64, 2},      {125, 1},    {250, 0},  {500, 0},
+                                  {1000, 0}, {2000, 1.25}, {4000, 1.5}, {8000, 2}, {16000, 2.5}};
+  output_equaliser equaliser;
+  equaliser_prepare(44100.0F, nullptr, &equaliser);
+  equaliser_set_gain(6.5F, &equaliser);
+  const auto overall = static_cast<float>(std::pow(10.0, double{6.5F * 0.05F}));
+  for (size_t band = 0; band < 10; ++band) {
+    const double a = std::pow(10.0, double{curve[band][1]} * 0.025);
+    const double w = double{curve[band][0]} * 2.0 * std::numbers::pi / 44100.0;
+    const double alpha = std::sin(w) / 2.0;  // Q is 1
+    for (const eq_section* const section : {&equaliser.left[band], &equaliser.right[band]}) {
+      EXPECT_EQ(section->b0, static_cast<float>(1.0 + alpha * a)) << band;
+      EXPECT_EQ(section->b1, static_cast<float>(-2.0 * std::cos(w))) << band;
+      EXPECT_EQ(section->b2, static_cast<float>(1.0 - alpha * a)) << band;
+      EXPECT_EQ(section->a0, static_cast<float>(1.0 + alpha / a)) << band;
+      EXPECT_EQ(section->a1, section->b1) << band;
+      EXPECT_EQ(section->a2, static_cast<float>(1.0 - alpha / a)) << band;
+      EXPECT_EQ(section->flat_a0, static_cast<float>(1.0 + alpha)) << band;
+      EXPECT_EQ(section->flat_a1, section->b1) << band;
+      EXPECT_EQ(section->flat_a2, static_cast<float>(1.0 - alpha)) << band;
+      EXPECT_EQ(section->gain, static_cast<float>(std::pow(double{overall}, double{0.1F}))) << band;
+    }
+  }
+}
+
+TEST(Tables, GiveEachSideItsOwnMemory) {
+  output_equaliser equaliser;
+  equaliser_prepare(44100.0F, nullptr, &equaliser);
+  equaliser_set_gain(0.0F, &equaliser);
+  waveform left(20, 1.0F), right(20, 0.0F);
+  equaliser_process(left.data(), right.data(), 20, &equaliser);
+  for (size_t band = 0; band < 10; ++band) {
+    EXPECT_NE(equaliser.left[band].y1, 0.0F) << band;
+    EXPECT_EQ(equaliser.right[band].y1, 0.0F) << band;
+  }
+}
+
+}  // namespace
