@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
-# MIT License.
-"""Plants one small fault at a time into copies of the sources and asks the tests whether they notice."""
-import argparse, collections, contextlib, filecmp, json, os, queue, random, re, shutil, signal, subprocess
+# MIT License. Plants one small fault at a time into copies of the sources and shows which ones no test notices.
+import argparse, collections, filecmp, itertools, os, queue, random, re, shutil, subprocess, time
 from multiprocessing.pool import ThreadPool
 from pathlib import Path
 
@@ -9,14 +8,14 @@ ROOT = Path(__file__).resolve().parent.parent
 # Comments and literals; directives and lines that only name something; assertions, attributes; template arguments.
 NO_CODE = [r'//[^\n]*|/\*.*?\*/|R"\(.*?\)"|"(?:\\.|[^"\\\n])*"|(?<!\w)\'(?:\\.|[^\'\\\n])+\'',
            r"(?m)^ *#(?:[^\n]*\\\n)*[^\n]*|^ *(?:using|typedef|namespace|extern|friend|template)\b[^\n]*",
-           r"\bstatic_assert\s*\(.*?\);|\[\[.*?\]\]|\balignas\(\d+\)|__attribute__.*?\)\)", *[r"(?<=\w)<[^<>;{}=&|]*>"] * 3]
+           r"\bstatic_assert\s*\(.*?\);|\[\[.*?\]\]|\balignas\(\d+\)|__attribute__.*?\)\)",
+           *[r"(?<=\w)<[^<>;{}=&|]*>"] * 3]
 NUMBER = r"(?<![\w.'])(?:0x[\da-fA-F]+|\d+(?:\.\d*)?(?:e[-+]?\d+)?)(?![\d'])"
 SIGN = r"(?:(?<=[(!,=?:{] )|(?<=[({])|(?<=return ))[-!](?=[\w(.])"
-OPERATORS = r"(?<= )(?:[-+*/]|[<>=!]=|[<>]|&&|\|\||[&|]|<<|>>)(?==? )"
-WORDS = r"(?<![a-z])(?:left|right|modulator|carrier|min|max|sin|cos|true|false)(?![a-z])"
-PAIRS = [pair.split() for pair in ("+ -", "* /", "< <=", "> >=", "== !=", "&& ||", "& |", "<< >>", "left right",
-                                   "modulator carrier", "min max", "sin cos", "true false")]
-SWAP = dict(PAIRS + [pair[::-1] for pair in PAIRS])
+PAIRS = "<< >> <= < >= > == != && || & | + - * / left right modulator carrier min max sin cos true false".split()
+SWAPPED = {text: PAIRS[i ^ 1] for i, text in enumerate(PAIRS)}
+OPERATOR = f"(?<= )(?:{'|'.join(map(re.escape, PAIRS[:16]))})(?==? )"
+WORD = f"(?<![a-z])(?:{'|'.join(PAIRS[16:])})(?![a-z])"
 STATEMENT = re.compile(r"\s*(?:if \(.*\) .*|(?:else )?(?:[\w.:>\[\]-]+\(.*\)|\*?[\w.:>()\[\]*-]+ [-+*/%|&^<>]*= .*|"
                        r"(?:\+\+|--)[\w.>\[\]-]+|break|continue|return));\s*$")
 
@@ -28,132 +27,97 @@ def wrong_number(text, rng):
     place = rng.choice(digits)
     return text[:place] + rng.choice([digit for digit in "123456789" if digit != text[place]]) + text[place + 1:]
 
-def faults(line, code, starts_statement, rng):
-    """The line with a fault of each kind that it has a place for; `code` has blanks for what is no code."""
-    for pattern, new in [(NUMBER, lambda text: wrong_number(text, rng)), (SIGN, lambda text: ""),
-                         (OPERATORS, SWAP.get), (WORDS, SWAP.get)]:
-        if places := list(re.finditer(pattern, code)):
-            place = rng.choice(places)
-            yield line[:place.start()] + new(place[0]) + line[place.end():]
-    if starts_statement and STATEMENT.match(code) and code.count("(") == code.count(")"):
-        yield re.match(r"\s*", line)[0] + ";"
-
-def plants(files, rng):
-    """All faults as (file, line index, line with the fault), in random order."""
-    found = []
-    for name in files:
-        text = code = (ROOT / name).read_text()
-        for pattern in NO_CODE:
-            code = re.sub(pattern, lambda m: re.sub(r"[^\n]", " ", m[0]), code, flags=re.S)
-        before = ";"
-        for index, (line, bare) in enumerate(zip(text.split("\n"), code.split("\n"))):
-            found += [(name, index, fault) for fault in faults(line, bare, before[-1] in ";{}:)", rng)]
-            before = bare.strip() or before
-    return rng.sample(found, len(found))
+def faults_of(name, rng):
+    """(file, line index, line, line with a fault) for each kind of fault that a line of the file has a place for."""
+    text = code = (ROOT / name).read_text()
+    for pattern in NO_CODE:  # blanks around it would make an operator of the & behind a template
+        code = re.sub(pattern, lambda m: re.sub(r".", "_" if m[0][0] == "<" else " ", m[0]), code, flags=re.S)
+    kinds = {NUMBER: lambda text: wrong_number(text, rng), SIGN: lambda _: "", OPERATOR: SWAPPED.get, WORD: SWAPPED.get}
+    before = ";"
+    for index, (line, bare) in enumerate(zip(text.split("\n"), code.split("\n"))):
+        for pattern, new in kinds.items():
+            if places := list(re.finditer(pattern, bare)):
+                place = rng.choice(places)
+                yield name, index, line, line[:place.start()] + new(place[0]) + line[place.end():]
+        if before[-1] in ";{}:)" and STATEMENT.match(bare) and bare.count("(") == bare.count(")"):
+            yield name, index, line, re.match(r"\s*", line)[0] + ";"
+        before = bare.strip() or before
 
 class Copy:
-    """A copy of the tree with its build, `good` to restore that from, and a home for the tests."""
+    """A copy of the tree with its build, that build again to restore it from, and a home for the tests."""
     def __init__(self, base):
         self.tree, self.good, self.home, self.out = (base / p for p in ("tree", "good", "home", "tree/build/mutate"))
         shutil.rmtree(base, ignore_errors=True)
         shutil.copytree(ROOT, self.tree, ignore=shutil.ignore_patterns("build", "out", ".git"))
-        launcher = {"CMAKE_CXX_COMPILER_LAUNCHER": "ccache"} if shutil.which("ccache") else {}
-        self.env = os.environ | launcher | {"CCACHE_BASEDIR": str(self.tree), "CCACHE_NOHASHDIR": "1"}
-        subprocess.run(["cmake", "--preset", "mutate"], cwd=self.tree, env=self.env, stdout=subprocess.DEVNULL, check=True)
-        self.programs = re.findall(r"^bin/\S+_tests(?=:)", self.ninja("-t", "targets", "all").stdout, re.M)
+        subprocess.run(["cmake", "--preset", "mutate"], cwd=self.tree, stdout=subprocess.DEVNULL, check=True)
+        self.programs = re.findall(r"(?m)^bin/\S+_tests(?=:)", self.ninja("-t", "targets", "all").stdout)
         self.ninja(*self.programs).check_returncode()
         shutil.copytree(self.out, self.good)
 
     def ninja(self, *arguments):
-        return subprocess.run(["ninja", "-C", self.out, *arguments], env=self.env, text=True, stdout=subprocess.PIPE)
+        return subprocess.run(["ninja", "-C", self.out, *arguments], text=True, stdout=subprocess.PIPE)
 
-    def passes(self, program, seconds, *arguments):
-        """Runs tests in an empty home within limits of time, memory and file size; what hangs doesn't pass."""
+    def passes(self, program, tests, seconds):
+        """Runs tests in an empty home within limits of time, memory and file size."""
         shutil.rmtree(self.home, ignore_errors=True)
         self.home.mkdir()
-        limits = f'ulimit -c 0 -t {round(3 * seconds) + 5} -v 8000000 -f 1000000; exec "$@" </dev/null >/dev/null 2>&1'
-        child = subprocess.Popen(["bash", "-c", limits, "", self.out / program, *arguments], start_new_session=True,
-                                 env=os.environ | dict.fromkeys(("HOME", "TMPDIR", "XDG_DATA_HOME"), str(self.home)))
-        with contextlib.suppress(subprocess.TimeoutExpired):
-            child.wait(10 * seconds + 60)
-        with contextlib.suppress(ProcessLookupError):
-            os.killpg(child.pid, signal.SIGKILL)
-        return child.wait() == 0
+        limits = f'ulimit -c 0 -t {round(3 * seconds) + 5} -v 8000000 -f 1000000; exec "$@" >/dev/null 2>&1'
+        command = ["timeout", "-s", "KILL", str(10 * seconds + 60), "bash", "-c", limits, "", self.out / program, tests]
+        env = os.environ | dict.fromkeys(("HOME", "TMPDIR", "XDG_DATA_HOME"), str(self.home))
+        return subprocess.run([*command, "--gtest_fail_fast"], env=env).returncode == 0
 
-    def stages(self, folders):
-        """Runs of tests that depend on the folders: (slow or not, program, filter, seconds, files that it loads)."""
-        for program in self.programs:
-            inputs = self.ninja("-t", "inputs", program).stdout.split("\n")
-            if any(name.startswith(f"{self.tree}/{folder}/") for name in inputs for folder in folders):
-                if not self.passes(program, 600, f"--gtest_output=json:{self.home}/times.json"):
-                    raise SystemExit(f"{program} fails without a fault")
-                suites = json.loads((self.home / "times.json").read_text())["testsuites"]
-                times = {f"{suite['name']}.{t['name']}": float(t["time"][:-1]) for suite in suites for t in suite["testsuite"]}
-                slow, parts = [name for name in times if times[name] > 1], [program, *(n for n in inputs if n.startswith("bin/"))]
-                slow_seconds = sum(times[name] for name in slow)
-                yield False, program, "-" + ":".join(slow), sum(times.values()) - slow_seconds, parts
-                if slow:
-                    yield True, program, ":".join(slow), slow_seconds, parts
-
-    def trial(self, name, index, fault, stages):
-        """Says what happens to a fault and leaves the copy as it was."""
-        source, outcome = self.tree / name, "same program"
-        times, text = source.stat(), source.read_text().split("\n")
-        source.write_text("\n".join([*text[:index], fault, *text[index + 1:]]))
-        own = f"_{name.split('/')[0]}_"
-        for _, program, tests, seconds, parts in sorted(stages, key=lambda stage: (stage[0], own not in stage[1], stage[3])):
-            if self.ninja(program).returncode:
-                outcome = "no program"
-            elif not all(filecmp.cmp(self.out / part, self.good / part, shallow=False) for part in parts):
-                passed = self.passes(program, seconds, "--gtest_fail_fast", f"--gtest_filter={tests}")
-                outcome = "survived" if passed else "caught"
-            if outcome in ("no program", "caught"):
-                break
-        for good in filter(Path.is_file, self.good.rglob("*")):
-            made = self.out / good.relative_to(self.good)
-            if not made.exists() or made.stat().st_mtime_ns != good.stat().st_mtime_ns:
-                shutil.copy2(good, made)
-        source.write_text("\n".join(text))
-        os.utime(source, ns=(times.st_atime_ns, times.st_mtime_ns))
-        return outcome
+def trial(fault, copies, stages):
+    """Finds how a fault ends and leaves the copy as it was. Quick tests come first, its folder's own before others."""
+    copy, (name, index, _, planted), outcome = copies.get(), fault, "same program"
+    source, own = copy.tree / name, f"_{name.split('/')[0]}_"
+    times, lines = source.stat(), source.read_text().split("\n")
+    source.write_text("\n".join([*lines[:index], planted, *lines[index + 1:]]))
+    for _, program, tests, seconds, parts in sorted(stages, key=lambda stage: (stage[0], own not in stage[1], stage[3])):
+        if copy.ninja(program).returncode:
+            outcome = "no program"
+        elif not all(filecmp.cmp(copy.out / part, copy.good / part, shallow=False) for part in parts):
+            outcome = "survived" if copy.passes(program, tests, seconds) else "caught"
+        if outcome in ("no program", "caught"):
+            break
+    shutil.copytree(copy.good, copy.out, dirs_exist_ok=True)
+    source.write_text("\n".join(lines))
+    os.utime(source, ns=(times.st_atime_ns, times.st_mtime_ns))
+    copies.put(copy)
+    return *fault, outcome
 
 def main():
-    parser = argparse.ArgumentParser(prog="./dev mutate", description=__doc__)
-    parser.add_argument("folders", nargs="*", default=["engine", "dsp"], metavar="FOLDER")
-    parser.add_argument("--count", type=int, default=200, help="faults that count [200]")
-    parser.add_argument("--seed", type=int, default=random.randrange(10**6))
-    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="copies at work at a time [all processors]")
+    parser = argparse.ArgumentParser(prog="./dev mutate")
+    parser.add_argument("folders", nargs="*", default=["engine", "dsp"], metavar="FOLDER", help="[engine dsp]")
+    for name, default in (("--count", 200), ("--seed", random.randrange(10**6)), ("--jobs", os.cpu_count())):
+        parser.add_argument(name, type=int, default=default, help=f"[{default}]")
     options = parser.parse_args()
-    folders = [folder.rstrip("/") for folder in options.folders]
-    files = sorted(str(path.relative_to(ROOT)) for folder in folders for path in (ROOT / folder).rglob("*.*")
-                   if path.suffix in (".cpp", ".h") and not path.stem.endswith("_win32"))
     print(f"seed {options.seed}", flush=True)
-    copies, score = queue.Queue(), collections.defaultdict(collections.Counter)
+    rng, folders = random.Random(options.seed), [folder.rstrip("/") for folder in options.folders]
+    paths = sorted(path for folder in folders for path in (ROOT / folder).rglob("*.*") if path.suffix in (".cpp", ".h"))
+    faults = [fault for path in paths for fault in faults_of(str(path.relative_to(ROOT)), rng)]
+    rng.shuffle(faults)
+    copies, stages, score = queue.Queue(), [], collections.defaultdict(collections.Counter)
     for number in range(options.jobs):
         copies.put(copy := Copy(ROOT / "build/mutate" / str(number)))
-    stages = list(copy.stages(folders))
-
-    def attempt(fault):
-        copy = copies.get()
-        outcome = copy.trial(*fault, stages)
-        copies.put(copy)
-        return fault, outcome
-    done = 0
+    for program, slow in itertools.product(copy.programs, (False, True)):
+        tests = f"--gtest_filter={'' if slow else '-'}*Endurance*"
+        inputs, start = copy.ninja("-t", "inputs", program).stdout, time.monotonic()
+        if any(f"{copy.tree}/{folder}/" in inputs for folder in folders):
+            if not copy.passes(program, tests, 600):
+                parser.exit(1, f"{program} fails without a fault\n")
+            seconds, parts = time.monotonic() - start, [program, *re.findall("(?m)^bin/.*", inputs)]
+            stages.append((slow, program, tests, seconds, parts))
     with ThreadPool(options.jobs) as pool:
-        for (name, index, fault), outcome in pool.imap_unordered(attempt, plants(files, random.Random(options.seed))):
+        for name, index, line, fault, outcome in pool.imap_unordered(lambda f: trial(f, copies, stages), faults):
             score[name][outcome] += 1
-            done += outcome in ("caught", "survived")
             if outcome == "survived":
-                line = (ROOT / name).read_text().split("\n")[index]
-                print(f"\n{name}:{index + 1}\n  - {line.strip()}\n  + {fault.strip()}", flush=True)
-            if done == options.count:
+                print(f"{name}:{index + 1}\n  - {line.strip()}\n  + {fault.strip()}", flush=True)
+            total = sum(score.values(), collections.Counter())
+            if total["caught"] + total["survived"] == options.count:
                 break
-    print(f"\n{'file':36}  caught survived  per cent")
-    for name, outcomes in [*sorted(score.items()), ("all", sum(score.values(), collections.Counter()))]:
-        caught, survived = outcomes["caught"], outcomes["survived"]
-        if caught + survived:
-            print(f"{name:36} {caught:7} {survived:8} {100 * survived / (caught + survived):9.0f}")
-    print(f"not counted: {outcomes['no program']} don't compile, {outcomes['same program']} make the same program")
+    print(f"{'':36}  caught survived  per cent  not compiled  same program")
+    for name, n in [*sorted(score.items()), ("all", total)]:
+        rate = 100 * n["survived"] / max(n["caught"] + n["survived"], 1)
+        print(f"{name:36} {n['caught']:7} {n['survived']:8} {rate:9.1f} {n['no program']:13} {n['same program']:13}")
 
-if __name__ == "__main__":
-    main()
+main()
