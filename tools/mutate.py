@@ -16,8 +16,8 @@ PAIRS = "<< >> <= < >= > == != && || & | + - * / left right modulator carrier mi
 SWAPPED = {text: PAIRS[i ^ 1] for i, text in enumerate(PAIRS)}
 OPERATOR = f"(?<= )(?:{'|'.join(map(re.escape, PAIRS[:16]))})(?==? )"
 WORD = f"(?<![a-z])(?:{'|'.join(PAIRS[16:])})(?![a-z])"
-STATEMENT = re.compile(r"\s*(?:if \(.*\) .*|(?:else )?(?:[\w.:>\[\]-]+\(.*\)|\*?[\w.:>()\[\]*-]+ [-+*/%|&^<>]*= .*|"
-                       r"(?:\+\+|--)[\w.>\[\]-]+|break|continue|return));\s*$")
+STATEMENT = (r"\s*(?:if \(.*\) .*|(?:else )?(?:[\w.:>\[\]-]+\(.*\)|\*?[\w.:>()\[\]*-]+ [-+*/%|&^<>]*= .*|"
+             r"(?:\+\+|--)[\w.>\[\]-]+|break|continue|return));\s*$")
 
 def wrong_number(text, rng):
     """Off by one if whole and short, else with one of its first three digits changed."""
@@ -36,10 +36,9 @@ def faults_of(name, rng):
     before = ";"
     for index, (line, bare) in enumerate(zip(text.split("\n"), code.split("\n"))):
         for pattern, new in kinds.items():
-            if places := list(re.finditer(pattern, bare)):
-                place = rng.choice(places)
+            for place in rng.sample(found := list(re.finditer(pattern, bare)), min(len(found), 1)):
                 yield name, index, line, line[:place.start()] + new(place[0]) + line[place.end():]
-        if before[-1] in ";{}:)" and STATEMENT.match(bare) and bare.count("(") == bare.count(")"):
+        if before[-1] in ";{}:)" and re.match(STATEMENT, bare) and bare.count("(") == bare.count(")"):
             yield name, index, line, re.match(r"\s*", line)[0] + ";"
         before = bare.strip() or before
 
@@ -53,26 +52,24 @@ class Copy:
         self.programs = re.findall(r"(?m)^bin/\S+_tests(?=:)", self.ninja("-t", "targets", "all").stdout)
         self.ninja(*self.programs).check_returncode()
         shutil.copytree(self.out, self.good)
-
     def ninja(self, *arguments):
         return subprocess.run(["ninja", "-C", self.out, *arguments], text=True, stdout=subprocess.PIPE)
-
     def passes(self, program, tests, seconds):
         """Runs tests in an empty home within limits of time, memory and file size."""
         shutil.rmtree(self.home, ignore_errors=True)
         self.home.mkdir()
         limits = f'ulimit -c 0 -t {round(3 * seconds) + 5} -v 8000000 -f 1000000; exec "$@" >/dev/null 2>&1'
         command = ["timeout", "-s", "KILL", str(10 * seconds + 60), "bash", "-c", limits, "", self.out / program, tests]
-        env = os.environ | dict.fromkeys(("HOME", "TMPDIR", "XDG_DATA_HOME"), str(self.home))
-        return subprocess.run([*command, "--gtest_fail_fast"], env=env).returncode == 0
+        homes = dict.fromkeys(("HOME", "TMPDIR", "XDG_DATA_HOME"), str(self.home))
+        return subprocess.run(command, env=os.environ | homes | {"GTEST_FAIL_FAST": "1"}).returncode == 0
 
 def trial(fault, copies, stages):
     """Finds how a fault ends and leaves the copy as it was. Quick tests come first, its folder's own before others."""
     copy, (name, index, _, planted), outcome = copies.get(), fault, "same program"
     source, own = copy.tree / name, f"_{name.split('/')[0]}_"
-    times, lines = source.stat(), source.read_text().split("\n")
+    times, lines = source.stat().st_mtime_ns, source.read_text().split("\n")
     source.write_text("\n".join([*lines[:index], planted, *lines[index + 1:]]))
-    for _, program, tests, seconds, parts in sorted(stages, key=lambda stage: (stage[0], own not in stage[1], stage[3])):
+    for _, program, tests, seconds, parts in sorted(stages, key=lambda s: (s[0], own not in s[1], s[3])):
         if copy.ninja(program).returncode:
             outcome = "no program"
         elif not all(filecmp.cmp(copy.out / part, copy.good / part, shallow=False) for part in parts):
@@ -81,21 +78,21 @@ def trial(fault, copies, stages):
             break
     shutil.copytree(copy.good, copy.out, dirs_exist_ok=True)
     source.write_text("\n".join(lines))
-    os.utime(source, ns=(times.st_atime_ns, times.st_mtime_ns))
+    os.utime(source, ns=(times, times))
     copies.put(copy)
     return *fault, outcome
 
 def main():
     parser = argparse.ArgumentParser(prog="./dev mutate")
-    parser.add_argument("folders", nargs="*", default=["engine", "dsp"], metavar="FOLDER", help="[engine dsp]")
+    parser.add_argument("folders", nargs="*", default=["engine", "dsp"], help="[engine dsp]")
     for name, default in (("--count", 200), ("--seed", random.randrange(10**6)), ("--jobs", os.cpu_count())):
         parser.add_argument(name, type=int, default=default, help=f"[{default}]")
     options = parser.parse_args()
-    print(f"seed {options.seed}", flush=True)
     rng, folders = random.Random(options.seed), [folder.rstrip("/") for folder in options.folders]
-    paths = sorted(path for folder in folders for path in (ROOT / folder).rglob("*.*") if path.suffix in (".cpp", ".h"))
+    paths = [path for folder in folders for path in sorted((ROOT / folder).rglob("*")) if path.suffix in (".cpp", ".h")]
     faults = [fault for path in paths for fault in faults_of(str(path.relative_to(ROOT)), rng)]
     rng.shuffle(faults)
+    print(f"seed {options.seed}, {len(faults)} places", flush=True)
     copies, stages, score = queue.Queue(), [], collections.defaultdict(collections.Counter)
     for number in range(options.jobs):
         copies.put(copy := Copy(ROOT / "build/mutate" / str(number)))
@@ -110,13 +107,13 @@ def main():
     with ThreadPool(options.jobs) as pool:
         for name, index, line, fault, outcome in pool.imap_unordered(lambda f: trial(f, copies, stages), faults):
             score[name][outcome] += 1
+            score["all"][outcome] += 1
             if outcome == "survived":
                 print(f"{name}:{index + 1}\n  - {line.strip()}\n  + {fault.strip()}", flush=True)
-            total = sum(score.values(), collections.Counter())
-            if total["caught"] + total["survived"] == options.count:
+            if score["all"]["caught"] + score["all"]["survived"] == options.count:
                 break
     print(f"{'':36}  caught survived  per cent  not compiled  same program")
-    for name, n in [*sorted(score.items()), ("all", total)]:
+    for name, n in sorted(score.items(), key=lambda row: (row[0] == "all", row[0])):
         rate = 100 * n["survived"] / max(n["caught"] + n["survived"], 1)
         print(f"{name:36} {n['caught']:7} {n['survived']:8} {rate:9.1f} {n['no program']:13} {n['same program']:13}")
 
