@@ -3,7 +3,6 @@
 import argparse, collections, filecmp, itertools, os, queue, random, re, shutil, subprocess, time
 from multiprocessing.pool import ThreadPool
 from pathlib import Path
-
 ROOT = Path(__file__).resolve().parent.parent
 # Comments and literals; directives and lines that only name something; assertions, attributes; template arguments.
 NO_CODE = [r'//[^\n]*|/\*.*?\*/|R"\(.*?\)"|"(?:\\.|[^"\\\n])*"|(?<!\w)\'(?:\\.|[^\'\\\n])+\'',
@@ -44,12 +43,14 @@ def faults_of(name, rng):
 
 class Copy:
     """A copy of the tree with its build, that build again to restore it from, and a home for the tests."""
-    def __init__(self, base):
+    def __init__(self, base, folders):
         self.tree, self.good, self.home, self.out = (base / p for p in ("tree", "good", "home", "tree/build/mutate"))
         shutil.rmtree(base, ignore_errors=True)
         shutil.copytree(ROOT, self.tree, ignore=shutil.ignore_patterns("build", "out", ".git"))
         subprocess.run(["cmake", "--preset", "mutate"], cwd=self.tree, stdout=subprocess.DEVNULL, check=True)
-        self.programs = re.findall(r"(?m)^bin/\S+_tests(?=:)", self.ninja("-t", "targets", "all").stdout)
+        programs = re.findall(r"(?m)^bin/\S+_tests(?=:)", self.ninja("-t", "targets", "all").stdout)
+        inputs = {program: self.ninja("-t", "inputs", program).stdout for program in programs}
+        self.programs = [p for p in programs if any(f"{self.tree}/{folder}/" in inputs[p] for folder in folders)]
         self.ninja(*self.programs).check_returncode()
         shutil.copytree(self.out, self.good)
     def ninja(self, *arguments):
@@ -91,19 +92,18 @@ def main():
     rng, folders = random.Random(options.seed), [folder.rstrip("/") for folder in options.folders]
     paths = [path for folder in folders for path in sorted((ROOT / folder).rglob("*")) if path.suffix in (".cpp", ".h")]
     faults = [fault for path in paths for fault in faults_of(str(path.relative_to(ROOT)), rng)]
-    rng.shuffle(faults)
+    rng.shuffle(faults or parser.error("no code in these folders"))
     print(f"seed {options.seed}, {len(faults)} places", flush=True)
     copies, stages, score = queue.Queue(), [], collections.defaultdict(collections.Counter)
     for number in range(options.jobs):
-        copies.put(copy := Copy(ROOT / "build/mutate" / str(number)))
+        copies.put(copy := Copy(ROOT / "build/mutate" / str(number), folders))
     for program, slow in itertools.product(copy.programs, (False, True)):
         tests = f"--gtest_filter={'' if slow else '-'}*Endurance*"
         inputs, start = copy.ninja("-t", "inputs", program).stdout, time.monotonic()
-        if any(f"{copy.tree}/{folder}/" in inputs for folder in folders):
-            if not copy.passes(program, tests, 600):
-                parser.exit(1, f"{program} fails without a fault\n")
-            seconds, parts = time.monotonic() - start, [program, *re.findall("(?m)^bin/.*", inputs)]
-            stages.append((slow, program, tests, seconds, parts))
+        if not copy.passes(program, tests, 600):
+            parser.exit(1, f"{program} fails without a fault\n")
+        seconds, parts = time.monotonic() - start, [program, *re.findall("(?m)^bin/.*", inputs)]
+        stages.append((slow, program, tests, seconds, parts))
     with ThreadPool(options.jobs) as pool:
         for name, index, line, fault, outcome in pool.imap_unordered(lambda f: trial(f, copies, stages), faults):
             score[name][outcome] += 1
