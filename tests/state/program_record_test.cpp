@@ -17,7 +17,7 @@ program detuned_sawtooth() {
   stored.name = "Detuned Sawtooth A";
   stored.sound_uuid = "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder";
   stored.octave_on = true;
-  for (const size_t key : {12, 16, 19}) stored.keys[key] = 1;
+  for (const size_t key : {12U, 16U, 19U}) stored.keys[key] = 1;
   return stored;
 }
 

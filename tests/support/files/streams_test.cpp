@@ -143,11 +143,12 @@ TEST_F(ResourceFile, CannotSeekToItsEnd) {
   file.seek(-1, seek_origin::end);
   EXPECT_EQ(read(file, 1), "9");
   file.seek(4, seek_origin::start);
-  for (const auto& [offset, origin] : {std::pair{int64_t{10}, seek_origin::start},
-                                       {0, seek_origin::end},
-                                       {6, seek_origin::position},
-                                       {k_highest, seek_origin::position}}) {
-    EXPECT_EQ(thrown<err::logic_error>([&] { file.seek(offset, origin); }), "resource_file::seek() Overflow Error!");
+  for (const auto& place : {std::pair{int64_t{10}, seek_origin::start},
+                            {0, seek_origin::end},
+                            {6, seek_origin::position},
+                            {k_highest, seek_origin::position}}) {
+    EXPECT_EQ(thrown<err::logic_error>([&] { file.seek(place.first, place.second); }),
+              "resource_file::seek() Overflow Error!");
   }
   EXPECT_EQ(read(file, 1), "4");
 }
