@@ -44,7 +44,7 @@ void install_crash_handler() {
   struct sigaction action {};
   action.sa_handler = end_process;
   // On the alternate stack, where the host has set one: a stack that has overflowed has no room for a handler.
-  action.sa_flags = SA_ONSTACK | SA_RESETHAND;
+  action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
   sigemptyset(&action.sa_mask);
   for (const int signal_number : k_crash_signals) sigaction(signal_number, &action, nullptr);
 }
