@@ -35,7 +35,7 @@ effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int 
   dispatch(effOpen);
   try {
     check_identity();
-    set_rate(rate_hz);
+    dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
     dispatch(effSetBlockSize, 0, block);
     arrange_speakers(input_channels);
     shake_hands();
@@ -69,10 +69,6 @@ std::string effect_host::state(image_kind kind) const {
 
 void effect_host::set_state(image_kind kind, std::string image) {
   dispatch(effSetChunk, state_index(kind), static_cast<VstIntPtr>(image.size()), image.data());
-}
-
-void effect_host::set_rate(int rate_hz) {
-  dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
 }
 
 void effect_host::start() {

@@ -31,9 +31,6 @@ class effect_host {
   // The effect doesn't tell whether it takes the image; state() does. What it asks for holds from the next block on.
   void set_state(image_kind kind, std::string image);
 
-  // Changes the rate while processing stands still.
-  void set_rate(int rate_hz);
-
   // Starts processing; closing ends it.
   void start();
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <set>
 #include <sstream>
 
 #include "hosts/finding.h"
@@ -11,25 +12,40 @@
 
 extern const signed char sound_table_bytes[];
 extern const unsigned int sound_table_bytes_size;
+extern const signed char sound_value_bytes[];
+extern const unsigned int sound_value_bytes_size;
 
-// Rows of number, category, root key, name and uuid. Lines that begin with # and the first other line, the headings,
-// are passed over. The table comes with the program, and a test holds it against the effect's own.
-static std::vector<sound> sounds_of_table(std::string_view table) {
-  std::vector<sound> sounds;
+namespace {
+
+using table_row = std::vector<std::string>;
+
+// The rows of an embedded table. Lines that begin with # and the first other line, the headings, are skipped.
+std::vector<table_row> rows_of(const signed char* bytes, std::size_t size) {
+  std::vector<table_row> rows;
   bool below_headings = false;
-  for (const auto& row : split(table, '\n')) {
-    if (row.empty() || row.front() == '#') continue;
-    const auto cells = split(row, ',');
-    if (below_headings)
-      sounds.push_back({std::stoi(cells.at(0)), std::stoi(cells.at(2)), cells.at(3), cells.at(1), cells.at(4)});
+  for (const auto& line : split({reinterpret_cast<const char*>(bytes), size}, '\n')) {
+    if (line.empty() || line.front() == '#') continue;
+    if (below_headings) rows.push_back(split(line, ','));
     below_headings = true;
+  }
+  return rows;
+}
+
+std::vector<sound> embedded_sounds() {
+  std::set<int> with_values;
+  for (const auto& row : rows_of(sound_value_bytes, sound_value_bytes_size)) with_values.insert(std::stoi(row.at(0)));
+  std::vector<sound> sounds;
+  for (const auto& row : rows_of(sound_table_bytes, sound_table_bytes_size)) {
+    const int number = std::stoi(row.at(0));
+    sounds.push_back({number, std::stoi(row.at(2)), row.at(3), row.at(1), row.at(4), with_values.contains(number)});
   }
   return sounds;
 }
 
+}  // namespace
+
 const std::vector<sound>& known_sounds() {
-  static const auto sounds =
-      sounds_of_table({reinterpret_cast<const char*>(sound_table_bytes), sound_table_bytes_size});
+  static const auto sounds = embedded_sounds();
   return sounds;
 }
 

@@ -11,10 +11,11 @@ struct sound {
   std::string name;
   std::string category;
   std::string uuid;
+  bool has_values;  // the engine can play it; without values it writes no output
 };
 
-// The effect's sounds, ascending by number. The VST 2.4 interface has no call for them, so the table
-// resources/sounds/catalogue.csv is built in.
+// The effect's sounds, ascending by number. The VST 2.4 interface has no call for them, so they come from two tables
+// built into this program: resources/sounds/catalogue.csv and, for `has_values`, factory_sounds.csv beside it.
 const std::vector<sound>& known_sounds();
 
 // Finds the sound that `wanted` means: its number, its name or uuid in any case, or a part of its name that no other

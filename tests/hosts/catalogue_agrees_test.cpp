@@ -1,6 +1,7 @@
 // MIT License. Test that the host's table of sounds says what the effect's catalogue says.
 #include <gtest/gtest.h>
 
+#include "engine/factory_sounds.h"
 #include "hosts/sounds.h"
 #include "plugin/catalogue.h"
 
@@ -17,6 +18,7 @@ TEST(KnownSounds, AreThoseOfTheEffect) {
     EXPECT_EQ(known.name, row->name);
     EXPECT_EQ(known.category, catalogue.category_with_id(row->category_id)->name) << row->name;
     EXPECT_EQ(known.uuid, row->uuid);
+    EXPECT_EQ(known.has_values, !factory_sound_texts[known.number].empty()) << row->name;
   }
   EXPECT_EQ(position, known_sounds().size());
 }
