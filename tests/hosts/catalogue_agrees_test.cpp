@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/factory_sounds.h"
-#include "hosts/sounds.h"
+#include "hosts/effect/sounds.h"
 #include "plugin/catalogue.h"
 
 TEST(KnownSounds, AreThoseOfTheEffect) {

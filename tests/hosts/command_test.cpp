@@ -7,8 +7,8 @@
 #include <cmath>
 #include <thread>
 
-#include "hosts/finding.h"
-#include "hosts/sounds.h"
+#include "hosts/effect/finding.h"
+#include "hosts/effect/sounds.h"
 #include "tests/hosts/command.h"
 
 namespace fs = std::filesystem;

@@ -1,9 +1,9 @@
 // MIT License. Tests of finding a sound or a program by what a person types.
-#include "hosts/finding.h"
+#include "hosts/effect/finding.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 static const std::vector<findable> entries = {
     {0, "Basic Detuned Sawtooth", "maker.basic.Basic_Detuned_Sawtooth"},

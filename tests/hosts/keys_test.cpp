@@ -1,9 +1,9 @@
 // MIT License. Tests of key lists and note names.
-#include "hosts/keys.h"
+#include "hosts/effect/keys.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 using keys = std::vector<int>;
 

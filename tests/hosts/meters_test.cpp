@@ -1,5 +1,5 @@
 // MIT License. Tests of the meters.
-#include "hosts/meters.h"
+#include "hosts/render/output.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-#include "hosts/program_image.h"
+#include "hosts/effect/program_image.h"
 #include "vst2/aeffect.h"
 
 static bool is(const char* way) {

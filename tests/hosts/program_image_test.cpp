@@ -1,9 +1,9 @@
 // MIT License. Tests of images and records beyond what the effect itself writes.
-#include "hosts/program_image.h"
+#include "hosts/effect/program_image.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 static const plugin_identity plugin{0x4B56344D, 1};
 static const program full{"Name", "maker.uuid", true, false, true, {0, 12, 35}};

@@ -1,12 +1,11 @@
 // MIT License. Brings an effect to the program that the command line asks for.
-#include "hosts/preparation.h"
+#include "hosts/render/preparation.h"
 
-#include "hosts/interruption.h"
-#include "hosts/keys.h"
-#include "hosts/partial_file.h"
-#include "hosts/programs.h"
-#include "hosts/sounds.h"
-#include "hosts/state_file.h"
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/keys.h"
+#include "hosts/effect/partial_file.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
 #include "vst2/types.h"
 
 // What a sound is heard through when no program is asked for: a major chord in the middle of the keyboard.

@@ -1,12 +1,12 @@
 // MIT License. The command line of kesrel-render.
-#include "hosts/options.h"
+#include "hosts/render/options.h"
 
 #include <charconv>
 
 #include <CLI/CLI.hpp>
 
-#include "hosts/audio_file.h"
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
+#include "hosts/render/voice.h"
 
 static std::string closing_words() {
   return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +

@@ -1,5 +1,7 @@
 // MIT License. Renders a voice through the effect into a file.
-#include "hosts/render.h"
+#include "hosts/render/render.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -7,22 +9,19 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <vector>
 
-#include "hosts/audio_file.h"
-#include "hosts/delivery.h"
-#include "hosts/effect_host.h"
-#include "hosts/failure.h"
-#include "hosts/finding.h"
-#include "hosts/interruption.h"
-#include "hosts/partial_file.h"
-#include "hosts/preparation.h"
-#include "hosts/programs.h"
-#include "hosts/progress.h"
-#include "hosts/sounds.h"
-#include "hosts/text.h"
-#include "hosts/timeline.h"
-#include "hosts/voice_feed.h"
+#include "hosts/effect/effect_host.h"
+#include "hosts/effect/finding.h"
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/partial_file.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
+#include "hosts/render/output.h"
+#include "hosts/render/preparation.h"
+#include "hosts/render/voice.h"
 
 namespace {
 
@@ -33,6 +32,88 @@ const float k_unwritten = std::bit_cast<float>(0x7fc0beefU);
 // A tail below this level, for this long, has died away.
 constexpr float k_inaudible = 1e-4F;  // -80 dBFS
 constexpr double k_quiet_seconds = 0.1;
+
+// In samples of the effect's rate; 0 is where the voice begins.
+struct timeline {
+  int64_t run_in;       // head of the first block, before 0: silence goes in, and nothing is written
+  int64_t start;        // first sample that is written
+  int64_t keys_up;      // the chord is let go at the head of this block; never when compensated
+  int64_t end;          // one past the last sample that is written
+  int64_t longest_end;  // how far a reverb's tail may move `end`
+};
+
+// The synthesizer's filter opens from nothing, with a time constant of 68 ms, and once more by a step per block. After
+// a second the first syllable is as clear as all others, and blocks of any length sound alike. Whole seconds are whole
+// samples at every rate, which keeps converted streams aligned.
+constexpr double run_in_seconds = 1.0;
+// How long the chord stays after the last word, for the envelopes to fall by themselves.
+constexpr double hold_seconds = 0.25;
+// What the chord itself takes to fall by 60 dB after that: seven time constants of 11.4 ms, and some room.
+constexpr double release_seconds = 0.1;
+// More than the largest hall needs for 60 dB; a tail that hasn't died away by then is cut.
+constexpr double longest_reverb_seconds = 12.0;
+
+int64_t samples_of(double seconds, int rate_hz) {
+  return std::llround(seconds * rate_hz);
+}
+
+int64_t rounded_up(int64_t samples, int64_t block) {
+  return (samples + block - 1) / block * block;
+}
+
+// The timeline of a voice of `voice_samples` in blocks of `block`.
+//   compensate   the output has the voice's own length and timing
+//   reverb       the tail may go on until it has died away
+timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compensate, bool reverb) {
+  const int64_t latency = latency_samples(rate_hz);
+  const int64_t run_in = -samples_of(run_in_seconds, rate_hz);
+  if (compensate) {
+    const int64_t end = latency + voice_samples;
+    return {run_in, latency, std::numeric_limits<int64_t>::max(), end, end};
+  }
+  const int64_t held = voice_samples + latency + samples_of(hold_seconds, rate_hz);
+  const int64_t keys_up = run_in + rounded_up(held - run_in, block);
+  const int64_t end = keys_up + latency + samples_of(release_seconds, rate_hz);
+  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(longest_reverb_seconds, rate_hz) : 0)};
+}
+
+// A progress bar on standard error, for terminals.
+constexpr int bar_width = 40;
+constexpr std::chrono::milliseconds redraw_interval{100};
+
+class progress_bar {
+ public:
+  // Draws only when `wanted` and standard error is a terminal.
+  progress_bar(int64_t total, bool wanted);
+  ~progress_bar();  // wipes the line
+  progress_bar(const progress_bar&) = delete;
+  progress_bar& operator=(const progress_bar&) = delete;
+
+  void show(int64_t done);
+
+ private:
+  using clock = std::chrono::steady_clock;
+  int64_t total_;
+  bool drawing_;
+  clock::time_point next_{};
+};
+
+progress_bar::progress_bar(int64_t total, bool wanted)
+    : total_(std::max<int64_t>(total, 1)), drawing_(wanted && isatty(STDERR_FILENO) != 0) {}
+
+progress_bar::~progress_bar() {
+  if (drawing_) std::fputs("\r\033[K", stderr);
+}
+
+void progress_bar::show(int64_t done) {
+  if (!drawing_ || clock::now() < next_) return;
+  next_ = clock::now() + redraw_interval;
+  const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(total_));
+  const auto filled = static_cast<std::size_t>(share * bar_width);
+  const std::string bar = std::string(filled, '#') + std::string(bar_width - filled, '.');
+  std::fprintf(stderr, "\r[%s] %3.0f %%", bar.c_str(), share * 100.0);
+  std::fflush(stderr);
+}
 
 class stereo_block {
  public:

@@ -1,7 +1,5 @@
-// MIT License. Small text operations that messages and look-ups share.
-#include "hosts/text.h"
-
-#include <algorithm>
+// MIT License. Messages: the exception that carries them, and the text operations that they and look-ups share.
+#include "hosts/effect/text.h"
 
 std::string lower_case(std::string_view text) {
   std::string result(text);
@@ -41,18 +39,4 @@ std::string on_one_line(std::string text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
   }
   return text;
-}
-
-int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
-  std::vector<int> row(text.size() + 1, 0);  // zeros: the stretch may start anywhere
-  for (std::size_t i = 0; i < wanted.size(); ++i) {
-    int diagonal = row[0];
-    row[0] = static_cast<int>(i) + 1;
-    for (std::size_t j = 1; j <= text.size(); ++j) {
-      const int replaced = diagonal + (wanted[i] == text[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-    }
-  }
-  return *std::min_element(row.begin(), row.end());  // and may end anywhere
 }

@@ -1,5 +1,5 @@
 // MIT License. A file that appears under its name only when it is whole.
-#include "hosts/partial_file.h"
+#include "hosts/effect/partial_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +9,7 @@
 #include <climits>
 #include <system_error>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
 

@@ -1,10 +1,10 @@
 // MIT License. Images of an effect's programs: what its state calls exchange, and state files hold.
-#include "hosts/program_image.h"
+#include "hosts/effect/program_image.h"
 
 #include <algorithm>
 
-#include "hosts/failure.h"
-#include "hosts/keys.h"
+#include "hosts/effect/keys.h"
+#include "hosts/effect/text.h"
 
 namespace {
 

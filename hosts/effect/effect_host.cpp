@@ -1,10 +1,17 @@
 // MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
-#include "hosts/effect_host.h"
+#include "hosts/effect/effect_host.h"
 
-#include "hosts/failure.h"
-#include "hosts/interruption.h"
-#include "hosts/plugin_module.h"
+#include <dlfcn.h>
 
+#include <cmath>
+#include <filesystem>
+
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/text.h"
+
+namespace fs = std::filesystem;
+
+constexpr int core_latency_samples = 1024;
 constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
 
 // What this host answers. Everything it doesn't know is 0, as the interface has it.
@@ -23,9 +30,33 @@ static VstInt32 state_index(image_kind kind) {
   return kind == image_kind::bank ? 0 : 1;
 }
 
+static fs::path own_plugin() {
+  return fs::read_symlink("/proc/self/exe").replace_filename("KesrelVocoder4ME.so");
+}
+
+// Loads the module at `path`, for good, and returns its entry. An empty path means the module beside this program.
+static VSTPluginMainProc load_plugin(const std::string& path) {
+  // An absolute path, as a bare name would be searched for among the system's libraries.
+  const std::string place = path.empty() ? own_plugin() : fs::absolute(path);
+  void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (module == nullptr) throw failure(std::string("the plug-in cannot be loaded: ") + dlerror());
+  for (const char* name : {"VSTPluginMain", "MAIN"}) {  // the second is that of older modules
+    if (void* const entry = dlsym(module, name)) return reinterpret_cast<VSTPluginMainProc>(entry);
+  }
+  throw failure("'" + place + "' is no VST 2.4 plug-in: it has no VSTPluginMain");
+}
+
 static AEffect* start_effect(const std::string& plugin) {
   const interruption_guard guard;
   return load_plugin(plugin)(answer);
+}
+
+int64_t latency_samples(int rate_hz) {
+  return std::llround(static_cast<double>(core_latency_samples) * rate_hz / core_rate_hz);
+}
+
+int shortest_block(int rate_hz) {
+  return static_cast<int>(std::ceil(0.5 * rate_hz / core_rate_hz));
 }
 
 effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)

@@ -1,14 +1,14 @@
 // MIT License. The list of sounds: finding one in it, and showing it.
-#include "hosts/sounds.h"
+#include "hosts/effect/sounds.h"
 
 #include <algorithm>
 #include <iomanip>
 #include <set>
 #include <sstream>
 
-#include "hosts/finding.h"
-#include "hosts/keys.h"
-#include "hosts/text.h"
+#include "hosts/effect/finding.h"
+#include "hosts/effect/keys.h"
+#include "hosts/effect/text.h"
 
 extern const signed char sound_table_bytes[];
 extern const unsigned int sound_table_bytes_size;

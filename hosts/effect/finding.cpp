@@ -1,13 +1,12 @@
 // MIT License. Finding one of several things by what a person types.
-#include "hosts/finding.h"
+#include "hosts/effect/finding.h"
 
 #include <algorithm>
 #include <charconv>
 #include <functional>
 #include <tuple>
 
-#include "hosts/failure.h"
-#include "hosts/text.h"
+#include "hosts/effect/text.h"
 
 constexpr std::size_t most_candidates_named = 5;
 constexpr std::size_t most_suggestions = 3;
@@ -46,6 +45,23 @@ static std::size_t find_number(const std::vector<findable>& entries, std::string
   }
   throw failure(std::string("no ") + kind + " has the number " + std::string(wanted) + ": there are " +
                 runs_of(possible));
+}
+
+// Edits (insert, remove, replace) that turn `wanted` into the best matching stretch of `text`; where that stretch
+// starts and ends costs nothing.
+//   source   Sellers, "The theory and computation of evolutionary distances", 1980
+static int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
+  std::vector<int> row(text.size() + 1, 0);  // zeros: the stretch may start anywhere
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    int diagonal = row[0];
+    row[0] = static_cast<int>(i) + 1;
+    for (std::size_t j = 1; j <= text.size(); ++j) {
+      const int replaced = diagonal + (wanted[i] == text[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return *std::min_element(row.begin(), row.end());  // and may end anywhere
 }
 
 // Edits that make every word of `wanted` part of `name`, in whatever order the words come.

@@ -1,9 +1,15 @@
-// MIT License. Small text operations that messages and look-ups share.
+// MIT License. Messages: the exception that carries them, and the text operations that they and look-ups share.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// A command that cannot be carried out. The text says in one line what was wrong and what is possible.
+struct failure : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 // `text` with A to Z in lower case, whatever the locale.
 std::string lower_case(std::string_view text);
@@ -16,8 +22,3 @@ std::string joined(const std::vector<std::string>& items);
 
 // `text` with every control character replaced by '?', so that a message stays on its line whatever a file is called.
 std::string on_one_line(std::string text);
-
-// Edits (insert, remove, replace) that turn `wanted` into the best matching stretch of `text`; where that stretch
-// starts and ends costs nothing.
-//   source   Sellers, "The theory and computation of evolutionary distances", 1980
-int edits_to_a_part_of(std::string_view text, std::string_view wanted);

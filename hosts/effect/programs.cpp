@@ -1,16 +1,24 @@
 // MIT License. The programs of an effect that has shaken hands: which is in use, what it says, and changing it.
-#include "hosts/programs.h"
+#include "hosts/effect/programs.h"
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <iomanip>
+#include <iterator>
 #include <sstream>
 #include <vector>
 
-#include "hosts/failure.h"
-#include "hosts/finding.h"
-#include "hosts/keys.h"
-#include "hosts/text.h"
+#include "hosts/effect/finding.h"
+#include "hosts/effect/keys.h"
+#include "hosts/effect/partial_file.h"
+#include "hosts/effect/text.h"
+
+namespace fs = std::filesystem;
+
+// Far more than any bank has; a larger file is something else, taken for a state by mistake.
+constexpr std::uintmax_t most_state_bytes = 64 << 20;
 
 static program_image image_of(const effect_host& host, image_kind kind) {
   return read_image("the effect's state", host.state(kind), host.identity());
@@ -37,11 +45,8 @@ static std::string differences(const program& wanted, const program& got) {
   return joined(fields);
 }
 
-void use_program(const program& wanted, effect_host* host) {
-  use_program(wanted, single_program_image(wanted, host->program(), host->identity()), host);
-}
-
-void use_program(const program& wanted, const std::string& image, effect_host* host) {
+// Replaces the program in use by `image`, which says `wanted`.
+static void use_image(const program& wanted, const std::string& image, effect_host* host) {
   host->set_state(image_kind::single_program, image);
   const program got = program_in_use(*host);
   if (got == wanted) return;
@@ -49,21 +54,8 @@ void use_program(const program& wanted, const std::string& image, effect_host* h
                 differences(wanted, got));
 }
 
-void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
-  host->set_state(image_kind::bank, bytes);
-  const auto not_taken = [&](const std::string& part) {
-    return failure("the effect did not take " + part + " of " + what);
-  };
-  const auto got = image_of(*host, image_kind::bank);
-  if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
-  for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
-    const auto& wanted = image.programs[slot];
-    // The effect writes the record of the program in use anew, and keeps the others as they came.
-    const bool in_use = static_cast<std::size_t>(image.current) == slot;
-    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
-                                                             : got.programs[slot].record == wanted.record);
-    if (!taken) throw not_taken("program " + std::to_string(slot));
-  }
+void use_program(const program& wanted, effect_host* host) {
+  use_image(wanted, single_program_image(wanted, host->program(), host->identity()), host);
 }
 
 void select_program(std::string_view wanted, effect_host* host) {
@@ -119,4 +111,64 @@ std::string program_table(const effect_host& host) {
     table << "\n";
   }
   return table.str();
+}
+
+static std::string called(const std::string& path) {
+  return "state '" + path + "'";
+}
+
+static std::string content_of(const std::string& path) {
+  std::error_code error;
+  const auto status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
+  if (error) throw failure(called(path) + " cannot be read: " + error.message());
+  if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
+  if (fs::file_size(path) > most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  if (!file) throw failure(called(path) + " cannot be read");
+  return bytes;
+}
+
+// Replaces the bank by `image`, whose bytes are `bytes`.
+//   what     how messages name it
+//   throws   failure when the effect's state then says anything else
+static void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
+  host->set_state(image_kind::bank, bytes);
+  const auto not_taken = [&](const std::string& part) {
+    return failure("the effect did not take " + part + " of " + what);
+  };
+  const auto got = image_of(*host, image_kind::bank);
+  if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
+  for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
+    const auto& wanted = image.programs[slot];
+    // The effect writes the record of the program in use anew, and keeps the others as they came.
+    const bool in_use = static_cast<std::size_t>(image.current) == slot;
+    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
+                                                             : got.programs[slot].record == wanted.record);
+    if (!taken) throw not_taken("program " + std::to_string(slot));
+  }
+}
+
+void load_state(const std::string& path, effect_host* host) {
+  const std::string bytes = content_of(path);
+  const auto image = read_image(called(path), bytes, host->identity());
+  if (image.kind == image_kind::single_program) {
+    use_image(image.programs.front().content, bytes, host);
+    return;
+  }
+  const int slots = std::max(host->program_count(), static_cast<int>(image.programs.size()));
+  if (image.current < 0 || image.current >= slots) {
+    throw failure(called(path) + " has program " + std::to_string(image.current) + " in use, and there are 0 to " +
+                  std::to_string(slots - 1));
+  }
+  use_bank(called(path), image, bytes, host);
+}
+
+void save_state(const std::string& path, const effect_host& host) {
+  const bool single = lower_case(fs::path(path).extension().string()) == ".fxp";
+  const std::string image = host.state(single ? image_kind::single_program : image_kind::bank);
+  partial_file partial(called(path), path);
+  partial.write(image);
+  partial.finish();
 }

@@ -1,12 +1,11 @@
 // MIT License. Keys of the chord: key indices and note names as a person writes them.
-#include "hosts/keys.h"
+#include "hosts/effect/keys.h"
 
 #include <algorithm>
 #include <charconv>
 #include <set>
 
-#include "hosts/failure.h"
-#include "hosts/text.h"
+#include "hosts/effect/text.h"
 
 static std::optional<int> whole_number(std::string_view text) {
   int number = 0;

@@ -1,21 +1,20 @@
-// MIT License. Sound files: reading the voice, writing the result.
-#include "hosts/audio_file.h"
+// MIT License. The voice: its sound file, and the stream of it that the effect hears.
+#include "hosts/render/voice.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <system_error>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
-
-constexpr int64_t most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
-constexpr int64_t wav_header_bytes = 4096;      // more than libsndfile ever writes around the samples
 
 static std::string system_text(int error) {
   return std::generic_category().message(error);
@@ -101,37 +100,41 @@ void voice_reader::read(std::array<float*, 2> channels, int count) {
   }
 }
 
-wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format)
-    : what_("output '" + path + "'"), partial_(what_, path) {
-  SF_INFO info{};
-  info.samplerate = rate_hz;
-  info.channels = 2;
-  info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
-  file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
-  if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
-  sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-  sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
-  room_ = (most_wav_bytes - wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
-}
+constexpr int piece_samples = 4096;
 
-void wav_writer::write(const float* left, const float* right, int count) {
-  room_ -= count;
-  if (room_ < 0) throw failure(what_ + " would exceed the 4 GiB that a WAV file can hold");
-  interleaved_.resize(2 * static_cast<std::size_t>(count));
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    interleaved_[2 * i] = left[i];
-    interleaved_[2 * i + 1] = right[i];
-  }
-  if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
-    throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
+voice_feed::voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz)
+    : voice_(*voice),
+      position_(-silence_before),
+      converter_(voice->rate_hz(), rate_hz, voice->channels()),
+      piece_(static_cast<std::size_t>(voice->channels())) {}
+
+void voice_feed::next(float* const* channels, int count) {
+  for (int filled = 0; filled < count;) {
+    if (ready_ == nullptr || taken_ == ready_->front().size()) {
+      convert_more();
+      continue;
+    }
+    const auto some = std::min(static_cast<std::size_t>(count - filled), ready_->front().size() - taken_);
+    std::copy_n(ready_->front().data() + taken_, some, channels[0] + filled);
+    std::copy_n(ready_->back().data() + taken_, some, channels[1] + filled);
+    taken_ += some;
+    filled += static_cast<int>(some);
   }
 }
 
-void wav_writer::finish() {
-  const int unsaid = sf_error(file_.get());
-  const int unclosed = sf_close(file_.release());
-  for (const int error : {unsaid, unclosed}) {
-    if (error != SF_ERR_NO_ERROR) throw failure(what_ + " cannot be written: " + sf_error_number(error));
+void voice_feed::convert_more() {
+  for (auto& channel : piece_) channel.assign(piece_samples, 0.0F);
+  const int64_t lead = std::clamp<int64_t>(-position_, 0, piece_samples);
+  const int64_t wanted = std::min(piece_samples - lead, voice_.frames() - position_ - lead);
+  if (wanted > 0) voice_.read({piece_.front().data() + lead, piece_.back().data() + lead}, static_cast<int>(wanted));
+  position_ += piece_samples;
+
+  // The effect makes bad samples 0. The converter would smear them over their surroundings.
+  const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
+  for (auto& channel : piece_) {
+    std::replace_if(
+        channel.begin(), channel.end(), [](float x) { return !std::isfinite(x); }, 0.0F);
   }
-  partial_.finish();
+  ready_ = &converter_.convert(pointers, piece_samples);
+  taken_ = 0;
 }

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/effect_host.h"
-#include "hosts/program_image.h"
-#include "hosts/sounds.h"
+#include "hosts/effect/effect_host.h"
+#include "hosts/effect/program_image.h"
+#include "hosts/effect/sounds.h"
 
 // The program in use, as the effect's state has it now. Throws failure when it gives none.
 program program_in_use(const effect_host& host);
@@ -15,15 +15,8 @@ program program_in_use(const effect_host& host);
 const sound& sound_of(const program& content);
 
 // Replaces the program in use.
-//   image    a single program's image; left out, it is made from `wanted`
 //   throws   failure when the effect's state then says anything else than `wanted`
 void use_program(const program& wanted, effect_host* host);
-void use_program(const program& wanted, const std::string& image, effect_host* host);
-
-// Replaces the bank by `image`, whose bytes are `bytes`.
-//   what     how messages name it
-//   throws   failure when the effect's state then says anything else
-void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host);
 
 // Brings the program into use that `wanted` means: its number, its name, or a part of its name that no other has.
 //   throws   failure when there is none or more than one, with the candidates, and when the effect doesn't follow
@@ -31,3 +24,11 @@ void select_program(std::string_view wanted, effect_host* host);
 
 // The programs as a table, a line per program: a star at the one in use, number, name, sound, switches, keys.
 std::string program_table(const effect_host& host);
+
+// Restores the effect from the file, which tells by its content what it holds. A single program takes the place of the
+// one in use. Throws failure for what is no state of this effect, and when the effect doesn't take it.
+void load_state(const std::string& path, effect_host* host);
+
+// Writes the effect's bank, or the program in use when `path` ends in ".fxp". Throws failure when the place cannot be
+// written to, and then leaves it as it was.
+void save_state(const std::string& path, const effect_host& host);

@@ -1,5 +1,5 @@
 // MIT License. Ending in good order when a signal asks for it.
-#include "hosts/interruption.h"
+#include "hosts/effect/interruption.h"
 
 #include <cstdlib>
 

@@ -1,10 +1,10 @@
 // MIT License. Streams of samples at another rate.
-#include "hosts/rate_converter.h"
+#include "hosts/render/rate_converter.h"
 
 #include <algorithm>
 #include <string>
 
-#include "hosts/failure.h"
+#include "hosts/effect/text.h"
 
 constexpr std::size_t piece_samples = 4096;  // of output per call, so that memory stays small
 

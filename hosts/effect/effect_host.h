@@ -1,10 +1,21 @@
 // MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
-#include "hosts/program_image.h"
+#include "hosts/effect/program_image.h"
 #include "vst2/aeffect.h"
+
+// Rate of the effect's own grid. A host that runs it at this rate gets exact pitches.
+constexpr int core_rate_hz = 44100;
+
+// Delay of the effect: 1024 samples on its own grid of 44100 Hz, to the nearest sample.
+int64_t latency_samples(int rate_hz);
+
+// The shortest block of which the effect's grid gets a sample. It rounds each block's length to its grid, so that
+// shorter blocks would all be empty there, and the output silence.
+int shortest_block(int rate_hz);
 
 // One effect from opening to closing, known through the VST 2.4 interface alone. All calls come from one thread.
 class effect_host {

@@ -5,16 +5,14 @@
 #include <string>
 #include <system_error>
 
-#include "hosts/effect_host.h"
-#include "hosts/failure.h"
-#include "hosts/interruption.h"
-#include "hosts/options.h"
-#include "hosts/preparation.h"
-#include "hosts/programs.h"
-#include "hosts/render.h"
-#include "hosts/sounds.h"
-#include "hosts/text.h"
-#include "hosts/timeline.h"
+#include "hosts/effect/effect_host.h"
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
+#include "hosts/render/options.h"
+#include "hosts/render/preparation.h"
+#include "hosts/render/render.h"
 
 constexpr int status_not_done = 2;
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "hosts/options.h"
+#include "hosts/render/options.h"
 
 struct render_report {
   double seconds = 0.0;  // length of the output
