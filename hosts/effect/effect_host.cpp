@@ -11,11 +11,13 @@
 
 namespace fs = std::filesystem;
 
-constexpr int core_latency_samples = 1024;
-constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
+namespace {
+
+constexpr int k_core_latency_samples = 1024;
+constexpr VstInt32 k_plugin_id = CCONST('K', 'V', '4', 'M');
 
 // What this host answers. Everything it doesn't know is 0, as the interface has it.
-static VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
+VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
   switch (opcode) {
     case audioMasterVersion:
       return kVstVersion;
@@ -26,16 +28,16 @@ static VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, f
   }
 }
 
-static VstInt32 state_index(image_kind kind) {
+VstInt32 state_index(image_kind kind) {
   return kind == image_kind::bank ? 0 : 1;
 }
 
-static fs::path own_plugin() {
+fs::path own_plugin() {
   return fs::read_symlink("/proc/self/exe").replace_filename("KesrelVocoder4ME.so");
 }
 
 // Loads the module at `path`, for good, and returns its entry. An empty path means the module beside this program.
-static VSTPluginMainProc load_plugin(const std::string& path) {
+VSTPluginMainProc load_plugin(const std::string& path) {
   // An absolute path, as a bare name would be searched for among the system's libraries.
   const std::string place = path.empty() ? own_plugin() : fs::absolute(path);
   void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -46,17 +48,19 @@ static VSTPluginMainProc load_plugin(const std::string& path) {
   throw failure("'" + place + "' is no VST 2.4 plug-in: it has no VSTPluginMain");
 }
 
-static AEffect* start_effect(const std::string& plugin) {
+AEffect* start_effect(const std::string& plugin) {
   const interruption_guard guard;
   return load_plugin(plugin)(answer);
 }
 
+}  // namespace
+
 int64_t latency_samples(int rate_hz) {
-  return std::llround(static_cast<double>(core_latency_samples) * rate_hz / core_rate_hz);
+  return std::llround(static_cast<double>(k_core_latency_samples) * rate_hz / k_core_rate_hz);
 }
 
 int shortest_block(int rate_hz) {
-  return static_cast<int>(std::ceil(0.5 * rate_hz / core_rate_hz));
+  return static_cast<int>(std::ceil(0.5 * rate_hz / k_core_rate_hz));
 }
 
 effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
@@ -110,7 +114,7 @@ void effect_host::start() {
 
 // The sounds and the state's format are this one plug-in's.
 void effect_host::check_identity() const {
-  if (effect_->uniqueID == plugin_id) return;
+  if (effect_->uniqueID == k_plugin_id) return;
   char name[256] = {};
   dispatch(effGetEffectName, 0, 0, name);
   name[sizeof name - 1] = 0;

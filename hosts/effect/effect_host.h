@@ -8,7 +8,7 @@
 #include "vst2/aeffect.h"
 
 // Rate of the effect's own grid. A host that runs it at this rate gets exact pitches.
-constexpr int core_rate_hz = 44100;
+constexpr int k_core_rate_hz = 44100;
 
 // Delay of the effect: 1024 samples on its own grid of 44100 Hz, to the nearest sample.
 int64_t latency_samples(int rate_hz);

@@ -8,12 +8,14 @@
 
 #include "hosts/effect/text.h"
 
-constexpr std::size_t most_candidates_named = 5;
-constexpr std::size_t most_suggestions = 3;
+namespace {
+
+constexpr std::size_t k_most_candidates_named = 5;
+constexpr std::size_t k_most_suggestions = 3;
 
 using indices = std::vector<std::size_t>;
 
-static indices those_that(const std::vector<findable>& entries, const std::function<bool(const findable&)>& fit) {
+indices those_that(const std::vector<findable>& entries, const std::function<bool(const findable&)>& fit) {
   indices found;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (fit(entries[i])) found.push_back(i);
@@ -21,21 +23,21 @@ static indices those_that(const std::vector<findable>& entries, const std::funct
   return found;
 }
 
-static std::string named(const std::vector<findable>& entries, const indices& found) {
+std::string named(const std::vector<findable>& entries, const indices& found) {
   std::vector<std::string> names;
   for (const auto i : found) {
-    if (names.size() == most_candidates_named) break;
+    if (names.size() == k_most_candidates_named) break;
     names.push_back(std::to_string(entries[i].number) + " '" + entries[i].name + "'");
   }
   const std::size_t rest = found.size() - names.size();
   return joined(names) + (rest > 0 ? " and " + std::to_string(rest) + " more" : "");
 }
 
-static bool is_number(std::string_view text) {
+bool is_number(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-static std::size_t find_number(const std::vector<findable>& entries, std::string_view wanted, const char* kind) {
+std::size_t find_number(const std::vector<findable>& entries, std::string_view wanted, const char* kind) {
   int number = -1;
   std::from_chars(wanted.data(), wanted.data() + wanted.size(), number);
   std::vector<int> possible;
@@ -50,7 +52,7 @@ static std::size_t find_number(const std::vector<findable>& entries, std::string
 // Edits (insert, remove, replace) that turn `wanted` into the best matching stretch of `text`; where that stretch
 // starts and ends costs nothing.
 //   source   Sellers, "The theory and computation of evolutionary distances", 1980
-static int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
+int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
   std::vector<int> row(text.size() + 1, 0);  // zeros: the stretch may start anywhere
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     int diagonal = row[0];
@@ -65,14 +67,14 @@ static int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
 }
 
 // Edits that make every word of `wanted` part of `name`, in whatever order the words come.
-static int distance_from(const std::string& name, const std::string& wanted) {
+int distance_from(const std::string& name, const std::string& wanted) {
   int edits = 0;
   for (const auto& word : split(wanted, ' ')) edits += edits_to_a_part_of(name, word);
   return edits;
 }
 
 // The entries nearest to a name that none has.
-static indices suggestions(const std::vector<findable>& entries, const std::string& wanted) {
+indices suggestions(const std::vector<findable>& entries, const std::string& wanted) {
   // Of names that are equally near, the one with the fewest letters besides comes first.
   std::vector<std::tuple<int, std::size_t, std::size_t>> ranked;
   ranked.reserve(entries.size());
@@ -82,10 +84,12 @@ static indices suggestions(const std::vector<findable>& entries, const std::stri
   std::sort(ranked.begin(), ranked.end());
   indices nearest;
   for (const auto& [edits, letters, i] : ranked) {
-    if (nearest.size() < most_suggestions) nearest.push_back(i);
+    if (nearest.size() < k_most_suggestions) nearest.push_back(i);
   }
   return nearest;
 }
+
+}  // namespace
 
 std::size_t find_entry(const std::vector<findable>& entries, std::string_view wanted, const finding_words& words) {
   if (is_number(wanted)) return find_number(entries, wanted, words.kind);

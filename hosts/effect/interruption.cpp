@@ -3,21 +3,23 @@
 
 #include <cstdlib>
 
-constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
+namespace {
 
-static volatile sig_atomic_t noted_signal = 0;
+constexpr int k_ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
 
-extern "C" {
-static void note_signal(int number) {
+volatile sig_atomic_t noted_signal = 0;
+
+extern "C" void note_signal(int number) {
   noted_signal = number;
 }
-}
+
+}  // namespace
 
 interruption_guard::interruption_guard() {
   sigset_t held;
   sigemptyset(&held);
   sigemptyset(&ignored_);
-  for (const int number : ending_signals) {
+  for (const int number : k_ending_signals) {
     sigaddset(&held, number);
     struct sigaction present {};
     sigaction(number, nullptr, &present);
@@ -27,7 +29,7 @@ interruption_guard::interruption_guard() {
 }
 
 interruption_guard::~interruption_guard() {
-  for (const int number : ending_signals) {
+  for (const int number : k_ending_signals) {
     struct sigaction noting {};
     noting.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : note_signal;
     noting.sa_flags = SA_RESTART;

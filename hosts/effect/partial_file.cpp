@@ -13,12 +13,14 @@
 
 namespace fs = std::filesystem;
 
-static failure unwritable(const std::string& what, int error) {
+namespace {
+
+failure unwritable(const std::string& what, int error) {
   return failure(what + " cannot be written: " + std::generic_category().message(error));
 }
 
 // Where the links at `path` lead to, whether or not there is something yet. A circle of links stays one.
-static fs::path end_of_links(fs::path path) {
+fs::path end_of_links(fs::path path) {
   constexpr int most_links = 40;  // as many as Linux follows
   std::error_code error;
   for (int i = 0; i < most_links && fs::is_symlink(path, error); ++i) {
@@ -28,7 +30,7 @@ static fs::path end_of_links(fs::path path) {
 }
 
 // The name of the file that becomes `target`: hidden, and cut short where the folder takes no longer names.
-static fs::path partial_name(const fs::path& target) {
+fs::path partial_name(const fs::path& target) {
   const auto folder = target.parent_path();
   const long most = pathconf(folder.empty() ? "." : folder.c_str(), _PC_NAME_MAX);
   const std::string tail = std::string(".").append(std::to_string(getpid())).append(".part");
@@ -43,10 +45,20 @@ static fs::path partial_name(const fs::path& target) {
 }
 
 // Systems without owners or permissions refuse, and have none to keep.
-static void take_over_permissions(const struct stat& former, int descriptor) {
+void take_over_permissions(const struct stat& former, int descriptor) {
   if (fchown(descriptor, former.st_uid, former.st_gid) != 0) errno = 0;
   if (fchmod(descriptor, former.st_mode & 07777) != 0) errno = 0;
 }
+
+// Neither needs to be there yet; hard links are found only by what is.
+bool is_same_file(const std::string& path, const std::string& other) {
+  std::error_code error;
+  if (fs::equivalent(path, other, error)) return true;
+  const auto place = fs::weakly_canonical(end_of_links(path), error);
+  return !place.empty() && place == fs::weakly_canonical(end_of_links(other), error);
+}
+
+}  // namespace
 
 partial_file::partial_file(const std::string& what, const std::string& path)
     : what_(what), target_(end_of_links(path)), partial_(partial_name(target_)) {
@@ -78,14 +90,6 @@ void partial_file::finish() {
   if (fsync(descriptor_) != 0 && errno != EINVAL) throw unwritable(what_, errno);
   if (rename(partial_.c_str(), target_.c_str()) != 0) throw unwritable(what_, errno);
   partial_.clear();
-}
-
-// Neither needs to be there yet; hard links are found only by what is.
-static bool is_same_file(const std::string& path, const std::string& other) {
-  std::error_code error;
-  if (fs::equivalent(path, other, error)) return true;
-  const auto place = fs::weakly_canonical(end_of_links(path), error);
-  return !place.empty() && place == fs::weakly_canonical(end_of_links(other), error);
 }
 
 void check_place(const std::string& what, const std::string& path, const std::string& other_what,

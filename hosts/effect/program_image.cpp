@@ -73,7 +73,7 @@ program read_program(const std::string& what, const chunk_view& record) {
   content.chorus = body.flag();
   content.reverb = body.flag();
   content.octave = version >= k_record_version && body.flag();
-  for (int key = 0; key < key_count; ++key) {
+  for (int key = 0; key < k_key_count; ++key) {
     if (body.flag()) content.keys.push_back(key);
   }
   return content;
@@ -96,7 +96,7 @@ std::string text_chunk(uint32_t tag, const std::string& text) {
 std::string record_of(const program& content) {
   std::string body = big_endian(k_record_version) + text_chunk(0, content.name) + text_chunk(1, content.uuid);
   for (const bool on : {content.chorus, content.reverb, content.octave}) body += on ? '\1' : '\0';
-  std::string flags(key_count, '\0');
+  std::string flags(k_key_count, '\0');
   for (const int key : content.keys) flags.at(static_cast<std::size_t>(key)) = '\1';
   return chunk_of(k_program_id, body + flags);
 }

@@ -17,24 +17,16 @@
 
 namespace fs = std::filesystem;
 
-// Far more than any bank has; a larger file is something else, taken for a state by mistake.
-constexpr std::uintmax_t most_state_bytes = 64 << 20;
+namespace {
 
-static program_image image_of(const effect_host& host, image_kind kind) {
+// Far more than any bank has; a larger file is something else, taken for a state by mistake.
+constexpr std::uintmax_t k_most_state_bytes = 64 << 20;
+
+program_image image_of(const effect_host& host, image_kind kind) {
   return read_image("the effect's state", host.state(kind), host.identity());
 }
 
-program program_in_use(const effect_host& host) {
-  return image_of(host, image_kind::single_program).programs.front().content;
-}
-
-const sound& sound_of(const program& content) {
-  if (const sound* const found = sound_with_uuid(known_sounds(), content.uuid)) return *found;
-  throw failure("program '" + content.name + "' has a sound that isn't known, '" + content.uuid +
-                "': choose one with --sound");
-}
-
-static std::string differences(const program& wanted, const program& got) {
+std::string differences(const program& wanted, const program& got) {
   std::vector<std::string> fields;
   if (got.name != wanted.name) fields.emplace_back("name");
   if (got.uuid != wanted.uuid) fields.emplace_back("sound");
@@ -46,12 +38,79 @@ static std::string differences(const program& wanted, const program& got) {
 }
 
 // Replaces the program in use by `image`, which says `wanted`.
-static void use_image(const program& wanted, const std::string& image, effect_host* host) {
+void use_image(const program& wanted, const std::string& image, effect_host* host) {
   host->set_state(image_kind::single_program, image);
   const program got = program_in_use(*host);
   if (got == wanted) return;
   throw failure("the effect did not take program '" + wanted.name + "': other than asked are " +
                 differences(wanted, got));
+}
+
+std::string switches_of(const program& content) {
+  std::vector<std::string> on;
+  if (content.chorus) on.emplace_back("chorus");
+  if (content.reverb) on.emplace_back("reverb");
+  if (content.octave) on.emplace_back("octave");
+  return on.empty() ? "-" : joined(on);
+}
+
+// As --keys takes them: note names, or key indices for a sound whose lowest key isn't known.
+std::string keys_of(const program& content, const sound* its_sound) {
+  std::string list;
+  for (const int key : content.keys) {
+    if (!list.empty()) list += ",";
+    list += its_sound == nullptr ? std::to_string(key) : name_of_note(lowest_note(*its_sound, content.octave) + key);
+  }
+  return list.empty() ? "-" : list;
+}
+
+std::string called(const std::string& path) {
+  return "state '" + path + "'";
+}
+
+std::string content_of(const std::string& path) {
+  std::error_code error;
+  const auto status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
+  if (error) throw failure(called(path) + " cannot be read: " + error.message());
+  if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
+  if (fs::file_size(path) > k_most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  if (!file) throw failure(called(path) + " cannot be read");
+  return bytes;
+}
+
+// Replaces the bank by `image`, whose bytes are `bytes`.
+//   what     how messages name it
+//   throws   failure when the effect's state then says anything else
+void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
+  host->set_state(image_kind::bank, bytes);
+  const auto not_taken = [&](const std::string& part) {
+    return failure("the effect did not take " + part + " of " + what);
+  };
+  const auto got = image_of(*host, image_kind::bank);
+  if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
+  for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
+    const auto& wanted = image.programs[slot];
+    // The effect writes the record of the program in use anew, and keeps the others as they came.
+    const bool in_use = static_cast<std::size_t>(image.current) == slot;
+    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
+                                                             : got.programs[slot].record == wanted.record);
+    if (!taken) throw not_taken("program " + std::to_string(slot));
+  }
+}
+
+}  // namespace
+
+program program_in_use(const effect_host& host) {
+  return image_of(host, image_kind::single_program).programs.front().content;
+}
+
+const sound& sound_of(const program& content) {
+  if (const sound* const found = sound_with_uuid(known_sounds(), content.uuid)) return *found;
+  throw failure("program '" + content.name + "' has a sound that isn't known, '" + content.uuid +
+                "': choose one with --sound");
 }
 
 void use_program(const program& wanted, effect_host* host) {
@@ -68,24 +127,6 @@ void select_program(std::string_view wanted, effect_host* host) {
   host->select_program(found.number);
   if (host->program() == found.number) return;
   throw failure("the effect did not change to program " + std::to_string(found.number) + " '" + found.name + "'");
-}
-
-static std::string switches_of(const program& content) {
-  std::vector<std::string> on;
-  if (content.chorus) on.emplace_back("chorus");
-  if (content.reverb) on.emplace_back("reverb");
-  if (content.octave) on.emplace_back("octave");
-  return on.empty() ? "-" : joined(on);
-}
-
-// As --keys takes them: note names, or key indices for a sound whose lowest key isn't known.
-static std::string keys_of(const program& content, const sound* its_sound) {
-  std::string list;
-  for (const int key : content.keys) {
-    if (!list.empty()) list += ",";
-    list += its_sound == nullptr ? std::to_string(key) : name_of_note(lowest_note(*its_sound, content.octave) + key);
-  }
-  return list.empty() ? "-" : list;
 }
 
 std::string program_table(const effect_host& host) {
@@ -111,43 +152,6 @@ std::string program_table(const effect_host& host) {
     table << "\n";
   }
   return table.str();
-}
-
-static std::string called(const std::string& path) {
-  return "state '" + path + "'";
-}
-
-static std::string content_of(const std::string& path) {
-  std::error_code error;
-  const auto status = fs::status(path, error);
-  if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
-  if (error) throw failure(called(path) + " cannot be read: " + error.message());
-  if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
-  if (fs::file_size(path) > most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
-  std::ifstream file(path, std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  if (!file) throw failure(called(path) + " cannot be read");
-  return bytes;
-}
-
-// Replaces the bank by `image`, whose bytes are `bytes`.
-//   what     how messages name it
-//   throws   failure when the effect's state then says anything else
-static void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
-  host->set_state(image_kind::bank, bytes);
-  const auto not_taken = [&](const std::string& part) {
-    return failure("the effect did not take " + part + " of " + what);
-  };
-  const auto got = image_of(*host, image_kind::bank);
-  if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
-  for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
-    const auto& wanted = image.programs[slot];
-    // The effect writes the record of the program in use anew, and keeps the others as they came.
-    const bool in_use = static_cast<std::size_t>(image.current) == slot;
-    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
-                                                             : got.programs[slot].record == wanted.record);
-    if (!taken) throw not_taken("program " + std::to_string(slot));
-  }
 }
 
 void load_state(const std::string& path, effect_host* host) {

@@ -64,7 +64,7 @@ const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view 
 }
 
 int lowest_note(const sound& in_use, bool octave) {
-  return in_use.root_key + (octave ? octave_switch_keys : 0);
+  return in_use.root_key + (octave ? k_octave_switch_keys : 0);
 }
 
 std::string table_of(const std::vector<sound>& sounds) {

@@ -1,18 +1,22 @@
 // MIT License. Messages: the exception that carries them, and the text operations that they and look-ups share.
 #include "hosts/effect/text.h"
 
+namespace {
+
+std::string_view without_blanks_around(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+}  // namespace
+
 std::string lower_case(std::string_view text) {
   std::string result(text);
   for (char& c : result) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
   return result;
-}
-
-static std::string_view without_blanks_around(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {

@@ -14,10 +14,12 @@
 #include "hosts/render/preparation.h"
 #include "hosts/render/render.h"
 
-constexpr int status_not_done = 2;
+namespace {
+
+constexpr int k_status_not_done = 2;
 
 // Throws failure for what doesn't arrive, and interrupted when that is because nobody reads any more.
-static void print(const std::string& text) {
+void print(const std::string& text) {
   errno = 0;
   if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
   const int error = errno;
@@ -26,8 +28,8 @@ static void print(const std::string& text) {
 }
 
 // What is done without a voice: the state is prepared, and shown when asked for.
-static void run_silently(const render_options& options) {
-  effect_host host(options.plugin, core_rate_hz, options.block, 1);
+void run_silently(const render_options& options) {
+  effect_host host(options.plugin, k_core_rate_hz, options.block, 1);
   prepare(options, &host);
   if (options.list_programs) {
     print(program_table(host));
@@ -36,7 +38,7 @@ static void run_silently(const render_options& options) {
   }
 }
 
-static void run(int argc, const char* const* argv) {
+void run(int argc, const char* const* argv) {
   render_options options;
   if (read_command_line(argc, argv, &options) == command_line::done) {
     print("");  // what is printed already
@@ -50,6 +52,8 @@ static void run(int argc, const char* const* argv) {
   }
 }
 
+}  // namespace
+
 int main(int argc, char** argv) {
   try {
     survive_file_size_limit();
@@ -59,6 +63,6 @@ int main(int argc, char** argv) {
     end_by_signal(end.signal_number);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(error.what()).c_str());
-    return status_not_done;
+    return k_status_not_done;
   }
 }

@@ -8,9 +8,11 @@
 #include "hosts/effect/text.h"
 #include "hosts/render/voice.h"
 
-static std::string closing_words() {
-  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +
-         std::to_string(highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
+namespace {
+
+std::string closing_words() {
+  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(k_lowest_rate_hz) + " to " +
+         std::to_string(k_highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
 hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
 1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
 
@@ -28,21 +30,21 @@ program by that same signal, which a shell reports as 128 and its number: 130 fo
 }
 
 // CLI11 asks a check for the text of its complaint; an empty one means that all is well.
-static std::string complaint_about_block(const std::string& text) {
+std::string complaint_about_block(const std::string& text) {
   int block = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), block);
   const bool is_number = error == std::errc{} && end == text.data() + text.size();
-  if (is_number && block >= smallest_block && block <= largest_block) return {};
-  return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
+  if (is_number && block >= k_smallest_block && block <= k_largest_block) return {};
+  return "a block has " + std::to_string(k_smallest_block) + " to " + std::to_string(k_largest_block) +
          " samples, which '" + text + "' isn't";
 }
 
-static std::string complaint_about_rate(const std::string& text) {
+std::string complaint_about_rate(const std::string& text) {
   return text == "44100" || text == "native" ? "" : "the effect runs at 44100 or native, not at '" + text + "'";
 }
 
-static void declare_switch(const std::string& name, const char* on_help, const char* off_help,
-                           std::optional<bool>* value, CLI::App* app) {
+void declare_switch(const std::string& name, const char* on_help, const char* off_help, std::optional<bool>* value,
+                    CLI::App* app) {
   auto* const on = app->add_flag_callback(
       "--" + name, [value] { *value = true; }, on_help);
   auto* const off = app->add_flag_callback(
@@ -51,7 +53,7 @@ static void declare_switch(const std::string& name, const char* on_help, const c
   for (auto* const option : {on, off}) option->option_text(" ");  // the exclusion speaks for itself
 }
 
-static void declare(CLI::App* app, render_options* options) {
+void declare(CLI::App* app, render_options* options) {
   app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
   app->footer(closing_words());
@@ -88,6 +90,8 @@ static void declare(CLI::App* app, render_options* options) {
   app->add_flag("--list-programs", options->list_programs, "List the programs as they then are, and leave");
   app->add_flag("--quiet", options->quiet, "Neither a progress bar nor the closing line");
 }
+
+}  // namespace
 
 command_line read_command_line(int argc, const char* const* argv, render_options* options) {
   CLI::App app("Sends a voice through the vocoder and writes what comes out", "kesrel-render");

@@ -8,15 +8,17 @@
 #include "hosts/effect/sounds.h"
 #include "vst2/types.h"
 
+namespace {
+
 // What a sound is heard through when no program is asked for: a major chord in the middle of the keyboard.
-static program fresh_program(const sound& chosen) {
+program fresh_program(const sound& chosen) {
   program fresh;
   fresh.name = chosen.name.substr(0, kVstMaxProgNameLen);  // a longer name would be none to other hosts
   fresh.keys = {12, 16, 19};
   return fresh;
 }
 
-static program asked_for(const render_options& options, const program& in_use) {
+program asked_for(const render_options& options, const program& in_use) {
   program asked = in_use;
   if (options.sound) {
     const sound& chosen = find_sound(known_sounds(), *options.sound);
@@ -30,11 +32,13 @@ static program asked_for(const render_options& options, const program& in_use) {
   return asked;
 }
 
-static void check_save_place(const render_options& options) {
+void check_save_place(const render_options& options) {
   const std::string what = "state '" + *options.save_state + "'";
   check_place(what, *options.save_state, "voice", options.voice);
   check_place(what, *options.save_state, "output", options.output);
 }
+
+}  // namespace
 
 program prepare(const render_options& options, effect_host* host) {
   if (options.save_state) check_save_place(options);

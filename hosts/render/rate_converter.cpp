@@ -6,15 +6,19 @@
 
 #include "hosts/effect/text.h"
 
-constexpr std::size_t piece_samples = 4096;  // of output per call, so that memory stays small
+namespace {
+
+constexpr std::size_t k_piece_samples = 4096;  // of output per call, so that memory stays small
 
 // More than the half length of libsoxr's filters at this quality, in samples of the lower rate. Measured from 2000 to
 // 192000 Hz, the response to an impulse falls below 1e-9 of its peak within 142.
-constexpr int64_t filter_reach_samples = 256;
+constexpr int64_t k_filter_reach_samples = 256;
 
-static void check(soxr_error_t error) {
+void check(soxr_error_t error) {
   if (error != nullptr) throw failure(std::string("the rate cannot be converted: ") + error);
 }
+
+}  // namespace
 
 rate_converter::rate_converter(int from_hz, int to_hz, int channels) : ready_(static_cast<std::size_t>(channels)) {
   if (from_hz == to_hz) return;
@@ -23,7 +27,7 @@ rate_converter::rate_converter(int from_hz, int to_hz, int channels) : ready_(st
   soxr_error_t error = nullptr;
   soxr_.reset(soxr_create(from_hz, to_hz, static_cast<unsigned>(channels), &error, &samples, &quality, nullptr));
   check(error);
-  reach_ = filter_reach_samples * from_hz / std::min(from_hz, to_hz);
+  reach_ = k_filter_reach_samples * from_hz / std::min(from_hz, to_hz);
 }
 
 const channel_samples& rate_converter::convert(const float* const* channels, int count) {
@@ -49,13 +53,14 @@ void rate_converter::run(std::vector<const float*> in, std::size_t count) {
   std::size_t made = 0;
   do {
     for (std::size_t i = 0; i < ready_.size(); ++i) {
-      ready_[i].resize(done + piece_samples);
+      ready_[i].resize(done + k_piece_samples);
       out[i] = ready_[i].data() + done;
     }
-    check(soxr_process(soxr_.get(), in.empty() ? nullptr : in.data(), count, &used, out.data(), piece_samples, &made));
+    check(
+        soxr_process(soxr_.get(), in.empty() ? nullptr : in.data(), count, &used, out.data(), k_piece_samples, &made));
     for (const float*& channel : in) channel += used;
     count -= used;
     done += made;
-  } while (count > 0 || made == piece_samples);
+  } while (count > 0 || made == k_piece_samples);
   for (auto& channel : ready_) channel.resize(done);
 }

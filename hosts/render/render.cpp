@@ -45,13 +45,13 @@ struct timeline {
 // The synthesizer's filter opens from nothing, with a time constant of 68 ms, and once more by a step per block. After
 // a second the first syllable is as clear as all others, and blocks of any length sound alike. Whole seconds are whole
 // samples at every rate, which keeps converted streams aligned.
-constexpr double run_in_seconds = 1.0;
+constexpr double k_run_in_seconds = 1.0;
 // How long the chord stays after the last word, for the envelopes to fall by themselves.
-constexpr double hold_seconds = 0.25;
+constexpr double k_hold_seconds = 0.25;
 // What the chord itself takes to fall by 60 dB after that: seven time constants of 11.4 ms, and some room.
-constexpr double release_seconds = 0.1;
+constexpr double k_release_seconds = 0.1;
 // More than the largest hall needs for 60 dB; a tail that hasn't died away by then is cut.
-constexpr double longest_reverb_seconds = 12.0;
+constexpr double k_longest_reverb_seconds = 12.0;
 
 int64_t samples_of(double seconds, int rate_hz) {
   return std::llround(seconds * rate_hz);
@@ -66,20 +66,20 @@ int64_t rounded_up(int64_t samples, int64_t block) {
 //   reverb       the tail may go on until it has died away
 timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compensate, bool reverb) {
   const int64_t latency = latency_samples(rate_hz);
-  const int64_t run_in = -samples_of(run_in_seconds, rate_hz);
+  const int64_t run_in = -samples_of(k_run_in_seconds, rate_hz);
   if (compensate) {
     const int64_t end = latency + voice_samples;
     return {run_in, latency, std::numeric_limits<int64_t>::max(), end, end};
   }
-  const int64_t held = voice_samples + latency + samples_of(hold_seconds, rate_hz);
+  const int64_t held = voice_samples + latency + samples_of(k_hold_seconds, rate_hz);
   const int64_t keys_up = run_in + rounded_up(held - run_in, block);
-  const int64_t end = keys_up + latency + samples_of(release_seconds, rate_hz);
-  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(longest_reverb_seconds, rate_hz) : 0)};
+  const int64_t end = keys_up + latency + samples_of(k_release_seconds, rate_hz);
+  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(k_longest_reverb_seconds, rate_hz) : 0)};
 }
 
 // A progress bar on standard error, for terminals.
-constexpr int bar_width = 40;
-constexpr std::chrono::milliseconds redraw_interval{100};
+constexpr int k_bar_width = 40;
+constexpr std::chrono::milliseconds k_redraw_interval{100};
 
 class progress_bar {
  public:
@@ -107,10 +107,10 @@ progress_bar::~progress_bar() {
 
 void progress_bar::show(int64_t done) {
   if (!drawing_ || clock::now() < next_) return;
-  next_ = clock::now() + redraw_interval;
+  next_ = clock::now() + k_redraw_interval;
   const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(total_));
-  const auto filled = static_cast<std::size_t>(share * bar_width);
-  const std::string bar = std::string(filled, '#') + std::string(bar_width - filled, '.');
+  const auto filled = static_cast<std::size_t>(share * k_bar_width);
+  const std::string bar = std::string(filled, '#') + std::string(k_bar_width - filled, '.');
   std::fprintf(stderr, "\r[%s] %3.0f %%", bar.c_str(), share * 100.0);
   std::fflush(stderr);
 }
@@ -148,7 +148,7 @@ failure no_output_from(const sound& chosen) {
 }
 
 int rate_of_effect(const render_options& options, const voice_reader& voice) {
-  return options.native_rate ? voice.rate_hz() : core_rate_hz;
+  return options.native_rate ? voice.rate_hz() : k_core_rate_hz;
 }
 
 int64_t at_rate(int64_t samples, int from_hz, int to_hz) {

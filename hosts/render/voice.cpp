@@ -16,11 +16,13 @@
 
 namespace fs = std::filesystem;
 
-static std::string system_text(int error) {
+namespace {
+
+std::string system_text(int error) {
   return std::generic_category().message(error);
 }
 
-static std::string called(const std::string& path) {
+std::string called(const std::string& path) {
   return "voice '" + path + "'";
 }
 
@@ -32,7 +34,7 @@ struct wav_size {
 
 // Zeros for other files, and for recordings of unknown length: who writes a WAV file into a pipe cannot come back to
 // the header, and puts a size there that is next to the largest of 31 or 32 bits.
-static wav_size wav_samples_of(const std::string& path) {
+wav_size wav_samples_of(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 12> head{};
   const auto read = [&](std::size_t count) {
@@ -53,7 +55,7 @@ static wav_size wav_samples_of(const std::string& path) {
   return {};
 }
 
-static void check_voice_place(const std::string& path) {
+void check_voice_place(const std::string& path) {
   std::error_code error;
   const auto status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
@@ -63,6 +65,10 @@ static void check_voice_place(const std::string& path) {
   if (fs::file_size(path, error) == 0) throw failure(called(path) + " is empty");
 }
 
+constexpr int k_piece_samples = 4096;
+
+}  // namespace
+
 voice_reader::voice_reader(const std::string& path) : path_(path) {
   check_voice_place(path);
   file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
@@ -71,9 +77,9 @@ voice_reader::voice_reader(const std::string& path) : path_(path) {
   if (info_.channels > 2) {
     throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
   }
-  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
+  if (info_.samplerate < k_lowest_rate_hz || info_.samplerate > k_highest_rate_hz) {
     throw failure(name + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
-                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
+                  std::to_string(k_lowest_rate_hz) + " to " + std::to_string(k_highest_rate_hz));
   }
   if (info_.frames <= 0) throw failure(name + " has no samples");
   if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
@@ -100,8 +106,6 @@ void voice_reader::read(std::array<float*, 2> channels, int count) {
   }
 }
 
-constexpr int piece_samples = 4096;
-
 voice_feed::voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz)
     : voice_(*voice),
       position_(-silence_before),
@@ -123,11 +127,11 @@ void voice_feed::next(float* const* channels, int count) {
 }
 
 void voice_feed::convert_more() {
-  for (auto& channel : piece_) channel.assign(piece_samples, 0.0F);
-  const int64_t lead = std::clamp<int64_t>(-position_, 0, piece_samples);
-  const int64_t wanted = std::min(piece_samples - lead, voice_.frames() - position_ - lead);
+  for (auto& channel : piece_) channel.assign(k_piece_samples, 0.0F);
+  const int64_t lead = std::clamp<int64_t>(-position_, 0, k_piece_samples);
+  const int64_t wanted = std::min(k_piece_samples - lead, voice_.frames() - position_ - lead);
   if (wanted > 0) voice_.read({piece_.front().data() + lead, piece_.back().data() + lead}, static_cast<int>(wanted));
-  position_ += piece_samples;
+  position_ += k_piece_samples;
 
   // The effect makes bad samples 0. The converter would smear them over their surroundings.
   const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
@@ -135,6 +139,6 @@ void voice_feed::convert_more() {
     std::replace_if(
         channel.begin(), channel.end(), [](float x) { return !std::isfinite(x); }, 0.0F);
   }
-  ready_ = &converter_.convert(pointers, piece_samples);
+  ready_ = &converter_.convert(pointers, k_piece_samples);
   taken_ = 0;
 }

@@ -12,14 +12,14 @@
 #include "hosts/render/rate_converter.h"
 
 // Bounds of the voice's rate: below, speech is no longer understood; above, there are no recordings.
-constexpr int lowest_rate_hz = 2000;
-constexpr int highest_rate_hz = 768000;
+constexpr int k_lowest_rate_hz = 2000;
+constexpr int k_highest_rate_hz = 768000;
 
 // The voice, read from start to end.
 class voice_reader {
  public:
   // Throws failure for what isn't a readable sound file of 1 or 2 channels with at least one sample, and for rates
-  // outside `lowest_rate_hz` to `highest_rate_hz`.
+  // outside `k_lowest_rate_hz` to `k_highest_rate_hz`.
   explicit voice_reader(const std::string& path);
 
   int channels() const { return info_.channels; }

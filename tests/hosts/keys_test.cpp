@@ -37,7 +37,7 @@ TEST(Keys, OutsideTheKeyboardOrTooManyAreRefused) {
     EXPECT_NE(complaint(list).find("possible are 0 to 35, or C2 to B4"), std::string::npos) << list;
   }
   std::string list = "0";
-  for (int key = 1; key < largest_chord; ++key) list.append(",").append(std::to_string(key));
+  for (int key = 1; key < k_largest_chord; ++key) list.append(",").append(std::to_string(key));
   EXPECT_EQ(parse_keys(list, 36).size(), 32U);
   EXPECT_NE(complaint(list + ",32").find("at most 32"), std::string::npos);
 }
