@@ -1,4 +1,4 @@
-// MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
+// MIT License. The host's side of the effect: loads and sets it up, runs blocks through it and closes it.
 #include "hosts/effect/effect_host.h"
 
 #include <dlfcn.h>
@@ -16,7 +16,7 @@ namespace {
 constexpr int k_core_latency_samples = 1024;
 constexpr VstInt32 k_plugin_id = CCONST('K', 'V', '4', 'M');
 
-// What this host answers. Everything it doesn't know is 0, as the interface has it.
+// Answers the effect's calls to its host; 0 to those that this host doesn't support, as the interface requires.
 VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
   switch (opcode) {
     case audioMasterVersion:
@@ -36,19 +36,18 @@ fs::path own_plugin() {
   return fs::read_symlink("/proc/self/exe").replace_filename("KesrelVocoder4ME.so");
 }
 
-// Loads the module at `path`, for good, and returns its entry. An empty path means the module beside this program.
 VSTPluginMainProc load_plugin(const std::string& path) {
-  // An absolute path, as a bare name would be searched for among the system's libraries.
+  // An absolute path: dlopen would look for a bare name among the system's libraries.
   const std::string place = path.empty() ? own_plugin() : fs::absolute(path);
   void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (module == nullptr) throw failure(std::string("the plug-in cannot be loaded: ") + dlerror());
-  for (const char* name : {"VSTPluginMain", "MAIN"}) {  // the second is that of older modules
+  for (const char* name : {"VSTPluginMain", "MAIN"}) {  // the second is the name in older modules
     if (void* const entry = dlsym(module, name)) return reinterpret_cast<VSTPluginMainProc>(entry);
   }
   throw failure("'" + place + "' is no VST 2.4 plug-in: it has no VSTPluginMain");
 }
 
-AEffect* start_effect(const std::string& plugin) {
+AEffect* create_effect(const std::string& plugin) {
   const interruption_guard guard;
   return load_plugin(plugin)(answer);
 }
@@ -64,7 +63,7 @@ int shortest_block(int rate_hz) {
 }
 
 effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
-    : effect_(start_effect(plugin)) {
+    : effect_(create_effect(plugin)) {
   if (effect_ == nullptr) throw failure("the plug-in refuses to start");
   if (effect_->magic != kEffectMagic) throw failure("what the plug-in starts is no VST 2.4 effect");
   dispatch(effOpen);
@@ -73,7 +72,7 @@ effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int 
     dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
     dispatch(effSetBlockSize, 0, block);
     arrange_speakers(input_channels);
-    shake_hands();
+    send_handshake();
   } catch (...) {
     dispatch(effClose);
     throw;
@@ -89,7 +88,7 @@ effect_host::~effect_host() {
 }
 
 std::string effect_host::program_name(int number) const {
-  char text[256] = {};  // more than the interface allows, as effects exceed it
+  char text[256] = {};  // larger than the interface requires, since effects exceed its limit
   const bool known = dispatch(effGetProgramNameIndexed, number, 0, text) != 0;
   text[sizeof text - 1] = 0;
   return known ? text : "";
@@ -112,7 +111,7 @@ void effect_host::start() {
   started_ = true;
 }
 
-// The sounds and the state's format are this one plug-in's.
+// The table of sounds and the state format belong to this one plug-in.
 void effect_host::check_identity() const {
   if (effect_->uniqueID == k_plugin_id) return;
   char name[256] = {};
@@ -133,7 +132,7 @@ void effect_host::arrange_speakers(int input_channels) {
   }
 }
 
-void effect_host::shake_hands() {
+void effect_host::send_handshake() {
   constexpr VstInt32 handshake = CCONST('K', 'V', 'H', 's');
   constexpr VstIntPtr interface_version = 1;
   if (dispatch(effVendorSpecific, handshake, interface_version) != 1) throw failure("the effect refuses this host");

@@ -1,4 +1,4 @@
-// MIT License. The host's side of the effect: opens it, sets it up, runs blocks through it and closes it.
+// MIT License. The host's side of the effect: loads and sets it up, runs blocks through it and closes it.
 #pragma once
 
 #include <cstdint>
@@ -7,22 +7,24 @@
 #include "hosts/effect/program_image.h"
 #include "vst2/aeffect.h"
 
-// Rate of the effect's own grid. A host that runs it at this rate gets exact pitches.
+// The effect's internal rate. A host that runs it at this rate gets exact pitches.
 constexpr int k_core_rate_hz = 44100;
 
-// Delay of the effect: 1024 samples on its own grid of 44100 Hz, to the nearest sample.
+// The effect's latency at `rate_hz`: 1024 samples at its internal rate, converted and rounded to the nearest sample.
 int64_t latency_samples(int rate_hz);
 
-// The shortest block of which the effect's grid gets a sample. It rounds each block's length to its grid, so that
-// shorter blocks would all be empty there, and the output silence.
+// The shortest block with output at `rate_hz`. The effect converts each block's length to its internal rate and rounds;
+// shorter blocks round to nothing, and the output would be silence.
 int shortest_block(int rate_hz);
 
-// One effect from opening to closing, known through the VST 2.4 interface alone. All calls come from one thread.
+// One instance of the effect, from opening to closing, used through the VST 2.4 interface alone. All calls come from
+// one thread.
 class effect_host {
  public:
-  // Loads the module at `plugin` (see load_plugin), opens its effect for `input_channels` (1 or 2) at `rate_hz` and
-  // shakes hands with it. From then on signals that ask the program to end are noted, see interruption_guard. Throws
-  // failure when it refuses, or is another plug-in.
+  // Loads the module at `plugin`, or KesrelVocoder4ME.so beside this program when that is empty; it stays loaded until
+  // the process ends. Opens its effect for `input_channels` (1 or 2), `rate_hz` and blocks of up to `block` samples,
+  // and sends it the handshake. From then on, signals that ask the program to end are recorded: see interruption_guard.
+  //   throws   failure when there is no such module, when it refuses, and when it is a different plug-in
   effect_host(const std::string& plugin, int rate_hz, int block, int input_channels);
   ~effect_host();
   effect_host(const effect_host&) = delete;
@@ -30,19 +32,20 @@ class effect_host {
 
   plugin_identity identity() const { return {effect_->uniqueID, effect_->version}; }
 
-  // Programs, by number from 0. The effect may ignore a selection; program() tells.
+  // Programs, numbered from 0. The effect may ignore a selection: ask program() afterwards.
   int program_count() const { return effect_->numPrograms; }
   int program() const { return static_cast<int>(dispatch(effGetProgram)); }
   void select_program(int number) { dispatch(effSetProgram, 0, number); }
-  // At most `kVstMaxProgNameLen` characters; empty when the effect has none to tell.
+  // Empty when the effect doesn't give one.
   std::string program_name(int number) const;
 
-  // The image of the bank or of the program in use. Throws failure when the effect gives none.
+  // The image of the bank or of the current program. Throws failure when the effect doesn't give one.
   std::string state(image_kind kind) const;
-  // The effect doesn't tell whether it takes the image; state() does. What it asks for holds from the next block on.
+  // The effect doesn't report whether it accepts the image: compare state() afterwards. It takes effect with the next
+  // block.
   void set_state(image_kind kind, std::string image);
 
-  // Starts processing; closing ends it.
+  // Starts processing, which ends with this object.
   void start();
 
   // Runs one block.
@@ -56,7 +59,7 @@ class effect_host {
                      float opt = 0.0F) const;
   void check_identity() const;
   void arrange_speakers(int input_channels);
-  void shake_hands();
+  void send_handshake();
 
   AEffect* effect_;
   bool started_ = false;

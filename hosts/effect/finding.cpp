@@ -1,4 +1,4 @@
-// MIT License. Finding one of several things by what a person types.
+// MIT License. Finding a sound or a program by what the user types.
 #include "hosts/effect/finding.h"
 
 #include <algorithm>
@@ -15,15 +15,15 @@ constexpr std::size_t k_most_suggestions = 3;
 
 using indices = std::vector<std::size_t>;
 
-indices those_that(const std::vector<findable>& entries, const std::function<bool(const findable&)>& fit) {
+indices entries_that(const std::vector<findable>& entries, const std::function<bool(const findable&)>& matches) {
   indices found;
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (fit(entries[i])) found.push_back(i);
+    if (matches(entries[i])) found.push_back(i);
   }
   return found;
 }
 
-std::string named(const std::vector<findable>& entries, const indices& found) {
+std::string listed(const std::vector<findable>& entries, const indices& found) {
   std::vector<std::string> names;
   for (const auto i : found) {
     if (names.size() == k_most_candidates_named) break;
@@ -49,11 +49,10 @@ std::size_t find_number(const std::vector<findable>& entries, std::string_view w
                 runs_of(possible));
 }
 
-// Edits (insert, remove, replace) that turn `wanted` into the best matching stretch of `text`; where that stretch
-// starts and ends costs nothing.
+// Edits (insert, remove, replace) that turn `wanted` into the most similar substring of `text`.
 //   source   Sellers, "The theory and computation of evolutionary distances", 1980
 int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
-  std::vector<int> row(text.size() + 1, 0);  // zeros: the stretch may start anywhere
+  std::vector<int> row(text.size() + 1, 0);  // zeros: the substring may start anywhere
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     int diagonal = row[0];
     row[0] = static_cast<int>(i) + 1;
@@ -66,16 +65,16 @@ int edits_to_a_part_of(std::string_view text, std::string_view wanted) {
   return *std::min_element(row.begin(), row.end());  // and may end anywhere
 }
 
-// Edits that make every word of `wanted` part of `name`, in whatever order the words come.
+// Edits that make every word of `wanted` a part of `name`, in any order.
 int distance_from(const std::string& name, const std::string& wanted) {
   int edits = 0;
   for (const auto& word : split(wanted, ' ')) edits += edits_to_a_part_of(name, word);
   return edits;
 }
 
-// The entries nearest to a name that none has.
+// The entries whose names are most similar to `wanted`.
 indices suggestions(const std::vector<findable>& entries, const std::string& wanted) {
-  // Of names that are equally near, the one with the fewest letters besides comes first.
+  // Of equally similar names, the shortest comes first.
   std::vector<std::tuple<int, std::size_t, std::size_t>> ranked;
   ranked.reserve(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -94,23 +93,23 @@ indices suggestions(const std::vector<findable>& entries, const std::string& wan
 std::size_t find_entry(const std::vector<findable>& entries, std::string_view wanted, const finding_words& words) {
   if (is_number(wanted)) return find_number(entries, wanted, words.kind);
   const std::string key = lower_case(wanted);
-  // From the strictest to the loosest; the first that any entry fits decides.
-  const std::function<bool(const findable&)> fits[] = {
+  // From the strictest to the loosest; the first one that any entry passes decides.
+  const std::function<bool(const findable&)> tests[] = {
       [&](const findable& entry) { return !key.empty() && (entry.name == wanted || entry.id == wanted); },
       [&](const findable& entry) {
         return !key.empty() && (lower_case(entry.name) == key || lower_case(entry.id) == key);
       },
       [&](const findable& entry) { return !key.empty() && lower_case(entry.name).find(key) != std::string::npos; }};
   const std::string quoted = std::string("'").append(wanted).append("'");
-  for (const auto& fit : fits) {
-    const auto found = those_that(entries, fit);
+  for (const auto& test : tests) {
+    const auto found = entries_that(entries, test);
     if (found.size() == 1) return found.front();
     if (!found.empty()) {
-      throw failure(std::string(words.kind) + " " + quoted + " could be " + named(entries, found));
+      throw failure(std::string(words.kind) + " " + quoted + " could be " + listed(entries, found));
     }
   }
   throw failure(std::string("no ") + words.kind + " is called " + quoted + ": nearest are " +
-                named(entries, suggestions(entries, key)) + "; " + words.list_option + " shows all");
+                listed(entries, suggestions(entries, key)) + "; " + words.list_option + " shows all");
 }
 
 std::string runs_of(const std::vector<int>& numbers) {

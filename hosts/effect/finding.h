@@ -1,4 +1,4 @@
-// MIT License. Finding one of several things by what a person types.
+// MIT License. Finding a sound or a program by what the user types.
 #pragma once
 
 #include <cstddef>
@@ -9,19 +9,19 @@
 struct findable {
   int number;
   std::string name;
-  std::string id = {};  // a second name that is taken whole only; may be empty
+  std::string id = {};  // a second name, which only matches as a whole; may be empty
 };
 
-// What the messages call the things.
+// How messages refer to the entries.
 struct finding_words {
   const char* kind;         // "sound"
   const char* list_option;  // "--list-sounds"
 };
 
-// The index in `entries` of what `wanted` means: a number, a name or id in any case, or a part of a name that no other
-// entry has. A whole name wins over a part of others, and the very letters over other case.
-//   throws   failure when there is none or more than one, with the candidates
+// The index in `entries` of the one that matches `wanted`: a number, a name or id in any case, or a part of exactly one
+// name. A whole name is preferred to a part of one, and an exact match to one that differs in case.
+//   throws   failure when none or several match, with the candidates
 std::size_t find_entry(const std::vector<findable>& entries, std::string_view wanted, const finding_words& words);
 
-// Ascending numbers with runs drawn together: {0, 1, 2, 5} gives "0 to 2, 5".
+// Ascending numbers as text, with runs shortened: {0, 1, 2, 5} gives "0 to 2, 5".
 std::string runs_of(const std::vector<int>& numbers);

@@ -1,4 +1,4 @@
-// MIT License. Ending in good order when a signal asks for it.
+// MIT License. Orderly termination when a signal asks for it.
 #include "hosts/effect/interruption.h"
 
 #include <cstdlib>
@@ -7,10 +7,10 @@ namespace {
 
 constexpr int k_ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
 
-volatile sig_atomic_t noted_signal = 0;
+volatile sig_atomic_t recorded_signal = 0;
 
-extern "C" void note_signal(int number) {
-  noted_signal = number;
+extern "C" void record_signal(int number) {
+  recorded_signal = number;
 }
 
 }  // namespace
@@ -30,10 +30,10 @@ interruption_guard::interruption_guard() {
 
 interruption_guard::~interruption_guard() {
   for (const int number : k_ending_signals) {
-    struct sigaction noting {};
-    noting.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : note_signal;
-    noting.sa_flags = SA_RESTART;
-    sigaction(number, &noting, nullptr);
+    struct sigaction recording {};
+    recording.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : record_signal;
+    recording.sa_flags = SA_RESTART;
+    sigaction(number, &recording, nullptr);
   }
   pthread_sigmask(SIG_SETMASK, &former_mask_, nullptr);
 }
@@ -43,7 +43,7 @@ void survive_file_size_limit() {
 }
 
 void check_interruption() {
-  if (noted_signal != 0) throw interrupted(noted_signal);
+  if (recorded_signal != 0) throw interrupted(recorded_signal);
 }
 
 void end_by_signal(int signal_number) {

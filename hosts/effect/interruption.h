@@ -1,4 +1,4 @@
-// MIT License. Ending in good order when a signal asks for it.
+// MIT License. Orderly termination when a signal asks for it.
 #pragma once
 
 #include <signal.h>
@@ -10,9 +10,9 @@ struct interrupted : std::runtime_error {
   int signal_number;
 };
 
-// Holds back the signals that ask a program to end (SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU) while it lives, and from
-// then on they are only noted, whatever handlers were installed meanwhile. A signal that is ignored from the start, as
-// nohup has it, stays ignored. The effect is made under one, as it installs handlers of its own.
+// Blocks the signals that ask a program to end (SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU) during its lifetime. Its
+// destructor replaces whatever handlers were installed meanwhile by one that only records the signal. A signal that was
+// ignored before, as under nohup, stays ignored. The effect is created under a guard, as it installs its own handlers.
 class interruption_guard {
  public:
   interruption_guard();
@@ -25,11 +25,11 @@ class interruption_guard {
   sigset_t ignored_{};
 };
 
-// Makes writing beyond the limit on a file's size fail like writing to a full disk, no longer end the process.
+// Makes a write beyond the limit on file sizes fail, as on a full disk, instead of ending the process.
 void survive_file_size_limit();
 
-// Throws interrupted if a signal has been noted.
+// Throws interrupted if a signal has been recorded.
 void check_interruption();
 
-// Ends the process by `signal_number`, so that the parent sees what it died of.
+// Ends the process by `signal_number`, so that the parent sees that signal as the cause.
 [[noreturn]] void end_by_signal(int signal_number);

@@ -1,4 +1,4 @@
-// MIT License. Keys of the chord: key indices and note names as a person writes them.
+// MIT License. Keys of the chord, written as key indices or as note names.
 #include "hosts/effect/keys.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ std::optional<int> whole_number(std::string_view text) {
 // Semitones above C of the letters A to G.
 constexpr int k_semitones_of_letter[7] = {9, 11, 0, 2, 4, 5, 7};
 
-std::string what_is_possible(int lowest_note) {
+std::string possible_keys(int lowest_note) {
   return "possible are 0 to " + std::to_string(k_key_count - 1) + ", or " + name_of_note(lowest_note) + " to " +
          name_of_note(lowest_note + k_key_count - 1);
 }
@@ -27,11 +27,10 @@ std::string what_is_possible(int lowest_note) {
 int key_of(const std::string& text, int lowest_note) {
   const auto index = whole_number(text);
   const auto note = index ? std::nullopt : note_of_name(text);
-  if (!index && !note)
-    throw failure("key '" + text + "' is no key index or note name: " + what_is_possible(lowest_note));
+  if (!index && !note) throw failure("key '" + text + "' is no key index or note name: " + possible_keys(lowest_note));
   const int key = index ? *index : *note - lowest_note;
   if (key < 0 || key >= k_key_count) {
-    throw failure("key '" + text + "' lies outside this sound's keyboard: " + what_is_possible(lowest_note));
+    throw failure("key '" + text + "' lies outside this sound's keyboard: " + possible_keys(lowest_note));
   }
   return key;
 }

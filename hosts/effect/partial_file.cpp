@@ -1,4 +1,4 @@
-// MIT License. A file that appears under its name only when it is whole.
+// MIT License. A file that appears under its name only when it is complete.
 #include "hosts/effect/partial_file.h"
 
 #include <fcntl.h>
@@ -19,7 +19,8 @@ failure unwritable(const std::string& what, int error) {
   return failure(what + " cannot be written: " + std::generic_category().message(error));
 }
 
-// Where the links at `path` lead to, whether or not there is something yet. A circle of links stays one.
+// The path that the symbolic links at `path` lead to, whether or not a file exists there. A cycle of links is returned
+// as a link.
 fs::path end_of_links(fs::path path) {
   constexpr int most_links = 40;  // as many as Linux follows
   std::error_code error;
@@ -29,7 +30,7 @@ fs::path end_of_links(fs::path path) {
   return path;
 }
 
-// The name of the file that becomes `target`: hidden, and cut short where the folder takes no longer names.
+// The hidden file that is to become `target`. Its name is shortened where the file system limits the length.
 fs::path partial_name(const fs::path& target) {
   const auto folder = target.parent_path();
   const long most = pathconf(folder.empty() ? "." : folder.c_str(), _PC_NAME_MAX);
@@ -38,19 +39,19 @@ fs::path partial_name(const fs::path& target) {
   std::string name = std::string(".").append(target.filename().string());
   if (name.size() > room) {
     std::size_t end = room;
-    while (end > 1 && (name[end] & 0xC0) == 0x80) --end;  // not within a character of several bytes
+    while (end > 1 && (name[end] & 0xC0) == 0x80) --end;  // not inside a UTF-8 character
     name.resize(end);
   }
   return folder / name.append(tail);
 }
 
-// Systems without owners or permissions refuse, and have none to keep.
-void take_over_permissions(const struct stat& former, int descriptor) {
+// File systems without owners or permissions refuse, and there is nothing to keep.
+void copy_permissions(const struct stat& former, int descriptor) {
   if (fchown(descriptor, former.st_uid, former.st_gid) != 0) errno = 0;
   if (fchmod(descriptor, former.st_mode & 07777) != 0) errno = 0;
 }
 
-// Neither needs to be there yet; hard links are found only by what is.
+// Neither file has to exist. Hard links are recognised only when both do.
 bool is_same_file(const std::string& path, const std::string& other) {
   std::error_code error;
   if (fs::equivalent(path, other, error)) return true;
@@ -69,7 +70,7 @@ partial_file::partial_file(const std::string& what, const std::string& path)
 
   descriptor_ = open(partial_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666);
   if (descriptor_ < 0) throw unwritable(what_, errno);
-  if (replaces) take_over_permissions(former, descriptor_);
+  if (replaces) copy_permissions(former, descriptor_);
 }
 
 partial_file::~partial_file() {
@@ -86,14 +87,14 @@ void partial_file::write(std::string_view bytes) {
 }
 
 void partial_file::finish() {
-  // Some file systems find out only now that there is no room. Those that cannot say answer EINVAL.
+  // Some file systems notice only now that they are full. Those that don't support the call answer EINVAL.
   if (fsync(descriptor_) != 0 && errno != EINVAL) throw unwritable(what_, errno);
   if (rename(partial_.c_str(), target_.c_str()) != 0) throw unwritable(what_, errno);
   partial_.clear();
 }
 
-void check_place(const std::string& what, const std::string& path, const std::string& other_what,
-                 const std::string& other) {
+void check_target(const std::string& what, const std::string& path, const std::string& other_what,
+                  const std::string& other) {
   std::error_code error;
   const auto status = fs::status(path, error);
   if (fs::exists(status) && !fs::is_regular_file(status)) throw failure(what + " is no regular file");

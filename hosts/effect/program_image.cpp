@@ -1,4 +1,4 @@
-// MIT License. Images of an effect's programs: what its state calls exchange, and state files hold.
+// MIT License. Images of the effect's programs, as its state calls exchange them and state files hold them.
 #include "hosts/effect/program_image.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ constexpr std::string_view k_program_id = "KVLP";
 constexpr std::string_view k_text_id = "strn";
 constexpr uint32_t k_format_version = 1;
 constexpr std::size_t k_reserved_bytes = 124;
-constexpr int32_t k_record_version = 1010;  // the first with an octave switch, and the last
+constexpr int32_t k_record_version = 1010;  // the first version with an octave switch, and the latest
 
 struct chunk_view {
   std::string_view id;
@@ -23,7 +23,7 @@ struct chunk_view {
   std::string_view whole;
 };
 
-// Takes bytes from the front of what is left, and never more than that.
+// Consumes bytes from the front; throws failure rather than read past the end.
 class byte_reader {
  public:
   byte_reader(std::string what, std::string_view bytes) : what_(std::move(what)), rest_(bytes) {}
@@ -108,7 +108,7 @@ image_kind read_kind(const std::string& what, byte_reader* image) {
   throw failure(what + " is neither a bank nor a program of this plug-in");
 }
 
-// Whose state it is, and of which version.
+// Checks the format version, the plug-in's id and its version.
 void check_origin(const std::string& what, const plugin_identity& plugin, byte_reader* image) {
   const uint32_t format = image->number();
   if (format > k_format_version) {
@@ -138,7 +138,7 @@ program_image read_image(const std::string& what, std::string_view bytes, const 
   const uint32_t count = read.kind == image_kind::bank ? stored_count : 1;
   if (count == 0) throw failure(what + " holds no programs");
   read.current = static_cast<int32_t>(image.number());
-  image.take(k_reserved_bytes + 4);  // the size of what follows is told by the chunks themselves
+  image.take(k_reserved_bytes + 4);  // the size of what follows is redundant: each chunk has its own
   for (uint32_t slot = 0; slot < count; ++slot) {
     const auto record = image.chunk();
     const std::string slot_name = "program " + std::to_string(slot) + " of " + what;

@@ -1,4 +1,4 @@
-// MIT License. The programs of an effect that has shaken hands: which is in use, what it says, and changing it.
+// MIT License. The effect's programs: reading and replacing the current one, and state files.
 #include "hosts/effect/programs.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Far more than any bank has; a larger file is something else, taken for a state by mistake.
+// Far larger than any bank; a larger file was named by mistake, and isn't worth reading into memory.
 constexpr std::uintmax_t k_most_state_bytes = 64 << 20;
 
 program_image image_of(const effect_host& host, image_kind kind) {
@@ -37,10 +37,10 @@ std::string differences(const program& wanted, const program& got) {
   return joined(fields);
 }
 
-// Replaces the program in use by `image`, which says `wanted`.
+// Replaces the current program by `image`, whose content is `wanted`.
 void use_image(const program& wanted, const std::string& image, effect_host* host) {
   host->set_state(image_kind::single_program, image);
-  const program got = program_in_use(*host);
+  const program got = current_program(*host);
   if (got == wanted) return;
   throw failure("the effect did not take program '" + wanted.name + "': other than asked are " +
                 differences(wanted, got));
@@ -54,7 +54,7 @@ std::string switches_of(const program& content) {
   return on.empty() ? "-" : joined(on);
 }
 
-// As --keys takes them: note names, or key indices for a sound whose lowest key isn't known.
+// In the form that --keys reads: note names, or key indices when the sound and thus its lowest key is unknown.
 std::string keys_of(const program& content, const sound* its_sound) {
   std::string list;
   for (const int key : content.keys) {
@@ -81,9 +81,9 @@ std::string content_of(const std::string& path) {
   return bytes;
 }
 
-// Replaces the bank by `image`, whose bytes are `bytes`.
+// Replaces the bank by `image`, decoded from `bytes`.
 //   what     how messages name it
-//   throws   failure when the effect's state then says anything else
+//   throws   failure when the effect's state afterwards differs from it
 void use_bank(const std::string& what, const program_image& image, const std::string& bytes, effect_host* host) {
   host->set_state(image_kind::bank, bytes);
   const auto not_taken = [&](const std::string& part) {
@@ -93,17 +93,17 @@ void use_bank(const std::string& what, const program_image& image, const std::st
   if (got.current != image.current || host->program() != image.current) throw not_taken("the current program");
   for (std::size_t slot = 0; slot < image.programs.size(); ++slot) {
     const auto& wanted = image.programs[slot];
-    // The effect writes the record of the program in use anew, and keeps the others as they came.
-    const bool in_use = static_cast<std::size_t>(image.current) == slot;
-    const bool taken = slot < got.programs.size() && (in_use ? got.programs[slot].content == wanted.content
-                                                             : got.programs[slot].record == wanted.record);
+    // The effect encodes the current program again and returns the other records byte for byte.
+    const bool is_current = static_cast<std::size_t>(image.current) == slot;
+    const bool taken = slot < got.programs.size() && (is_current ? got.programs[slot].content == wanted.content
+                                                                 : got.programs[slot].record == wanted.record);
     if (!taken) throw not_taken("program " + std::to_string(slot));
   }
 }
 
 }  // namespace
 
-program program_in_use(const effect_host& host) {
+program current_program(const effect_host& host) {
   return image_of(host, image_kind::single_program).programs.front().content;
 }
 
@@ -141,7 +141,7 @@ std::string program_table(const effect_host& host) {
                     keys_of(content, its_sound)});
     for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], rows.back()[i].size());
   }
-  widths.back() = 0;  // nothing stands behind the last column
+  widths.back() = 0;  // no padding after the last column
   std::ostringstream table;
   for (std::size_t slot = 0; slot < rows.size(); ++slot) {
     table << (static_cast<int32_t>(slot) == bank.current ? "*" : " ") << std::right << std::setw(3) << slot

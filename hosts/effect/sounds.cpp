@@ -1,4 +1,4 @@
-// MIT License. The list of sounds: finding one in it, and showing it.
+// MIT License. The effect's sounds: the table, finding one in it, and printing it.
 #include "hosts/effect/sounds.h"
 
 #include <algorithm>
@@ -63,8 +63,8 @@ const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view 
   return found == sounds.end() ? nullptr : &*found;
 }
 
-int lowest_note(const sound& in_use, bool octave) {
-  return in_use.root_key + (octave ? k_octave_switch_keys : 0);
+int lowest_note(const sound& chosen, bool octave) {
+  return chosen.root_key + (octave ? k_octave_switch_keys : 0);
 }
 
 std::string table_of(const std::vector<sound>& sounds) {

@@ -1,4 +1,4 @@
-// MIT License. The list of sounds: finding one in it, and showing it.
+// MIT License. The effect's sounds: the table, finding one in it, and printing it.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 struct sound {
   int number;
-  int root_key;  // note of key 0
+  int root_key;  // MIDI note of key 0
   std::string name;
   std::string category;
   std::string uuid;
@@ -18,16 +18,15 @@ struct sound {
 // built into this program: resources/sounds/catalogue.csv and, for `has_values`, factory_sounds.csv beside it.
 const std::vector<sound>& known_sounds();
 
-// Finds the sound that `wanted` means: its number, its name or uuid in any case, or a part of its name that no other
-// sound has.
-//   throws   failure when there is none or more than one, with the candidates
+// The sound that matches `wanted`: a number, a name or uuid in any case, or a part of exactly one name.
+//   throws   failure when none or several match, with the candidates
 const sound& find_sound(const std::vector<sound>& sounds, std::string_view wanted);
 
-// The sound that a program names by its uuid, in any case; null when there is none.
+// The sound with this uuid, in any case; null when there is no such sound.
 const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view uuid);
 
-// Note of key 0 when the octave switch is off or on.
-int lowest_note(const sound& in_use, bool octave);
+// MIDI note of key 0, with the octave switch off or on.
+int lowest_note(const sound& chosen, bool octave);
 
-// The list as a table, a line per sound: number, name, category, lowest key, uuid.
+// The sounds as a table, a line per sound: number, name, category, lowest key, uuid.
 std::string table_of(const std::vector<sound>& sounds);

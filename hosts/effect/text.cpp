@@ -1,9 +1,9 @@
-// MIT License. Messages: the exception that carries them, and the text operations that they and look-ups share.
+// MIT License. The exception for commands that fail, and small text operations.
 #include "hosts/effect/text.h"
 
 namespace {
 
-std::string_view without_blanks_around(std::string_view text) {
+std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
@@ -20,11 +20,11 @@ std::string lower_case(std::string_view text) {
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {
-  std::vector<std::string> pieces;
+  std::vector<std::string> parts;
   for (;;) {
     const auto end = text.find(separator);
-    pieces.emplace_back(without_blanks_around(text.substr(0, end)));
-    if (end == std::string_view::npos) return pieces;
+    parts.emplace_back(trimmed(text.substr(0, end)));
+    if (end == std::string_view::npos) return parts;
     text.remove_prefix(end + 1);
   }
 }

@@ -1,4 +1,4 @@
-// MIT License. Messages: the exception that carries them, and the text operations that they and look-ups share.
+// MIT License. The exception for commands that fail, and small text operations.
 #pragma once
 
 #include <stdexcept>
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// A command that cannot be carried out. The text says in one line what was wrong and what is possible.
+// A command cannot be carried out. The text says in one line what is wrong and what would be possible.
 struct failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -14,11 +14,11 @@ struct failure : std::runtime_error {
 // `text` with A to Z in lower case, whatever the locale.
 std::string lower_case(std::string_view text);
 
-// The pieces of `text` between `separator`s, blanks around each removed. An empty text gives one empty piece.
+// The parts of `text` between separators, without the blanks around each. An empty text gives one empty part.
 std::vector<std::string> split(std::string_view text, char separator);
 
 // `items` with ", " between them.
 std::string joined(const std::vector<std::string>& items);
 
-// `text` with every control character replaced by '?', so that a message stays on its line whatever a file is called.
+// `text` with every control character replaced by '?': a file's name may contain a line break.
 std::string on_one_line(std::string text);

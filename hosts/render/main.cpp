@@ -1,4 +1,4 @@
-// MIT License. kesrel-render: sends a sound file through the vocoder, off line.
+// MIT License. kesrel-render: runs a sound file through the vocoder, offline.
 #include <cerrno>
 #include <cstdio>
 #include <exception>
@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr int k_status_not_done = 2;
+constexpr int k_failure_status = 2;
 
-// Throws failure for what doesn't arrive, and interrupted when that is because nobody reads any more.
+// Throws failure when the text cannot be written, and interrupted when that is because the reader has gone.
 void print(const std::string& text) {
   errno = 0;
   if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
@@ -27,8 +27,8 @@ void print(const std::string& text) {
   throw failure("standard output cannot be written: " + std::generic_category().message(error));
 }
 
-// What is done without a voice: the state is prepared, and shown when asked for.
-void run_silently(const render_options& options) {
+// Prepares the state and lists its programs if asked to, without a voice.
+void run_without_voice(const render_options& options) {
   effect_host host(options.plugin, k_core_rate_hz, options.block, 1);
   prepare(options, &host);
   if (options.list_programs) {
@@ -41,11 +41,11 @@ void run_silently(const render_options& options) {
 void run(int argc, const char* const* argv) {
   render_options options;
   if (read_command_line(argc, argv, &options) == command_line::done) {
-    print("");  // what is printed already
+    print("");  // checks that CLI11's text was written
   } else if (options.list_sounds) {
     print(table_of(known_sounds()));
   } else if (options.list_programs || options.voice.empty()) {
-    run_silently(options);
+    run_without_voice(options);
   } else {
     const auto report = render(options);
     if (!options.quiet) print(on_one_line(closing_line(options, report)) + "\n");
@@ -63,6 +63,6 @@ int main(int argc, char** argv) {
     end_by_signal(end.signal_number);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(error.what()).c_str());
-    return k_status_not_done;
+    return k_failure_status;
   }
 }

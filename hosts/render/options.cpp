@@ -10,7 +10,7 @@
 
 namespace {
 
-std::string closing_words() {
+std::string help_footer() {
   return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(k_lowest_rate_hz) + " to " +
          std::to_string(k_highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
 hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
@@ -29,8 +29,8 @@ Exit status: 0 done, 2 not done, with the reason on standard error. SIGHUP, SIGI
 program by that same signal, which a shell reports as 128 and its number: 130 for Ctrl-C. No unfinished file is left.)";
 }
 
-// CLI11 asks a check for the text of its complaint; an empty one means that all is well.
-std::string complaint_about_block(const std::string& text) {
+// CLI11 expects a validator to return an error message, or an empty text for a valid value.
+std::string block_error(const std::string& text) {
   int block = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), block);
   const bool is_number = error == std::errc{} && end == text.data() + text.size();
@@ -39,7 +39,7 @@ std::string complaint_about_block(const std::string& text) {
          " samples, which '" + text + "' isn't";
 }
 
-std::string complaint_about_rate(const std::string& text) {
+std::string rate_error(const std::string& text) {
   return text == "44100" || text == "native" ? "" : "the effect runs at 44100 or native, not at '" + text + "'";
 }
 
@@ -50,13 +50,13 @@ void declare_switch(const std::string& name, const char* on_help, const char* of
   auto* const off = app->add_flag_callback(
       "--no-" + name, [value] { *value = false; }, off_help);
   on->excludes(off);
-  for (auto* const option : {on, off}) option->option_text(" ");  // the exclusion speaks for itself
+  for (auto* const option : {on, off}) option->option_text(" ");  // CLI11 would print the exclusion, which is obvious
 }
 
 void declare(CLI::App* app, render_options* options) {
   app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
-  app->footer(closing_words());
+  app->footer(help_footer());
   app->add_option("VOICE", options->voice, "Sound file with the voice");
   app->add_option("OUT", options->output, "WAV file to write");
   app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
@@ -78,12 +78,12 @@ void declare(CLI::App* app, render_options* options) {
       ->type_name("PATH");
   app->add_option("--block", options->block, "Samples per call of the effect, default 512")
       ->type_name("N")
-      ->check(CLI::Validator(complaint_about_block, ""));
+      ->check(CLI::Validator(block_error, ""));
   app->add_option_function<std::string>(
          "--module-rate", [options](const std::string& rate) { options->native_rate = rate == "native"; },
          "Rate that the effect runs at: 44100, which is the default, or native, the rate of VOICE")
       ->type_name("44100|native")
-      ->check(CLI::Validator(complaint_about_rate, ""));
+      ->check(CLI::Validator(rate_error, ""));
   app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
   app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
   app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");

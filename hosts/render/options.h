@@ -8,10 +8,10 @@ constexpr int k_smallest_block = 1;
 constexpr int k_largest_block = 65536;
 
 struct render_options {
-  std::string voice;   // sound file to read; empty when nothing is to be rendered
+  std::string voice;   // sound file to read; empty when nothing is rendered
   std::string output;  // WAV file to write; likewise
-  std::string plugin;  // module with the effect; empty for the one beside this program
-  // What isn't given stays as the program in use has it.
+  std::string plugin;  // module with the effect; empty means the one beside this program
+  // Options that aren't given leave the current program as it is.
   std::optional<std::string> load_state;  // file with a bank or a single program
   std::optional<std::string> program;     // number or name
   std::optional<std::string> sound;       // number, name or uuid
@@ -21,7 +21,7 @@ struct render_options {
   std::optional<bool> octave;
   std::optional<std::string> save_state;  // file to write
   int block = 512;                        // samples per channel and call
-  bool native_rate = false;               // run the effect at the voice's rate, no longer at 44100 Hz
+  bool native_rate = false;               // run the effect at the voice's rate instead of 44100 Hz
   bool compensate = false;                // drop the latency and the tail
   bool float_samples = false;
   bool list_sounds = false;
@@ -32,6 +32,6 @@ struct render_options {
 enum class command_line { render, done };
 
 // Reads the command line into `options`.
-//   returns   done when it asked for help or the version, which are then printed
-//   throws    failure for what it cannot read
+//   returns   done when help or the version was asked for and has been printed
+//   throws    failure for a command line that cannot be understood
 command_line read_command_line(int argc, const char* const* argv, render_options* options);

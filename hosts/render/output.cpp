@@ -1,4 +1,4 @@
-// MIT License. The output on its way into a file: measured, converted and written.
+// MIT License. The output: converted to the file's rate, measured and written.
 #include "hosts/render/output.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int64_t k_most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
-constexpr int64_t k_wav_header_bytes = 4096;      // more than libsndfile ever writes around the samples
+constexpr int64_t k_wav_header_bytes = 4096;      // more than libsndfile writes before and after the samples
 
 }  // namespace
 
@@ -23,7 +23,7 @@ wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format forma
   file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-  sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it holds the time of day
+  sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it contains the time of day
   room_ = (k_most_wav_bytes - k_wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
 }
 

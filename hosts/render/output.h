@@ -1,4 +1,4 @@
-// MIT License. The output on its way into a file: measured, converted and written.
+// MIT License. The output: converted to the file's rate, measured and written.
 #pragma once
 
 #include <ebur128.h>
@@ -14,17 +14,17 @@
 
 enum class sample_format { pcm_24, float_32 };
 
-// A stereo WAV file that appears under its name only when it is finished.
+// A stereo WAV file that appears under its name only when it is complete.
 class wav_writer {
  public:
-  // Throws failure when the place cannot be written to.
+  // Throws failure when `path` cannot be written.
   wav_writer(const std::string& path, int rate_hz, sample_format format);
 
-  // Appends `count` samples. In 24-bit files they are clipped at full scale. Throws failure, for a full disk say, or
-  // when the file would outgrow the 4 GiB that its header can count.
+  // Appends `count` samples per channel, clipped at full scale in 24-bit files. Throws failure, for example on a full
+  // disk or when the file would exceed the 4 GiB that a WAV header can express.
   void write(const float* left, const float* right, int count);
 
-  // Closes the file and gives it its name.
+  // Closes the file and gives it its name. Throws failure.
   void finish();
 
  private:
@@ -34,7 +34,7 @@ class wav_writer {
 
   std::string what_;  // how messages name it
   partial_file partial_;
-  std::unique_ptr<SNDFILE, closer> file_;  // closed before the partial file vanishes
+  std::unique_ptr<SNDFILE, closer> file_;  // closed before the partial file is deleted
   int64_t room_;                           // samples per channel that still fit
   std::vector<float> interleaved_;
 };
@@ -46,7 +46,7 @@ class meters {
 
   void add(const float* left, const float* right, int count);
 
-  float peak() const { return peak_; }                         // largest magnitude, full scale is 1
+  float peak() const { return peak_; }                         // largest magnitude; full scale is 1
   int64_t samples_above_full_scale() const { return above_; }  // of both channels together
 
   // Integrated loudness by EBU R 128 in LUFS; -infinity for silence and for less than 400 ms.
@@ -65,23 +65,23 @@ class meters {
 // Converts, measures and writes a stream.
 class delivery {
  public:
-  //   skipped   samples of the file's rate that are left out at the head
+  //   skipped   samples at the file's rate to leave out at the start
   delivery(int from_hz, int to_hz, int64_t skipped, wav_writer* writer)
       : position_(-skipped), converter_(from_hz, to_hz, 2), meters_(to_hz), writer_(*writer) {}
 
-  // Takes the next samples of both channels. The file ends before its sample `end`; later ones are left out.
+  // Takes the next `count` samples of both channels. Samples from `end` on, counted at the file's rate, are left out.
   void add(const float* left, const float* right, int count, int64_t end);
-  // Writes what the converter still holds.
+  // Writes the samples that the converter still holds.
   void finish(int64_t end) { write(converter_.finish(), end); }
 
-  // Samples that have to follow the last one, for the filter not to hear the stream break off.
+  // Samples that have to follow the last one so that the converter's filter doesn't see the end of the stream.
   int64_t reach() const { return converter_.reach(); }
   const meters& measured() const { return meters_; }
 
  private:
   void write(const channel_samples& samples, int64_t end);
 
-  int64_t position_;  // of the next sample in the file; below 0 it is left out
+  int64_t position_;  // of the next sample in the file; negative while samples are skipped
   rate_converter converter_;
   meters meters_;
   wav_writer& writer_;

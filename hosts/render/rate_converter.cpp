@@ -1,4 +1,4 @@
-// MIT License. Streams of samples at another rate.
+// MIT License. Sample rate conversion of a stream.
 #include "hosts/render/rate_converter.h"
 
 #include <algorithm>
@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr std::size_t k_piece_samples = 4096;  // of output per call, so that memory stays small
+constexpr std::size_t k_piece_samples = 4096;  // of output per call, to bound the memory
 
-// More than the half length of libsoxr's filters at this quality, in samples of the lower rate. Measured from 2000 to
-// 192000 Hz, the response to an impulse falls below 1e-9 of its peak within 142.
+// More than half the length of libsoxr's filters at this quality, in samples at the lower rate. Measured from 2000 to
+// 192000 Hz, the impulse response falls below 1e-9 of its peak within 142 samples.
 constexpr int64_t k_filter_reach_samples = 256;
 
 void check(soxr_error_t error) {

@@ -1,4 +1,4 @@
-// MIT License. Streams of samples at another rate.
+// MIT License. Sample rate conversion of a stream.
 #pragma once
 
 #include <soxr.h>
@@ -9,26 +9,27 @@
 
 using channel_samples = std::vector<std::vector<float>>;  // a vector per channel, all of one length
 
-// Converts a stream by libsoxr at its best quality, in linear phase: flat up to 0.91 of the lower rate's half, nothing
-// above that half. The first sample that comes out has the time of the first that goes in. Equal rates pass unchanged.
+// Converts a stream by libsoxr at its best quality, with linear phase: flat up to 0.91 of the lower Nyquist frequency,
+// nothing above it. The delay is compensated: the first output sample has the time of the first input sample. Equal
+// rates pass the samples through unchanged.
 class rate_converter {
  public:
   rate_converter(int from_hz, int to_hz, int channels);
 
   // Takes the next `count` samples of each channel, all of them finite.
-  //   returns   what is ready so far and hasn't been returned before, valid until the next call
+  //   returns   the output that has become available, valid until the next call
   const channel_samples& convert(const float* const* channels, int count);
-  // The remainder, with silence behind the last sample.
+  // The rest of the output, as if silence followed the last sample.
   const channel_samples& finish();
 
-  // How far the filter looks around a sample, in samples of the stream that goes in.
+  // How far the filter looks before and after a sample, in input samples.
   int64_t reach() const { return reach_; }
 
  private:
   struct closer {
     void operator()(soxr* handle) const { soxr_delete(handle); }
   };
-  // Null pointers end the stream.
+  // No channels in `in` end the stream.
   void run(std::vector<const float*> in, std::size_t count);
 
   std::unique_ptr<soxr, closer> soxr_;  // null for equal rates

@@ -25,32 +25,32 @@
 
 namespace {
 
-// A not-a-number that no arithmetic makes. The effect's output is always finite, so a block that still holds it after
-// processing was not written.
+// A NaN with a payload that no arithmetic produces. The effect's output is always finite, so a block that still holds
+// it after processing was not written.
 const float k_unwritten = std::bit_cast<float>(0x7fc0beefU);
 
-// A tail below this level, for this long, has died away.
+// A reverb's tail has ended when it stays below this level for this long.
 constexpr float k_inaudible = 1e-4F;  // -80 dBFS
 constexpr double k_quiet_seconds = 0.1;
 
-// In samples of the effect's rate; 0 is where the voice begins.
+// The phases of a rendering, in samples at the effect's rate; the voice begins at 0.
 struct timeline {
-  int64_t run_in;       // head of the first block, before 0: silence goes in, and nothing is written
+  int64_t run_in;       // start of the first block, negative: until 0 the input is silence and no output is kept
   int64_t start;        // first sample that is written
-  int64_t keys_up;      // the chord is let go at the head of this block; never when compensated
+  int64_t keys_up;      // the keys are released at the start of this block; never with --compensate
   int64_t end;          // one past the last sample that is written
-  int64_t longest_end;  // how far a reverb's tail may move `end`
+  int64_t longest_end;  // how far a reverb's tail may extend `end`
 };
 
-// The synthesizer's filter opens from nothing, with a time constant of 68 ms, and once more by a step per block. After
-// a second the first syllable is as clear as all others, and blocks of any length sound alike. Whole seconds are whole
-// samples at every rate, which keeps converted streams aligned.
+// The synthesizer's filter opens from zero with a time constant of 68 ms, and by a further step in each block. After a
+// second it is open, so that the first syllable is as clear as the others and the block length makes no difference. A
+// whole number of seconds is a whole number of samples at every rate, which keeps the converted streams aligned.
 constexpr double k_run_in_seconds = 1.0;
-// How long the chord stays after the last word, for the envelopes to fall by themselves.
+// How long the keys are held after the voice has ended, so that its envelopes decay first.
 constexpr double k_hold_seconds = 0.25;
-// What the chord itself takes to fall by 60 dB after that: seven time constants of 11.4 ms, and some room.
+// Time for the released chord to decay by 60 dB: seven time constants of 11.4 ms, and a margin.
 constexpr double k_release_seconds = 0.1;
-// More than the largest hall needs for 60 dB; a tail that hasn't died away by then is cut.
+// Longer than the largest hall needs to decay by 60 dB; a longer tail is cut.
 constexpr double k_longest_reverb_seconds = 12.0;
 
 int64_t samples_of(double seconds, int rate_hz) {
@@ -61,9 +61,9 @@ int64_t rounded_up(int64_t samples, int64_t block) {
   return (samples + block - 1) / block * block;
 }
 
-// The timeline of a voice of `voice_samples` in blocks of `block`.
-//   compensate   the output has the voice's own length and timing
-//   reverb       the tail may go on until it has died away
+// The timeline for `voice_samples` of voice in blocks of `block` samples.
+//   compensate   the output has the length and timing of the voice
+//   reverb       the tail is written until it has decayed
 timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compensate, bool reverb) {
   const int64_t latency = latency_samples(rate_hz);
   const int64_t run_in = -samples_of(k_run_in_seconds, rate_hz);
@@ -77,15 +77,15 @@ timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compens
   return {run_in, 0, keys_up, end, end + (reverb ? samples_of(k_longest_reverb_seconds, rate_hz) : 0)};
 }
 
-// A progress bar on standard error, for terminals.
 constexpr int k_bar_width = 40;
 constexpr std::chrono::milliseconds k_redraw_interval{100};
 
+// A progress bar on standard error.
 class progress_bar {
  public:
   // Draws only when `wanted` and standard error is a terminal.
   progress_bar(int64_t total, bool wanted);
-  ~progress_bar();  // wipes the line
+  ~progress_bar();  // clears the line
   progress_bar(const progress_bar&) = delete;
   progress_bar& operator=(const progress_bar&) = delete;
 
@@ -155,17 +155,17 @@ int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
   return std::llround(static_cast<double>(samples) * to_hz / from_hz);
 }
 
-// One rendering, from the set-up effect to the finished file. Positions are in samples of the effect's rate.
+// One rendering, from the prepared effect to the finished file. Positions are in samples at the effect's rate.
 class rendering {
  public:
-  rendering(const render_options& options, const program& in_use, voice_reader* voice, effect_host* host)
+  rendering(const render_options& options, const program& current, voice_reader* voice, effect_host* host)
       : options_(options),
-        program_(in_use),
+        program_(current),
         voice_(*voice),
         host_(*host),
         rate_hz_(rate_of_effect(options, *voice)),
         plan_(timeline_of(at_rate(voice->frames(), voice->rate_hz(), rate_hz_), rate_hz_, options.block,
-                          options.compensate, in_use.reverb)),
+                          options.compensate, current.reverb)),
         input_(options.block),
         output_(options.block),
         writer_(options.output, voice->rate_hz(),
@@ -173,14 +173,14 @@ class rendering {
         feed_(voice, run_in_of_file(), rate_hz_),
         delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {}
 
-  // False when the effect writes nothing.
+  // Returns false when the effect writes no output.
   bool run() {
     const int64_t length = plan_.end + delivery_.reach() - plan_.run_in;
     progress_bar progress(length, !options_.quiet);
     host_.start();
     for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += options_.block) {
       check_interruption();
-      if (position_ >= plan_.keys_up) let_go_of_keys();
+      if (position_ >= plan_.keys_up) release_keys();
       feed_.next(input_.channels(), options_.block);
       output_.fill(k_unwritten);
       host_.process(input_.channels(), output_.channels(), options_.block);
@@ -210,14 +210,14 @@ class rendering {
     return options_.compensate ? voice_.frames() : at_rate(plan_.end - plan_.start, rate_hz_, voice_.rate_hz());
   }
 
-  void let_go_of_keys() {
+  void release_keys() {
     if (program_.keys.empty()) return;
     program_.keys.clear();
     use_program(program_, &host_);
   }
 
-  // Leaves out the latency at the very head and not behind the run-in: it is a whole number of samples here, and what
-  // follows it is on the voice's grid after the conversion too.
+  // Drops the latency at the very start, before the conversion, and not after the run-in: here it is a whole number of
+  // samples, so that the output stays aligned with the voice to the sample.
   void deliver_output() {
     lengthen_tail();
     const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, options_.block);
@@ -225,7 +225,7 @@ class rendering {
                   static_cast<int>(options_.block - left_out), end_of_file());
   }
 
-  // Moves the end on while a tail is audible.
+  // Extends the rendering while the tail is audible.
   void lengthen_tail() {
     if (position_ < plan_.keys_up || position_ >= plan_.end || plan_.end >= plan_.longest_end) return;
     for (int i = 0; i < options_.block; ++i) {
@@ -237,10 +237,10 @@ class rendering {
   }
 
   const render_options& options_;
-  program program_;  // in use
+  program program_;  // the current one
   voice_reader& voice_;
   effect_host& host_;
-  int rate_hz_;  // the effect's
+  int rate_hz_;  // of the effect
   timeline plan_;
   stereo_block input_;
   stereo_block output_;
@@ -250,7 +250,7 @@ class rendering {
   int64_t position_ = 0;
 };
 
-// Checks that come from the rate, which only the voice tells.
+// The shortest block depends on the rate, and that may be the voice's.
 void check_block(const render_options& options, const voice_reader& voice) {
   const int rate_hz = rate_of_effect(options, voice);
   const int shortest = shortest_block(rate_hz);
@@ -274,17 +274,17 @@ std::string in_db(double value) {
 
 render_report render(const render_options& options) {
   voice_reader voice(options.voice);
-  check_place("output '" + options.output + "'", options.output, "voice", options.voice);
+  check_target("output '" + options.output + "'", options.output, "voice", options.voice);
   check_block(options, voice);
 
-  if (!voice.complaint().empty()) warn(voice.complaint());
+  if (!voice.warning().empty()) warn(voice.warning());
 
   effect_host host(options.plugin, rate_of_effect(options, voice), options.block, voice.channels());
-  const program in_use = prepare(options, &host);
-  const sound& chosen = sound_of(in_use);
+  const program current = prepare(options, &host);
+  const sound& chosen = sound_of(current);
 
   const auto began = std::chrono::steady_clock::now();
-  rendering run(options, in_use, &voice, &host);
+  rendering run(options, current, &voice, &host);
   if (!run.run()) throw no_output_from(chosen);
   return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
 }

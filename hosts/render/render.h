@@ -14,8 +14,8 @@ struct render_report {
   int64_t samples_above_full_scale = 0;
 };
 
-// Carries `options` out. Throws failure, and interrupted, and then leaves no file behind.
+// Renders `options.voice` into `options.output`. Throws failure and interrupted, and then leaves no unfinished file.
 render_report render(const render_options& options);
 
-// The report as the closing line of a rendering.
+// The report as one line of text.
 std::string closing_line(const render_options& options, const render_report& report);

@@ -1,4 +1,4 @@
-// MIT License. The voice: its sound file, and the stream of it that the effect hears.
+// MIT License. The voice: its sound file, and the stream that the effect gets from it.
 #include "hosts/render/voice.h"
 
 #include <unistd.h>
@@ -26,14 +26,14 @@ std::string called(const std::string& path) {
   return "voice '" + path + "'";
 }
 
-// Sizes of a WAV file's samples in bytes: as its header has it, and as they are.
+// Size of a WAV file's samples in bytes: according to the header, and in the file.
 struct wav_size {
   int64_t promised = 0;
   int64_t present = 0;
 };
 
-// Zeros for other files, and for recordings of unknown length: who writes a WAV file into a pipe cannot come back to
-// the header, and puts a size there that is next to the largest of 31 or 32 bits.
+// Zeros for other files, and for recordings of unknown length: a program that writes a WAV file into a pipe cannot go
+// back to the header, and puts a size close to the largest of 31 or 32 bits there.
 wav_size wav_samples_of(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 12> head{};
@@ -45,7 +45,7 @@ wav_size wav_samples_of(const std::string& path) {
   while (read(8)) {
     const int64_t size = head[4] | head[5] << 8 | head[6] << 16 | int64_t{head[7]} << 24;
     if (!has(0, "data")) {
-      file.seekg(size + size % 2, std::ios::cur);  // chunks begin at even places
+      file.seekg(size + size % 2, std::ios::cur);  // chunks start at even offsets
       continue;
     }
     const bool is_unknown = (size >= 0x7ffff000 && size <= 0x80000000) || size >= 0xfffff000;
@@ -55,7 +55,7 @@ wav_size wav_samples_of(const std::string& path) {
   return {};
 }
 
-void check_voice_place(const std::string& path) {
+void check_readable(const std::string& path) {
   std::error_code error;
   const auto status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
@@ -70,7 +70,7 @@ constexpr int k_piece_samples = 4096;
 }  // namespace
 
 voice_reader::voice_reader(const std::string& path) : path_(path) {
-  check_voice_place(path);
+  check_readable(path);
   file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
   const std::string name = called(path);
   if (!file_) throw failure(name + " is no sound file that can be read: " + sf_strerror(nullptr));
@@ -87,7 +87,7 @@ voice_reader::voice_reader(const std::string& path) : path_(path) {
     const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
     char seconds[96];
     std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
-    complaint_ = name + " is cut short: " + seconds;
+    warning_ = name + " is cut short: " + seconds;
   }
 }
 
@@ -133,7 +133,7 @@ void voice_feed::convert_more() {
   if (wanted > 0) voice_.read({piece_.front().data() + lead, piece_.back().data() + lead}, static_cast<int>(wanted));
   position_ += k_piece_samples;
 
-  // The effect makes bad samples 0. The converter would smear them over their surroundings.
+  // The effect replaces NaN and infinite samples by 0. The converter would spread them over their neighbours.
   const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
   for (auto& channel : piece_) {
     std::replace_if(

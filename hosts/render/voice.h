@@ -1,4 +1,4 @@
-// MIT License. The voice: its sound file, and the stream of it that the effect hears.
+// MIT License. The voice: its sound file, and the stream that the effect gets from it.
 #pragma once
 
 #include <sndfile.h>
@@ -11,27 +11,27 @@
 
 #include "hosts/render/rate_converter.h"
 
-// Bounds of the voice's rate: below, speech is no longer understood; above, there are no recordings.
+// Limits of the voice's rate: below, speech is unintelligible; above, nothing is recorded.
 constexpr int k_lowest_rate_hz = 2000;
 constexpr int k_highest_rate_hz = 768000;
 
-// The voice, read from start to end.
+// The voice's file, read from start to end.
 class voice_reader {
  public:
-  // Throws failure for what isn't a readable sound file of 1 or 2 channels with at least one sample, and for rates
-  // outside `k_lowest_rate_hz` to `k_highest_rate_hz`.
+  // Throws failure unless the file is a readable sound file with 1 or 2 channels, at least one sample, and a rate from
+  // `k_lowest_rate_hz` to `k_highest_rate_hz`.
   explicit voice_reader(const std::string& path);
 
   int channels() const { return info_.channels; }
   int rate_hz() const { return info_.samplerate; }
   int64_t frames() const { return info_.frames; }
 
-  // For a WAV file that is shorter than its header says, how much of it is missing; else empty.
-  const std::string& complaint() const { return complaint_; }
+  // How much is missing, if the file is a WAV file shorter than its header says; else empty.
+  const std::string& warning() const { return warning_; }
 
-  // Reads the next `count` samples of each channel, which have to be there.
-  //   shapes    channels[2][count]; of a mono voice the second is left alone
-  //   throws    failure when the file breaks off
+  // Reads the next `count` samples of each channel; at least as many have to be left.
+  //   shapes    channels[2][count]; a mono voice leaves the second unchanged
+  //   throws    failure when the file ends early
   void read(std::array<float*, 2> channels, int count);
 
  private:
@@ -42,29 +42,29 @@ class voice_reader {
   std::string path_;
   SF_INFO info_{};
   std::unique_ptr<SNDFILE, closer> file_;
-  std::string complaint_;
+  std::string warning_;
   std::vector<float> interleaved_;
 };
 
-// An endless stream at the effect's rate: silence, the voice, silence.
+// The voice at the effect's rate, between leading silence and endless silence after it.
 class voice_feed {
  public:
-  //   silence_before   in samples of the voice's rate
+  //   silence_before   in samples at the voice's rate
   voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz);
 
-  // The next `count` samples. A mono voice is in both channels, for an effect that reads the second in spite of the
-  // arrangement.
+  // Writes the next `count` samples. A mono voice fills both channels, in case the effect reads the second one in spite
+  // of the speaker arrangement.
   //   shapes   channels[2][count]
-  //   throws   failure when the file breaks off
+  //   throws   failure when the file ends early
   void next(float* const* channels, int count);
 
  private:
   void convert_more();
 
   voice_reader& voice_;
-  int64_t position_;  // of the voice's next sample; below 0 in the silence
+  int64_t position_;  // of the voice's next sample; negative in the leading silence
   rate_converter converter_;
   channel_samples piece_;
-  const channel_samples* ready_ = nullptr;  // what the converter returned last
-  std::size_t taken_ = 0;                   // samples of it that are out
+  const channel_samples* ready_ = nullptr;  // the converter's latest output
+  std::size_t taken_ = 0;                   // samples of it that have been passed on
 };
