@@ -1,5 +1,5 @@
-// MIT License. An effect that goes wrong in the way that the environment's KESREL_ODD names. Its entry has the name
-// that the build gives it.
+// MIT License. An effect with the fault that the environment variable KESREL_ODD names. The build sets its entry's
+// name.
 #include <unistd.h>
 
 #include <array>
@@ -11,14 +11,14 @@
 #include "hosts/effect/program_image.h"
 #include "vst2/aeffect.h"
 
-static bool is(const char* way) {
+static bool is(const char* fault) {
   const char* const named = std::getenv("KESREL_ODD");
-  return named != nullptr && std::strcmp(named, way) == 0;
+  return named != nullptr && std::strcmp(named, fault) == 0;
 }
 
 static float host_rate_hz = 0.0F;
 
-// Gives back what it hears after 1024 samples, louder the higher its rate: at 44100 Hz the gain is 1.
+// Delays by 1024 samples, with a gain proportional to the rate: 1 at 44100 Hz.
 static void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
   constexpr std::size_t latency = 1024;
   static std::array<std::array<float, latency>, 2> rings{};
@@ -32,7 +32,7 @@ static void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
   }
 }
 
-// Never takes a program or a state. It has two programs, and the first stays in use.
+// Ignores every program change and state. It has two programs, and the first is always the current one.
 static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt) {
   static const std::string image =
       single_program_image({"Deaf", "quorvant.factory.Modern_Chord_Coder"}, 0, {effect->uniqueID, effect->version});

@@ -1,11 +1,11 @@
-// MIT License. Test that the host's table of sounds says what the effect's catalogue says.
+// MIT License. Test that the host's table of sounds agrees with the effect's.
 #include <gtest/gtest.h>
 
 #include "engine/factory_sounds.h"
 #include "hosts/effect/sounds.h"
 #include "plugin/catalogue.h"
 
-TEST(KnownSounds, AreThoseOfTheEffect) {
+TEST(Sounds, AreThoseOfTheEffect) {
   sound_catalogue catalogue;
   catalogue.append_factory_sounds();
   std::size_t position = 0;

@@ -1,4 +1,4 @@
-// MIT License. Tests of finding a sound or a program by what a person types.
+// MIT License. Tests of finding a sound or a program by what the user types.
 #include "hosts/effect/finding.h"
 
 #include <gtest/gtest.h>
@@ -27,15 +27,15 @@ static std::string complaint(const char* wanted) {
   return "no complaint";
 }
 
-TEST(Finding, GoesByNumberNameIdAndUniquePart) {
+TEST(Finding, AcceptsNumberNameIdAndUniquePart) {
   EXPECT_EQ(found("5"), 5);
-  EXPECT_EQ(found("Ring-Mod"), 6) << "the very letters win";
+  EXPECT_EQ(found("Ring-Mod"), 6) << "an exact match wins";
   EXPECT_EQ(found("MAKER.MORE.RING_MOD"), 6);
   EXPECT_EQ(found("sawTOOTH"), 0);
-  EXPECT_EQ(found("tight lead"), 1) << "a whole name wins over a part of another";
+  EXPECT_EQ(found("tight lead"), 1) << "a whole name wins over a part";
 }
 
-TEST(Finding, TellsWhatIsPossible) {
+TEST(Finding, NamesTheCandidates) {
   EXPECT_EQ(complaint("tight"), "sound 'tight' could be 1 'Tight Lead', 5 'Tight Lead 2'");
   EXPECT_EQ(complaint("ring-mod"), "sound 'ring-mod' could be 6 'Ring-Mod', 7 'RING-MOD'");
   for (const char* number : {"2", "99999999999"}) {

@@ -1,4 +1,4 @@
-// MIT License. Tests of images and records beyond what the effect itself writes.
+// MIT License. Tests of images that the effect itself wouldn't write.
 #include "hosts/effect/program_image.h"
 
 #include <gtest/gtest.h>
@@ -12,24 +12,24 @@ static program read(const std::string& image) {
   return read_image("it", image, plugin).programs.at(0).content;
 }
 
-TEST(ProgramImage, IsReadAsItIsWritten) {
+TEST(ProgramImage, CanBeReadBack) {
   const program empty{};
   for (const auto& content : {full, empty}) EXPECT_TRUE(read(single_program_image(content, 7, plugin)) == content);
 }
 
-TEST(ProgramImage, IsRefusedWhereverItBreaksOff) {
+TEST(ProgramImage, IsRefusedWhereverItIsTruncated) {
   auto image = single_program_image(full, 0, plugin);
   for (std::size_t length = 0; length < image.size(); ++length) {
     EXPECT_THROW(read(image.substr(0, length)), failure) << length;
   }
-  // A record that ends too early within an image that is whole.
+  // A truncated record in a complete image.
   const std::size_t record_size = 160 + 7;
   for (int shorter = 1; shorter <= image[record_size]; ++shorter) {
     auto changed = image;
     changed[record_size] = static_cast<char>(changed[record_size] - shorter);
     EXPECT_THROW(read(changed), failure) << shorter;
   }
-  EXPECT_TRUE(read(image + "and what lies behind") == full);
+  EXPECT_TRUE(read(image + "and further bytes") == full);
 }
 
 TEST(ProgramImage, OfAnOlderVersionHasNoOctaveSwitch) {

@@ -7,7 +7,7 @@
 
 using keys = std::vector<int>;
 
-TEST(NoteNames, FollowTheConventionThatC4Is60) {
+TEST(NoteNames, CountFromC4As60) {
   const std::pair<const char*, int> names[] = {{"C4", 60},   {"c4", 60},  {"b3", 59}, {"bb3", 58},
                                                {"F##2", 43}, {"Cb4", 59}, {"C-1", 0}, {"G9", 127}};
   for (const auto& [name, note] : names) EXPECT_EQ(note_of_name(name), note) << name;
@@ -17,10 +17,10 @@ TEST(NoteNames, FollowTheConventionThatC4Is60) {
   }
 }
 
-TEST(Keys, AreReadAsIndicesAndAsNamesRelativeToTheLowestNote) {
+TEST(Keys, AreIndicesOrNamesRelativeToTheLowestNote) {
   EXPECT_EQ(parse_keys("12,16,19", 36), (keys{12, 16, 19}));
   EXPECT_EQ(parse_keys("C4,E4,G4", 48), (keys{12, 16, 19}));
-  EXPECT_EQ(parse_keys(" 35 , C2, 0", 36), (keys{0, 35})) << "sorted, each once, blanks ignored";
+  EXPECT_EQ(parse_keys(" 35 , C2, 0", 36), (keys{0, 35})) << "sorted, without duplicates or blanks";
 }
 
 static std::string complaint(const std::string& list) {

@@ -1,23 +1,25 @@
-// MIT License. Tests of the meters.
+// MIT License. Tests of measuring and writing the output.
 #include "hosts/render/output.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
-TEST(Meters, ShowPeakAndCountWhatExceedsFullScale) {
+#include "tests/hosts/command.h"
+
+using Output = command_fixture;
+
+TEST(Meters, GiveThePeakAndCountSamplesAboveFullScale) {
   meters meter(44100);
   const float left[] = {0.5F, -1.5F, 1.0F, 0.0F};
   const float right[] = {0.0F, 1.25F, -1.0F, 0.0F};
   meter.add(left, right, 4);
   EXPECT_EQ(meter.peak(), 1.5F);
   EXPECT_EQ(meter.samples_above_full_scale(), 2);
-  EXPECT_EQ(meter.loudness_lufs(), -HUGE_VAL) << "too short to have one";
+  EXPECT_EQ(meter.loudness_lufs(), -HUGE_VAL) << "too short for a loudness";
 }
 
 // EBU Tech 3341, case 1: a stereo sine of 1 kHz at -23 dBFS per channel measures -23 LUFS.
-TEST(Meters, MeasureTheReferenceToneAtItsLoudness) {
+TEST(Meters, GiveTheLoudnessOfTheReferenceTone) {
   meters meter(48000);
   std::vector<float> tone(48000 * 5);
   for (std::size_t i = 0; i < tone.size(); ++i) {
@@ -26,4 +28,14 @@ TEST(Meters, MeasureTheReferenceToneAtItsLoudness) {
   }
   meter.add(tone.data(), tone.data(), static_cast<int>(tone.size()));
   EXPECT_NEAR(meter.loudness_lufs(), -23.0, 0.1);
+}
+
+TEST_F(Output, ClipsAtFullScaleIn24BitsButNotInFloat) {
+  auto loud = voice_of(0.4);
+  for (auto& sample : loud.samples) sample *= 1000.0F;
+  write_recording(voice, loud);
+  EXPECT_TRUE(contains(done({voice, output, "--float"}), " samples above full scale"));
+  EXPECT_GT(peak_of(read_recording(output)), 1.0F);
+  EXPECT_TRUE(contains(done({voice, output}), ", clipped "));
+  EXPECT_LE(peak_of(read_recording(output)), 1.0F);
 }
