@@ -1,5 +1,4 @@
-// MIT License. Tests of the files that kesrel-render writes: where they go, and what is left when they can't be
-// written.
+// MIT License. Tests of the files that kesrel-render writes: their place, and what is left after a failure.
 #include <sys/resource.h>
 
 #include <filesystem>

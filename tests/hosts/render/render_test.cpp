@@ -78,18 +78,18 @@ TEST_F(Rendering, IsShiftedByTheLatencyWhenCompensated) {
 }
 
 TEST_F(Rendering, FollowsSoundKeysAndSwitches) {
-  const auto sung = [this](arguments options) {
+  const auto samples_with = [this](arguments options) {
     options.insert(options.end(), {"--float", "--compensate"});
     return rendered(options).samples;
   };
-  const auto plain = sung({"--sound", "0"});
-  EXPECT_TRUE(sung({"--sound", "0", "--octave"}) != plain);
-  EXPECT_TRUE(sung({"--sound", "0", "--keys", "0"}) != plain);
-  EXPECT_TRUE(sung({"--sound", "ring-"}) != plain);
-  EXPECT_TRUE(sung({"--sound", "0", "--keys", "C3,E3,G3", "--no-chorus"}) == plain);
+  const auto plain = samples_with({"--sound", "0"});
+  EXPECT_TRUE(samples_with({"--sound", "0", "--octave"}) != plain);
+  EXPECT_TRUE(samples_with({"--sound", "0", "--keys", "0"}) != plain);
+  EXPECT_TRUE(samples_with({"--sound", "ring-"}) != plain);
+  EXPECT_TRUE(samples_with({"--sound", "0", "--keys", "C3,E3,G3", "--no-chorus"}) == plain);
   // The first program raises the keyboard.
-  EXPECT_TRUE(sung({"--keys", "C4,E4,G4"}) == sung({}));
-  EXPECT_TRUE(sung({"--no-octave"}) == plain);
+  EXPECT_TRUE(samples_with({"--keys", "C4,E4,G4"}) == samples_with({}));
+  EXPECT_TRUE(samples_with({"--no-octave"}) == plain);
 }
 
 TEST_F(Rendering, OfASoundWithoutValuesIsRefused) {
