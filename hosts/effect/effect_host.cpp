@@ -13,8 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int k_core_latency_samples = 1024;
-constexpr VstInt32 k_plugin_id = CCONST('K', 'V', '4', 'M');
+constexpr int core_latency_samples = 1024;
+constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
 
 // Answers the effect's calls to its host; 0 to those that this host doesn't support, as the interface requires.
 VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
@@ -55,11 +55,11 @@ AEffect* create_effect(const std::string& plugin) {
 }  // namespace
 
 int64_t latency_samples(int rate_hz) {
-  return std::llround(static_cast<double>(k_core_latency_samples) * rate_hz / k_core_rate_hz);
+  return std::llround(static_cast<double>(core_latency_samples) * rate_hz / core_rate_hz);
 }
 
 int shortest_block(int rate_hz) {
-  return static_cast<int>(std::ceil(0.5 * rate_hz / k_core_rate_hz));
+  return static_cast<int>(std::ceil(0.5 * rate_hz / core_rate_hz));
 }
 
 effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
@@ -113,7 +113,7 @@ void effect_host::start() {
 
 // The table of sounds and the state format belong to this one plug-in.
 void effect_host::check_identity() const {
-  if (effect_->uniqueID == k_plugin_id) return;
+  if (effect_->uniqueID == plugin_id) return;
   char name[256] = {};
   dispatch(effGetEffectName, 0, 0, name);
   name[sizeof name - 1] = 0;

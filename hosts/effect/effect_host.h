@@ -8,7 +8,7 @@
 #include "vst2/aeffect.h"
 
 // The effect's internal rate. A host that runs it at this rate gets exact pitches.
-constexpr int k_core_rate_hz = 44100;
+constexpr int core_rate_hz = 44100;
 
 // The effect's latency at `rate_hz`: 1024 samples at its internal rate, converted and rounded to the nearest sample.
 int64_t latency_samples(int rate_hz);

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr std::size_t k_most_candidates_named = 5;
-constexpr std::size_t k_most_suggestions = 3;
+constexpr std::size_t most_candidates_named = 5;
+constexpr std::size_t most_suggestions = 3;
 
 using indices = std::vector<std::size_t>;
 
@@ -26,7 +26,7 @@ indices entries_that(const std::vector<findable>& entries, const std::function<b
 std::string listed(const std::vector<findable>& entries, const indices& found) {
   std::vector<std::string> names;
   for (const auto i : found) {
-    if (names.size() == k_most_candidates_named) break;
+    if (names.size() == most_candidates_named) break;
     names.push_back(std::to_string(entries[i].number) + " '" + entries[i].name + "'");
   }
   const std::size_t rest = found.size() - names.size();
@@ -83,7 +83,7 @@ indices suggestions(const std::vector<findable>& entries, const std::string& wan
   std::sort(ranked.begin(), ranked.end());
   indices nearest;
   for (const auto& [edits, letters, i] : ranked) {
-    if (nearest.size() < k_most_suggestions) nearest.push_back(i);
+    if (nearest.size() < most_suggestions) nearest.push_back(i);
   }
   return nearest;
 }

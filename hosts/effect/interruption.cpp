@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int k_ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
+constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU};
 
 volatile sig_atomic_t recorded_signal = 0;
 
@@ -19,7 +19,7 @@ interruption_guard::interruption_guard() {
   sigset_t held;
   sigemptyset(&held);
   sigemptyset(&ignored_);
-  for (const int number : k_ending_signals) {
+  for (const int number : ending_signals) {
     sigaddset(&held, number);
     struct sigaction present {};
     sigaction(number, nullptr, &present);
@@ -29,7 +29,7 @@ interruption_guard::interruption_guard() {
 }
 
 interruption_guard::~interruption_guard() {
-  for (const int number : k_ending_signals) {
+  for (const int number : ending_signals) {
     struct sigaction recording {};
     recording.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : record_signal;
     recording.sa_flags = SA_RESTART;

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // Far larger than any bank; a larger file was named by mistake, and isn't worth reading into memory.
-constexpr std::uintmax_t k_most_state_bytes = 64 << 20;
+constexpr std::uintmax_t most_state_bytes = 64 << 20;
 
 program_image image_of(const effect_host& host, image_kind kind) {
   return read_image("the effect's state", host.state(kind), host.identity());
@@ -74,7 +74,7 @@ std::string content_of(const std::string& path) {
   if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
   if (error) throw failure(called(path) + " cannot be read: " + error.message());
   if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
-  if (fs::file_size(path) > k_most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
+  if (fs::file_size(path) > most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
   std::ifstream file(path, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   if (!file) throw failure(called(path) + " cannot be read");

@@ -64,7 +64,7 @@ const sound* sound_with_uuid(const std::vector<sound>& sounds, std::string_view 
 }
 
 int lowest_note(const sound& chosen, bool octave) {
-  return chosen.root_key + (octave ? k_octave_switch_keys : 0);
+  return chosen.root_key + (octave ? octave_switch_keys : 0);
 }
 
 std::string table_of(const std::vector<sound>& sounds) {

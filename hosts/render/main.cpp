@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int k_failure_status = 2;
+constexpr int failure_status = 2;
 
 // Throws failure when the text cannot be written, and interrupted when that is because the reader has gone.
 void print(const std::string& text) {
@@ -29,7 +29,7 @@ void print(const std::string& text) {
 
 // Prepares the state and lists its programs if asked to, without a voice.
 void run_without_voice(const render_options& options) {
-  effect_host host(options.plugin, k_core_rate_hz, options.block, 1);
+  effect_host host(options.plugin, core_rate_hz, options.block, 1);
   prepare(options, &host);
   if (options.list_programs) {
     print(program_table(host));
@@ -63,6 +63,6 @@ int main(int argc, char** argv) {
     end_by_signal(end.signal_number);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(error.what()).c_str());
-    return k_failure_status;
+    return failure_status;
   }
 }

@@ -11,8 +11,8 @@
 namespace {
 
 std::string help_footer() {
-  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(k_lowest_rate_hz) + " to " +
-         std::to_string(k_highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
+  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +
+         std::to_string(highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
 hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
 1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
 
@@ -34,8 +34,8 @@ std::string block_error(const std::string& text) {
   int block = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), block);
   const bool is_number = error == std::errc{} && end == text.data() + text.size();
-  if (is_number && block >= k_smallest_block && block <= k_largest_block) return {};
-  return "a block has " + std::to_string(k_smallest_block) + " to " + std::to_string(k_largest_block) +
+  if (is_number && block >= smallest_block && block <= largest_block) return {};
+  return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
          " samples, which '" + text + "' isn't";
 }
 

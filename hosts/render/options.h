@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-constexpr int k_smallest_block = 1;
-constexpr int k_largest_block = 65536;
+constexpr int smallest_block = 1;
+constexpr int largest_block = 65536;
 
 struct render_options {
   std::string voice;   // sound file to read; empty when nothing is rendered

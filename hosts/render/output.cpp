@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int64_t k_most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
-constexpr int64_t k_wav_header_bytes = 4096;      // more than libsndfile writes before and after the samples
+constexpr int64_t most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
+constexpr int64_t wav_header_bytes = 4096;      // more than libsndfile writes before and after the samples
 
 }  // namespace
 
@@ -24,7 +24,7 @@ wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format forma
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it contains the time of day
-  room_ = (k_most_wav_bytes - k_wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
+  room_ = (most_wav_bytes - wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
 }
 
 void wav_writer::write(const float* left, const float* right, int count) {

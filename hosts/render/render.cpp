@@ -27,11 +27,11 @@ namespace {
 
 // A NaN with a payload that no arithmetic produces. The effect's output is always finite, so a block that still holds
 // it after processing was not written.
-const float k_unwritten = std::bit_cast<float>(0x7fc0beefU);
+const float unwritten = std::bit_cast<float>(0x7fc0beefU);
 
 // A reverb's tail has ended when it stays below this level for this long.
-constexpr float k_inaudible = 1e-4F;  // -80 dBFS
-constexpr double k_quiet_seconds = 0.1;
+constexpr float inaudible = 1e-4F;  // -80 dBFS
+constexpr double quiet_seconds = 0.1;
 
 // The phases of a rendering, in samples at the effect's rate; the voice begins at 0.
 struct timeline {
@@ -45,13 +45,13 @@ struct timeline {
 // The synthesizer's filter opens from zero with a time constant of 68 ms, and by a further step in each block. After a
 // second it is open, so that the first syllable is as clear as the others and the block length makes no difference. A
 // whole number of seconds is a whole number of samples at every rate, which keeps the converted streams aligned.
-constexpr double k_run_in_seconds = 1.0;
+constexpr double run_in_seconds = 1.0;
 // How long the keys are held after the voice has ended, so that its envelopes decay first.
-constexpr double k_hold_seconds = 0.25;
+constexpr double hold_seconds = 0.25;
 // Time for the released chord to decay by 60 dB: seven time constants of 11.4 ms, and a margin.
-constexpr double k_release_seconds = 0.1;
+constexpr double release_seconds = 0.1;
 // Longer than the largest hall needs to decay by 60 dB; a longer tail is cut.
-constexpr double k_longest_reverb_seconds = 12.0;
+constexpr double longest_reverb_seconds = 12.0;
 
 int64_t samples_of(double seconds, int rate_hz) {
   return std::llround(seconds * rate_hz);
@@ -66,19 +66,19 @@ int64_t rounded_up(int64_t samples, int64_t block) {
 //   reverb       the tail is written until it has decayed
 timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compensate, bool reverb) {
   const int64_t latency = latency_samples(rate_hz);
-  const int64_t run_in = -samples_of(k_run_in_seconds, rate_hz);
+  const int64_t run_in = -samples_of(run_in_seconds, rate_hz);
   if (compensate) {
     const int64_t end = latency + voice_samples;
     return {run_in, latency, std::numeric_limits<int64_t>::max(), end, end};
   }
-  const int64_t held = voice_samples + latency + samples_of(k_hold_seconds, rate_hz);
+  const int64_t held = voice_samples + latency + samples_of(hold_seconds, rate_hz);
   const int64_t keys_up = run_in + rounded_up(held - run_in, block);
-  const int64_t end = keys_up + latency + samples_of(k_release_seconds, rate_hz);
-  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(k_longest_reverb_seconds, rate_hz) : 0)};
+  const int64_t end = keys_up + latency + samples_of(release_seconds, rate_hz);
+  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(longest_reverb_seconds, rate_hz) : 0)};
 }
 
-constexpr int k_bar_width = 40;
-constexpr std::chrono::milliseconds k_redraw_interval{100};
+constexpr int bar_width = 40;
+constexpr std::chrono::milliseconds redraw_interval{100};
 
 // A progress bar on standard error.
 class progress_bar {
@@ -107,10 +107,10 @@ progress_bar::~progress_bar() {
 
 void progress_bar::show(int64_t done) {
   if (!drawing_ || clock::now() < next_) return;
-  next_ = clock::now() + k_redraw_interval;
+  next_ = clock::now() + redraw_interval;
   const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(total_));
-  const auto filled = static_cast<std::size_t>(share * k_bar_width);
-  const std::string bar = std::string(filled, '#') + std::string(k_bar_width - filled, '.');
+  const auto filled = static_cast<std::size_t>(share * bar_width);
+  const std::string bar = std::string(filled, '#') + std::string(bar_width - filled, '.');
   std::fprintf(stderr, "\r[%s] %3.0f %%", bar.c_str(), share * 100.0);
   std::fflush(stderr);
 }
@@ -148,7 +148,7 @@ failure no_output_from(const sound& chosen) {
 }
 
 int rate_of_effect(const render_options& options, const voice_reader& voice) {
-  return options.native_rate ? voice.rate_hz() : k_core_rate_hz;
+  return options.native_rate ? voice.rate_hz() : core_rate_hz;
 }
 
 int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
@@ -182,9 +182,9 @@ class rendering {
       check_interruption();
       if (position_ >= plan_.keys_up) release_keys();
       feed_.next(input_.channels(), options_.block);
-      output_.fill(k_unwritten);
+      output_.fill(unwritten);
       host_.process(input_.channels(), output_.channels(), options_.block);
-      if (output_.holds_only(k_unwritten)) return false;
+      if (output_.holds_only(unwritten)) return false;
       deliver_output();
       progress.show(position_ - plan_.run_in);
     }
@@ -230,8 +230,8 @@ class rendering {
     if (position_ < plan_.keys_up || position_ >= plan_.end || plan_.end >= plan_.longest_end) return;
     for (int i = 0; i < options_.block; ++i) {
       const float magnitude = std::max(std::abs(output_.channels()[0][i]), std::abs(output_.channels()[1][i]));
-      if (magnitude <= k_inaudible) continue;
-      const auto quiet_from = position_ + i + static_cast<int64_t>(k_quiet_seconds * rate_hz_);
+      if (magnitude <= inaudible) continue;
+      const auto quiet_from = position_ + i + static_cast<int64_t>(quiet_seconds * rate_hz_);
       plan_.end = std::clamp(quiet_from, plan_.end, plan_.longest_end);
     }
   }

@@ -65,7 +65,7 @@ void check_readable(const std::string& path) {
   if (fs::file_size(path, error) == 0) throw failure(called(path) + " is empty");
 }
 
-constexpr int k_piece_samples = 4096;
+constexpr int piece_samples = 4096;
 
 }  // namespace
 
@@ -77,9 +77,9 @@ voice_reader::voice_reader(const std::string& path) : path_(path) {
   if (info_.channels > 2) {
     throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
   }
-  if (info_.samplerate < k_lowest_rate_hz || info_.samplerate > k_highest_rate_hz) {
+  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
     throw failure(name + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
-                  std::to_string(k_lowest_rate_hz) + " to " + std::to_string(k_highest_rate_hz));
+                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
   }
   if (info_.frames <= 0) throw failure(name + " has no samples");
   if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
@@ -127,11 +127,11 @@ void voice_feed::next(float* const* channels, int count) {
 }
 
 void voice_feed::convert_more() {
-  for (auto& channel : piece_) channel.assign(k_piece_samples, 0.0F);
-  const int64_t lead = std::clamp<int64_t>(-position_, 0, k_piece_samples);
-  const int64_t wanted = std::min(k_piece_samples - lead, voice_.frames() - position_ - lead);
+  for (auto& channel : piece_) channel.assign(piece_samples, 0.0F);
+  const int64_t lead = std::clamp<int64_t>(-position_, 0, piece_samples);
+  const int64_t wanted = std::min(piece_samples - lead, voice_.frames() - position_ - lead);
   if (wanted > 0) voice_.read({piece_.front().data() + lead, piece_.back().data() + lead}, static_cast<int>(wanted));
-  position_ += k_piece_samples;
+  position_ += piece_samples;
 
   // The effect replaces NaN and infinite samples by 0. The converter would spread them over their neighbours.
   const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
@@ -139,6 +139,6 @@ void voice_feed::convert_more() {
     std::replace_if(
         channel.begin(), channel.end(), [](float x) { return !std::isfinite(x); }, 0.0F);
   }
-  ready_ = &converter_.convert(pointers, k_piece_samples);
+  ready_ = &converter_.convert(pointers, piece_samples);
   taken_ = 0;
 }

@@ -12,14 +12,14 @@
 #include "hosts/render/rate_converter.h"
 
 // Limits of the voice's rate: below, speech is unintelligible; above, nothing is recorded.
-constexpr int k_lowest_rate_hz = 2000;
-constexpr int k_highest_rate_hz = 768000;
+constexpr int lowest_rate_hz = 2000;
+constexpr int highest_rate_hz = 768000;
 
 // The voice's file, read from start to end.
 class voice_reader {
  public:
   // Throws failure unless the file is a readable sound file with 1 or 2 channels, at least one sample, and a rate from
-  // `k_lowest_rate_hz` to `k_highest_rate_hz`.
+  // `lowest_rate_hz` to `highest_rate_hz`.
   explicit voice_reader(const std::string& path);
 
   int channels() const { return info_.channels; }

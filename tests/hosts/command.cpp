@@ -15,8 +15,10 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
 // Starts the program with its output in `out` and `error`, and its log in a temporary folder.
-static pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
+pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
   static const temporary_folder log_folder;
   setenv("XDG_DATA_HOME", log_folder.path().c_str(), 1);
   arguments owned = words;
@@ -35,6 +37,8 @@ static pid_t spawn(const arguments& words, const std::string& out, const std::st
   if (redirected) execv(KESREL_RENDER, argv.data());
   _exit(127);
 }
+
+}  // namespace
 
 int status_of(pid_t process) {
   int status = 0;

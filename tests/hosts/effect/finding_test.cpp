@@ -5,7 +5,9 @@
 
 #include "hosts/effect/text.h"
 
-static const std::vector<findable> entries = {
+namespace {
+
+const std::vector<findable> entries = {
     {0, "Basic Detuned Sawtooth", "maker.basic.Basic_Detuned_Sawtooth"},
     {1, "Tight Lead", "maker.basic.Tight_Lead"},
     {5, "Tight Lead 2", "maker.more.Tight_Lead_2"},
@@ -14,11 +16,11 @@ static const std::vector<findable> entries = {
     {8, ""},
 };
 
-static int found(const char* wanted) {
+int found(const char* wanted) {
   return entries[find_entry(entries, wanted, {"sound", "--list-sounds"})].number;
 }
 
-static std::string complaint(const char* wanted) {
+std::string complaint(const char* wanted) {
   try {
     found(wanted);
   } catch (const failure& reason) {
@@ -26,6 +28,8 @@ static std::string complaint(const char* wanted) {
   }
   return "no complaint";
 }
+
+}  // namespace
 
 TEST(Finding, AcceptsNumberNameIdAndUniquePart) {
   EXPECT_EQ(found("5"), 5);

@@ -23,7 +23,9 @@ TEST(Keys, AreIndicesOrNamesRelativeToTheLowestNote) {
   EXPECT_EQ(parse_keys(" 35 , C2, 0", 36), (keys{0, 35})) << "sorted, without duplicates or blanks";
 }
 
-static std::string complaint(const std::string& list) {
+namespace {
+
+std::string complaint(const std::string& list) {
   try {
     parse_keys(list, 36);
   } catch (const failure& reason) {
@@ -32,12 +34,14 @@ static std::string complaint(const std::string& list) {
   return "no complaint";
 }
 
+}  // namespace
+
 TEST(Keys, OutsideTheKeyboardOrTooManyAreRefused) {
   for (const char* list : {"36", "-1", "12,36", "B1", "C5", "", "12,", "12,,16", "1.5", "99999999999"}) {
     EXPECT_NE(complaint(list).find("possible are 0 to 35, or C2 to B4"), std::string::npos) << list;
   }
   std::string list = "0";
-  for (int key = 1; key < k_largest_chord; ++key) list.append(",").append(std::to_string(key));
+  for (int key = 1; key < largest_chord; ++key) list.append(",").append(std::to_string(key));
   EXPECT_EQ(parse_keys(list, 36).size(), 32U);
   EXPECT_NE(complaint(list + ",32").find("at most 32"), std::string::npos);
 }

@@ -11,15 +11,17 @@
 #include "hosts/effect/program_image.h"
 #include "vst2/aeffect.h"
 
-static bool is(const char* fault) {
+namespace {
+
+bool is(const char* fault) {
   const char* const named = std::getenv("KESREL_ODD");
   return named != nullptr && std::strcmp(named, fault) == 0;
 }
 
-static float host_rate_hz = 0.0F;
+float host_rate_hz = 0.0F;
 
 // Delays by 1024 samples, with a gain proportional to the rate: 1 at 44100 Hz.
-static void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
+void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
   constexpr std::size_t latency = 1024;
   static std::array<std::array<float, latency>, 2> rings{};
   static std::size_t position = 0;
@@ -33,7 +35,7 @@ static void echo(AEffect*, float** inputs, float** outputs, VstInt32 count) {
 }
 
 // Ignores every program change and state. It has two programs, and the first is always the current one.
-static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt) {
+VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt) {
   static const std::string image =
       single_program_image({"Deaf", "quorvant.factory.Modern_Chord_Coder"}, 0, {effect->uniqueID, effect->version});
   switch (opcode) {
@@ -58,6 +60,8 @@ static VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstI
       return 0;
   }
 }
+
+}  // namespace
 
 extern "C" __attribute__((visibility("default"))) AEffect* ODD_ENTRY(audioMasterCallback) {
   static AEffect effect{};

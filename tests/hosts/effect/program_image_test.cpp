@@ -5,12 +5,16 @@
 
 #include "hosts/effect/text.h"
 
-static const plugin_identity plugin{0x4B56344D, 1};
-static const program full{"Name", "maker.uuid", true, false, true, {0, 12, 35}};
+namespace {
 
-static program read(const std::string& image) {
+const plugin_identity plugin{0x4B56344D, 1};
+const program full{"Name", "maker.uuid", true, false, true, {0, 12, 35}};
+
+program read(const std::string& image) {
   return read_image("it", image, plugin).programs.at(0).content;
 }
+
+}  // namespace
 
 TEST(ProgramImage, CanBeReadBack) {
   const program empty{};

@@ -34,7 +34,9 @@ class Programs : public command_fixture {
   const std::string preset = folder.path("preset.FXP");
 };
 
-static std::string number_of(std::size_t value) {
+namespace {
+
+std::string number_of(std::size_t value) {
   std::string bytes;
   for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>(value >> shift & 0xFF);
   return bytes;
@@ -44,6 +46,8 @@ constexpr std::size_t count_offset = 24;
 constexpr std::size_t current_offset = 28;
 constexpr std::size_t programs_offset = 160;
 constexpr std::size_t first_record_bytes = 148;
+
+}  // namespace
 
 TEST_F(Programs, AreSavedAsTheEffectsBank) {
   EXPECT_EQ(done({"--save-state", state}), state + ": saved\n");

@@ -11,8 +11,10 @@ class RateConverter : public command_fixture {
   RateConverter() { setenv("KESREL_ODD", "echo", 1); }
 };
 
+namespace {
+
 // A second of silence with a short tone at either end.
-static recording two_tones(int rate_hz) {
+recording two_tones(int rate_hz) {
   recording tones{rate_hz, 1, 0, std::vector<float>(static_cast<std::size_t>(rate_hz))};
   const int length = rate_hz / 10;
   for (const int begin : {0, rate_hz - length}) {
@@ -24,6 +26,8 @@ static recording two_tones(int rate_hz) {
   }
   return tones;
 }
+
+}  // namespace
 
 TEST_F(RateConverter, KeepsTheTimeOfEachSample) {
   for (const int rate : {2000, 8000, 44100, 48000, 96000, 192000, 768000}) {

@@ -13,8 +13,10 @@
 
 using Rendering = command_fixture;
 
+namespace {
+
 // Infinite for different lengths.
-static float largest_difference(const recording& one, const recording& other) {
+float largest_difference(const recording& one, const recording& other) {
   if (one.samples.size() != other.samples.size()) return HUGE_VALF;
   float difference = 0.0F;
   for (std::size_t i = 0; i < one.samples.size(); ++i) {
@@ -22,6 +24,8 @@ static float largest_difference(const recording& one, const recording& other) {
   }
   return difference;
 }
+
+}  // namespace
 
 TEST_F(Rendering, IsA24BitStereoFileAtTheRateOfTheVoice) {
   EXPECT_TRUE(contains(done({voice, output}), " LUFS, "));
