@@ -14,6 +14,9 @@ TEST_F(Options, PrintHelpVersionAndSounds) {
   EXPECT_EQ(done({"--version"}).rfind("kesrel-render ", 0), 0U);
   const auto list = done({"--list-sounds"});
   EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 58);
+  EXPECT_TRUE(contains(list,
+                       " 56  Ambient Indigo                   Deep Vocoders              C4 (60)  "
+                       "quorvant.deep_vocoders.Ambient_Indigo\n"));
 }
 
 TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
