@@ -10,48 +10,35 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <random>
 
 namespace fs = std::filesystem;
 
-scratch_folder::scratch_folder() {
-  std::string name = (fs::temp_directory_path() / "kesrel-render-XXXXXX").string();
-  path_ = mkdtemp(name.data());
-}
+namespace {
 
-scratch_folder::~scratch_folder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-std::vector<std::string> scratch_folder::listing() const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-// The program with its output in `out` and `error`. Its log goes to a folder of the tests.
-static pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
-  static const scratch_folder log_folder;
-  setenv("XDG_DATA_HOME", log_folder.file("").c_str(), 1);
+// Starts the program with its output in `out` and `error`, and its log in a temporary folder.
+pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
+  static const temporary_folder log_folder;
+  setenv("XDG_DATA_HOME", log_folder.path().c_str(), 1);
   arguments owned = words;
   owned.insert(owned.begin(), KESREL_RENDER);
   std::vector<char*> argv;
   for (auto& word : owned) argv.push_back(word.data());
   argv.push_back(nullptr);
 
+  std::fflush(nullptr);  // or the child writes what the parent has buffered
   const pid_t process = fork();
   if (process != 0) return process;
-  // A shell that runs the tests in the background has us ignore SIGINT; the program shall not inherit that.
+  // The tests ignore SIGINT when a shell runs them in the background; the program must not inherit that.
   signal(SIGINT, SIG_DFL);
   const bool redirected = freopen("/dev/null", "r", stdin) != nullptr && freopen(out.c_str(), "w", stdout) != nullptr &&
                           freopen(error.c_str(), "w", stderr) != nullptr;
   if (redirected) execv(KESREL_RENDER, argv.data());
   _exit(127);
 }
+
+}  // namespace
 
 int status_of(pid_t process) {
   int status = 0;
@@ -60,33 +47,14 @@ int status_of(pid_t process) {
 }
 
 outcome run(const arguments& words, const std::string& out) {
-  const scratch_folder output;
-  const std::string out_file = out.empty() ? output.file("out") : out;
-  const int status = status_of(spawn(words, out_file, output.file("error")));
-  return {status, out.empty() ? content_of(out_file) : "", content_of(output.file("error"))};
-}
-
-file_size_limit::file_size_limit(rlim_t bytes) {
-  getrlimit(RLIMIT_FSIZE, &former_);
-  const rlimit lower{bytes, former_.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &lower);
-}
-
-file_size_limit::~file_size_limit() {
-  setrlimit(RLIMIT_FSIZE, &former_);
+  const temporary_folder output;
+  const std::string out_file = out.empty() ? output.path("out") : out;
+  const int status = status_of(spawn(words, out_file, output.path("error")));
+  return {status, out.empty() ? read_file(out_file) : "", read_file(output.path("error"))};
 }
 
 pid_t start(const arguments& words) {
   return spawn(words, "/dev/null", "/dev/null");
-}
-
-std::string content_of(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void write_file(const std::string& path, const std::string& content) {
-  std::ofstream(path, std::ios::binary) << content;
 }
 
 recording read_recording(const std::string& path) {
@@ -124,8 +92,21 @@ recording voice_of(double seconds, int rate_hz, int channels) {
   return voice;
 }
 
-bool speaks_of(const std::string& text, const std::string& part) {
+float peak_of(const recording& content) {
+  float peak = 0.0F;
+  for (const float sample : content.samples) peak = std::max(peak, std::abs(sample));
+  return peak;
+}
+
+bool contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
+}
+
+std::vector<std::string> command_fixture::listing() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder.path())) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 std::string command_fixture::done(const arguments& words) {
@@ -135,14 +116,14 @@ std::string command_fixture::done(const arguments& words) {
   return result.out;
 }
 
-std::string command_fixture::refusal(const arguments& words) const {
-  const auto before = folder.listing();
+void command_fixture::expect_refusal(const arguments& words, const std::string& reason) const {
+  const auto before = listing();
   const auto result = run(words);
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
-  EXPECT_EQ(folder.listing(), before);
-  return result.error;
+  EXPECT_TRUE(contains(result.error, reason)) << result.error << "has no \"" << reason << '"';
+  EXPECT_EQ(result.error.find('\n'), result.error.size() - 1) << result.error;
+  EXPECT_EQ(listing(), before);
 }
 
 recording command_fixture::rendered(arguments options) const {

@@ -2,66 +2,36 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/types.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
-// A folder that is made for one test and vanishes with it.
-class scratch_folder {
- public:
-  scratch_folder();
-  ~scratch_folder();
-  scratch_folder(const scratch_folder&) = delete;
-  scratch_folder& operator=(const scratch_folder&) = delete;
+#include "tests/words/files.h"
+#include "tests/words/temporary_folder.h"
 
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-  // Names of the files in it, sorted.
-  std::vector<std::string> listing() const;
-
- private:
-  std::filesystem::path path_;
-};
+using arguments = std::vector<std::string>;
 
 struct outcome {
-  int status;         // exit status, or -n for an end by signal n
+  int status;         // exit status, or -n after signal n
   std::string out;    // standard output
   std::string error;  // standard error
 };
 
-using arguments = std::vector<std::string>;
-
-// Runs the program to its end. Its standard output goes to the file `out` when that is named, and is empty then.
+// Runs the program to its end. With `out`, its standard output goes to that file and isn't returned.
 outcome run(const arguments& words, const std::string& out = {});
 
-// While it lives, programs that are run cannot write more than `bytes` to any file.
-class file_size_limit {
- public:
-  explicit file_size_limit(rlim_t bytes);
-  ~file_size_limit();
-  file_size_limit(const file_size_limit&) = delete;
-  file_size_limit& operator=(const file_size_limit&) = delete;
-
- private:
-  rlimit former_{};
-};
-
-// Starts the program and doesn't wait.
+// Starts the program and doesn't wait for it.
 pid_t start(const arguments& words);
 
-// The exit status of a started program, or -n for an end by signal n.
+// Waits for a program. Returns its exit status, or -n after signal n.
 int status_of(pid_t process);
 
-std::string content_of(const std::string& path);
-void write_file(const std::string& path, const std::string& content);
-
-// Samples of a sound file, channels in turn.
+// Samples of a sound file, interleaved.
 struct recording {
   int rate_hz = 44100;
   int channels = 1;
-  int format = 0;  // as libsndfile has it
+  int format = 0;  // libsndfile's
   std::vector<float> samples;
 
   std::size_t frames() const { return samples.size() / static_cast<std::size_t>(channels); }
@@ -72,24 +42,29 @@ recording read_recording(const std::string& path);
 // Writes a 32-bit float WAV file.
 void write_recording(const std::string& path, const recording& content);
 
-// Noise with a slow beat, near enough to a voice for a vocoder to sing with; the same for the same arguments.
+// Noise that swells four times a second, which makes a vocoder sing; the same for the same arguments.
 recording voice_of(double seconds, int rate_hz = 44100, int channels = 1);
 
-bool speaks_of(const std::string& text, const std::string& part);
+float peak_of(const recording& content);
 
-// One voice in a folder of its own; each test looks at what else is there afterwards.
+bool contains(const std::string& text, const std::string& part);
+
+// A temporary folder with a voice in it.
 class command_fixture : public testing::Test {
  protected:
   command_fixture() { write_recording(voice, voice_of(0.4)); }
 
+  // Names of the files in the folder, sorted.
+  std::vector<std::string> listing() const;
+
   // Standard output of a run that has to succeed.
   static std::string done(const arguments& words);
-  // The text of a run that has to fail, after checking that it was one line and left nothing.
-  std::string refusal(const arguments& words) const;
-  // What comes out of the voice.
+  // Checks that the run fails with one line of text that contains `reason`, and leaves the folder as it was.
+  void expect_refusal(const arguments& words, const std::string& reason) const;
+  // Renders the voice.
   recording rendered(arguments options) const;
 
-  scratch_folder folder;
-  const std::string voice = folder.file("voice.wav");
-  const std::string output = folder.file("out.wav");
+  temporary_folder folder;
+  const std::string voice = folder.path("voice.wav");
+  const std::string output = folder.path("out.wav");
 };

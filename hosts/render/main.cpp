@@ -1,0 +1,68 @@
+// MIT License. kesrel-render: runs a sound file through the vocoder, offline.
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <system_error>
+
+#include "hosts/effect/effect_host.h"
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
+#include "hosts/render/options.h"
+#include "hosts/render/preparation.h"
+#include "hosts/render/render.h"
+
+namespace {
+
+constexpr int failure_status = 2;
+
+// Throws failure when the text cannot be written, and interrupted when that is because the reader has gone.
+void print(const std::string& text) {
+  errno = 0;
+  if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+  const int error = errno;
+  check_interruption();
+  throw failure("standard output cannot be written: " + std::generic_category().message(error));
+}
+
+// Prepares the state and lists its programs if asked to, without a voice.
+void run_without_voice(const render_options& options) {
+  effect_host host(options.plugin, core_rate_hz, options.block, 1);
+  prepare(options, &host);
+  if (options.list_programs) {
+    print(program_table(host));
+  } else if (!options.quiet) {
+    print(on_one_line(*options.save_state + ": saved") + "\n");
+  }
+}
+
+void run(int argc, const char* const* argv) {
+  render_options options;
+  if (read_command_line(argc, argv, &options) == command_line::done) {
+    print("");  // checks that CLI11's text was written
+  } else if (options.list_sounds) {
+    print(table_of(known_sounds()));
+  } else if (options.list_programs || options.voice.empty()) {
+    run_without_voice(options);
+  } else {
+    const auto report = render(options);
+    if (!options.quiet) print(on_one_line(closing_line(options, report)) + "\n");
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    survive_file_size_limit();
+    run(argc, argv);
+    return 0;
+  } catch (const interrupted& end) {
+    end_by_signal(end.signal_number);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(error.what()).c_str());
+    return failure_status;
+  }
+}

@@ -1,0 +1,113 @@
+// MIT License. The command line of kesrel-render.
+#include "hosts/render/options.h"
+
+#include <charconv>
+
+#include <CLI/CLI.hpp>
+
+#include "hosts/effect/text.h"
+#include "hosts/render/voice.h"
+
+namespace {
+
+std::string help_footer() {
+  return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +
+         std::to_string(highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
+hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
+1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
+
+The effect works at 44100 Hz, and voices of other rates are converted before and after it. With --module-rate native it
+runs at the rate of VOICE and converts block by block by itself, as in any host: highs are lost, and in most blocks the
+pitch is off.
+
+The options on the effect's state are carried out in this order, whatever order they come in: --load-state, --program,
+then --sound, the switches and --keys, then --save-state. Without any of them the effect's first program is in use.
+--sound alone makes a fresh program: keys 12,16,19 and all switches off. After --load-state or --program it replaces
+the sound of that program, as the switches and --keys replace theirs, and the rest stays.
+
+Exit status: 0 done, 2 not done, with the reason on standard error. SIGHUP, SIGINT, SIGPIPE, SIGTERM and SIGXCPU end the
+program by that same signal, which a shell reports as 128 and its number: 130 for Ctrl-C. No unfinished file is left.)";
+}
+
+// CLI11 expects a validator to return an error message, or an empty text for a valid value.
+std::string block_error(const std::string& text) {
+  int block = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), block);
+  const bool is_number = error == std::errc{} && end == text.data() + text.size();
+  if (is_number && block >= smallest_block && block <= largest_block) return {};
+  return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
+         " samples, which '" + text + "' isn't";
+}
+
+std::string rate_error(const std::string& text) {
+  return text == "44100" || text == "native" ? "" : "the effect runs at 44100 or native, not at '" + text + "'";
+}
+
+void declare_switch(const std::string& name, const char* on_help, const char* off_help, std::optional<bool>* value,
+                    CLI::App* app) {
+  auto* const on = app->add_flag_callback(
+      "--" + name, [value] { *value = true; }, on_help);
+  auto* const off = app->add_flag_callback(
+      "--no-" + name, [value] { *value = false; }, off_help);
+  on->excludes(off);
+  for (auto* const option : {on, off}) option->option_text(" ");  // CLI11 would print the exclusion, which is obvious
+}
+
+void declare(CLI::App* app, render_options* options) {
+  app->set_version_flag("--version", "kesrel-render " KESREL_VERSION, "Print the version and leave");
+  app->set_help_flag("-h,--help", "Print this help and leave");
+  app->footer(help_footer());
+  app->add_option("VOICE", options->voice, "Sound file with the voice");
+  app->add_option("OUT", options->output, "WAV file to write");
+  app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
+      ->type_name("NAME|UUID|NUMBER");
+  app->add_option("--keys", options->keys,
+                  "Held keys: indices 0 to 35, or note names such as C4,Eb4,G4, where C4 is note 60")
+      ->type_name("LIST");
+  declare_switch("chorus", "Switch the chorus on", "Switch the chorus off", &options->chorus, app);
+  declare_switch("reverb", "Switch the reverb on; its tail is written", "Switch the reverb off", &options->reverb, app);
+  declare_switch("octave", "Raise the keyboard by an octave", "Leave the keyboard where it is", &options->octave, app);
+  app->add_option("--program", options->program, "Program: its number, or its name or a part of it that is unique")
+      ->type_name("NAME|NUMBER");
+  app->add_option("--load-state", options->load_state, "Restore a bank or a single program from a file")
+      ->type_name("FILE");
+  app->add_option("--save-state", options->save_state,
+                  "Write the bank to a file, or the program in use to one whose name ends in .fxp")
+      ->type_name("FILE");
+  app->add_option("--plugin", options->plugin, "The module to load, default KesrelVocoder4ME.so beside this program")
+      ->type_name("PATH");
+  app->add_option("--block", options->block, "Samples per call of the effect, default 512")
+      ->type_name("N")
+      ->check(CLI::Validator(block_error, ""));
+  app->add_option_function<std::string>(
+         "--module-rate", [options](const std::string& rate) { options->native_rate = rate == "native"; },
+         "Rate that the effect runs at: 44100, which is the default, or native, the rate of VOICE")
+      ->type_name("44100|native")
+      ->check(CLI::Validator(rate_error, ""));
+  app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
+  app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
+  app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");
+  app->add_flag("--list-programs", options->list_programs, "List the programs as they then are, and leave");
+  app->add_flag("--quiet", options->quiet, "Neither a progress bar nor the closing line");
+}
+
+}  // namespace
+
+command_line read_command_line(int argc, const char* const* argv, render_options* options) {
+  CLI::App app("Sends a voice through the vocoder and writes what comes out", "kesrel-render");
+  declare(&app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& asked) {
+    app.exit(asked);
+    return command_line::done;
+  } catch (const CLI::ParseError& error) {
+    throw failure(std::string(error.what()) + "; --help tells what is possible");
+  }
+  const bool complete = !options->voice.empty() && !options->output.empty();
+  const bool without_voice = options->voice.empty() && options->save_state;
+  if (!complete && !without_voice && !options->list_sounds && !options->list_programs) {
+    throw failure("VOICE and OUT.wav must be named; --help tells what is possible");
+  }
+  return command_line::render;
+}

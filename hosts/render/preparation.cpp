@@ -1,0 +1,53 @@
+// MIT License. Sets the effect to the program that the command line asks for.
+#include "hosts/render/preparation.h"
+
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/keys.h"
+#include "hosts/effect/partial_file.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
+#include "vst2/types.h"
+
+namespace {
+
+// The program for a sound that is asked for without a program: a major chord in the middle of the keyboard.
+program fresh_program(const sound& chosen) {
+  program fresh;
+  fresh.name = chosen.name.substr(0, kVstMaxProgNameLen);  // the longest that other hosts accept
+  fresh.keys = {12, 16, 19};
+  return fresh;
+}
+
+program requested(const render_options& options, const program& current) {
+  program wanted = current;
+  if (options.sound) {
+    const sound& chosen = find_sound(known_sounds(), *options.sound);
+    if (!options.program && !options.load_state) wanted = fresh_program(chosen);
+    wanted.uuid = chosen.uuid;
+  }
+  wanted.chorus = options.chorus.value_or(wanted.chorus);
+  wanted.reverb = options.reverb.value_or(wanted.reverb);
+  wanted.octave = options.octave.value_or(wanted.octave);
+  if (options.keys) wanted.keys = parse_keys(*options.keys, lowest_note(sound_of(wanted), wanted.octave));
+  return wanted;
+}
+
+void check_state_path(const render_options& options) {
+  const std::string what = "state '" + *options.save_state + "'";
+  check_target(what, *options.save_state, "voice", options.voice);
+  check_target(what, *options.save_state, "output", options.output);
+}
+
+}  // namespace
+
+program prepare(const render_options& options, effect_host* host) {
+  if (options.save_state) check_state_path(options);
+  if (options.load_state) load_state(*options.load_state, host);
+  if (options.program) select_program(*options.program, host);
+  const program current = current_program(*host);
+  program wanted = requested(options, current);
+  if (wanted != current) use_program(wanted, host);
+  check_interruption();
+  if (options.save_state) save_state(*options.save_state, *host);
+  return wanted;
+}

@@ -1,0 +1,303 @@
+// MIT License. Renders a voice through the effect into a file.
+#include "hosts/render/render.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+#include "hosts/effect/effect_host.h"
+#include "hosts/effect/finding.h"
+#include "hosts/effect/interruption.h"
+#include "hosts/effect/partial_file.h"
+#include "hosts/effect/programs.h"
+#include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
+#include "hosts/render/output.h"
+#include "hosts/render/preparation.h"
+#include "hosts/render/voice.h"
+
+namespace {
+
+// A NaN with a payload that no arithmetic produces. The effect's output is always finite, so a block that still holds
+// it after processing was not written.
+const float unwritten = std::bit_cast<float>(0x7fc0beefU);
+
+// A reverb's tail has ended when it stays below this level for this long.
+constexpr float inaudible = 1e-4F;  // -80 dBFS
+constexpr double quiet_seconds = 0.1;
+
+// The phases of a rendering, in samples at the effect's rate; the voice begins at 0.
+struct timeline {
+  int64_t run_in;       // start of the first block, negative: until 0 the input is silence and no output is kept
+  int64_t start;        // first sample that is written
+  int64_t keys_up;      // the keys are released at the start of this block; never with --compensate
+  int64_t end;          // one past the last sample that is written
+  int64_t longest_end;  // how far a reverb's tail may extend `end`
+};
+
+// The synthesizer's filter opens from zero with a time constant of 68 ms, and by a further step in each block. After a
+// second it is open, so that the first syllable is as clear as the others and the block length makes no difference. A
+// whole number of seconds is a whole number of samples at every rate, which keeps the converted streams aligned.
+constexpr double run_in_seconds = 1.0;
+// How long the keys are held after the voice has ended, so that its envelopes decay first.
+constexpr double hold_seconds = 0.25;
+// Time for the released chord to decay by 60 dB: seven time constants of 11.4 ms, and a margin.
+constexpr double release_seconds = 0.1;
+// Longer than the largest hall needs to decay by 60 dB; a longer tail is cut.
+constexpr double longest_reverb_seconds = 12.0;
+
+int64_t samples_of(double seconds, int rate_hz) {
+  return std::llround(seconds * rate_hz);
+}
+
+int64_t rounded_up(int64_t samples, int64_t block) {
+  return (samples + block - 1) / block * block;
+}
+
+// The timeline for `voice_samples` of voice in blocks of `block` samples.
+//   compensate   the output has the length and timing of the voice
+//   reverb       the tail is written until it has decayed
+timeline timeline_of(int64_t voice_samples, int rate_hz, int block, bool compensate, bool reverb) {
+  const int64_t latency = latency_samples(rate_hz);
+  const int64_t run_in = -samples_of(run_in_seconds, rate_hz);
+  if (compensate) {
+    const int64_t end = latency + voice_samples;
+    return {run_in, latency, std::numeric_limits<int64_t>::max(), end, end};
+  }
+  const int64_t held = voice_samples + latency + samples_of(hold_seconds, rate_hz);
+  const int64_t keys_up = run_in + rounded_up(held - run_in, block);
+  const int64_t end = keys_up + latency + samples_of(release_seconds, rate_hz);
+  return {run_in, 0, keys_up, end, end + (reverb ? samples_of(longest_reverb_seconds, rate_hz) : 0)};
+}
+
+constexpr int bar_width = 40;
+constexpr std::chrono::milliseconds redraw_interval{100};
+
+// A progress bar on standard error.
+class progress_bar {
+ public:
+  // Draws only when `wanted` and standard error is a terminal.
+  progress_bar(int64_t total, bool wanted);
+  ~progress_bar();  // clears the line
+  progress_bar(const progress_bar&) = delete;
+  progress_bar& operator=(const progress_bar&) = delete;
+
+  void show(int64_t done);
+
+ private:
+  using clock = std::chrono::steady_clock;
+  int64_t total_;
+  bool drawing_;
+  clock::time_point next_{};
+};
+
+progress_bar::progress_bar(int64_t total, bool wanted)
+    : total_(std::max<int64_t>(total, 1)), drawing_(wanted && isatty(STDERR_FILENO) != 0) {}
+
+progress_bar::~progress_bar() {
+  if (drawing_) std::fputs("\r\033[K", stderr);
+}
+
+void progress_bar::show(int64_t done) {
+  if (!drawing_ || clock::now() < next_) return;
+  next_ = clock::now() + redraw_interval;
+  const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(total_));
+  const auto filled = static_cast<std::size_t>(share * bar_width);
+  const std::string bar = std::string(filled, '#') + std::string(bar_width - filled, '.');
+  std::fprintf(stderr, "\r[%s] %3.0f %%", bar.c_str(), share * 100.0);
+  std::fflush(stderr);
+}
+
+class stereo_block {
+ public:
+  explicit stereo_block(int size) : left_(static_cast<std::size_t>(size)), right_(left_) {}
+  stereo_block(const stereo_block&) = delete;
+  stereo_block& operator=(const stereo_block&) = delete;
+
+  float** channels() { return pointers_.data(); }
+  void fill(float value) {
+    std::fill(left_.begin(), left_.end(), value);
+    std::fill(right_.begin(), right_.end(), value);
+  }
+  bool holds_only(float value) const {
+    const auto same = [value](float x) { return std::bit_cast<uint32_t>(x) == std::bit_cast<uint32_t>(value); };
+    return std::all_of(left_.begin(), left_.end(), same) && std::all_of(right_.begin(), right_.end(), same);
+  }
+
+ private:
+  std::vector<float> left_;
+  std::vector<float> right_;
+  std::array<float*, 2> pointers_{left_.data(), right_.data()};
+};
+
+failure no_output_from(const sound& chosen) {
+  std::vector<int> with_values;
+  for (const auto& candidate : known_sounds()) {
+    if (candidate.has_values) with_values.push_back(candidate.number);
+  }
+  return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name +
+                 "' yields no output, as the engine has no values for it: sounds with output are " +
+                 runs_of(with_values));
+}
+
+int rate_of_effect(const render_options& options, const voice_reader& voice) {
+  return options.native_rate ? voice.rate_hz() : core_rate_hz;
+}
+
+int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
+  return std::llround(static_cast<double>(samples) * to_hz / from_hz);
+}
+
+// One rendering, from the prepared effect to the finished file. Positions are in samples at the effect's rate.
+class rendering {
+ public:
+  rendering(const render_options& options, const program& current, voice_reader* voice, effect_host* host)
+      : options_(options),
+        program_(current),
+        voice_(*voice),
+        host_(*host),
+        rate_hz_(rate_of_effect(options, *voice)),
+        plan_(timeline_of(at_rate(voice->frames(), voice->rate_hz(), rate_hz_), rate_hz_, options.block,
+                          options.compensate, current.reverb)),
+        input_(options.block),
+        output_(options.block),
+        writer_(options.output, voice->rate_hz(),
+                options.float_samples ? sample_format::float_32 : sample_format::pcm_24),
+        feed_(voice, run_in_of_file(), rate_hz_),
+        delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {}
+
+  // Returns false when the effect writes no output.
+  bool run() {
+    const int64_t length = plan_.end + delivery_.reach() - plan_.run_in;
+    progress_bar progress(length, !options_.quiet);
+    host_.start();
+    for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += options_.block) {
+      check_interruption();
+      if (position_ >= plan_.keys_up) release_keys();
+      feed_.next(input_.channels(), options_.block);
+      output_.fill(unwritten);
+      host_.process(input_.channels(), output_.channels(), options_.block);
+      if (output_.holds_only(unwritten)) return false;
+      deliver_output();
+      progress.show(position_ - plan_.run_in);
+    }
+    delivery_.finish(end_of_file());
+    writer_.finish();
+    return true;
+  }
+
+  render_report report(double elapsed_seconds) const {
+    const auto& measured = delivery_.measured();
+    render_report result;
+    result.seconds = static_cast<double>(end_of_file()) / voice_.rate_hz();
+    result.peak = static_cast<double>(measured.peak());
+    result.lufs = measured.loudness_lufs();
+    result.times_real_time = result.seconds / elapsed_seconds;
+    result.samples_above_full_scale = measured.samples_above_full_scale();
+    return result;
+  }
+
+ private:
+  int64_t run_in_of_file() const { return at_rate(-plan_.run_in, rate_hz_, voice_.rate_hz()); }
+  int64_t end_of_file() const {
+    return options_.compensate ? voice_.frames() : at_rate(plan_.end - plan_.start, rate_hz_, voice_.rate_hz());
+  }
+
+  void release_keys() {
+    if (program_.keys.empty()) return;
+    program_.keys.clear();
+    use_program(program_, &host_);
+  }
+
+  // Drops the latency at the very start, before the conversion, and not after the run-in: here it is a whole number of
+  // samples, so that the output stays aligned with the voice to the sample.
+  void deliver_output() {
+    lengthen_tail();
+    const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, options_.block);
+    delivery_.add(output_.channels()[0] + left_out, output_.channels()[1] + left_out,
+                  static_cast<int>(options_.block - left_out), end_of_file());
+  }
+
+  // Extends the rendering while the tail is audible.
+  void lengthen_tail() {
+    if (position_ < plan_.keys_up || position_ >= plan_.end || plan_.end >= plan_.longest_end) return;
+    for (int i = 0; i < options_.block; ++i) {
+      const float magnitude = std::max(std::abs(output_.channels()[0][i]), std::abs(output_.channels()[1][i]));
+      if (magnitude <= inaudible) continue;
+      const auto quiet_from = position_ + i + static_cast<int64_t>(quiet_seconds * rate_hz_);
+      plan_.end = std::clamp(quiet_from, plan_.end, plan_.longest_end);
+    }
+  }
+
+  const render_options& options_;
+  program program_;  // the current one
+  voice_reader& voice_;
+  effect_host& host_;
+  int rate_hz_;  // of the effect
+  timeline plan_;
+  stereo_block input_;
+  stereo_block output_;
+  wav_writer writer_;
+  voice_feed feed_;
+  delivery delivery_;
+  int64_t position_ = 0;
+};
+
+// The shortest block depends on the rate, and that may be the voice's.
+void check_block(const render_options& options, const voice_reader& voice) {
+  const int rate_hz = rate_of_effect(options, voice);
+  const int shortest = shortest_block(rate_hz);
+  if (options.block >= shortest) return;
+  throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(rate_hz) +
+                " Hz: at least " + std::to_string(shortest));
+}
+
+void warn(const std::string& text) {
+  std::fprintf(stderr, "kesrel-render: warning: %s\n", on_one_line(text).c_str());
+}
+
+std::string in_db(double value) {
+  if (std::isinf(value)) return "-inf";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
+
+}  // namespace
+
+render_report render(const render_options& options) {
+  voice_reader voice(options.voice);
+  check_target("output '" + options.output + "'", options.output, "voice", options.voice);
+  check_block(options, voice);
+
+  if (!voice.warning().empty()) warn(voice.warning());
+
+  effect_host host(options.plugin, rate_of_effect(options, voice), options.block, voice.channels());
+  const program current = prepare(options, &host);
+  const sound& chosen = sound_of(current);
+
+  const auto began = std::chrono::steady_clock::now();
+  rendering run(options, current, &voice, &host);
+  if (!run.run()) throw no_output_from(chosen);
+  return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
+}
+
+std::string closing_line(const render_options& options, const render_report& report) {
+  char figures[128];
+  std::snprintf(figures, sizeof figures, ": %.2f s, peak %s dBFS, %s LUFS, %.0f x real time", report.seconds,
+                in_db(20.0 * std::log10(report.peak)).c_str(), in_db(report.lufs).c_str(), report.times_real_time);
+  std::string line = options.output + figures;
+  if (report.peak == 0.0) line += ", silent";
+  if (report.samples_above_full_scale > 0) {
+    const std::string count = std::to_string(report.samples_above_full_scale);
+    line += options.float_samples ? ", " + count + " samples above full scale" : ", clipped " + count + " samples";
+  }
+  return line;
+}

@@ -1,0 +1,144 @@
+// MIT License. The voice: its sound file, and the stream that the effect gets from it.
+#include "hosts/render/voice.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "hosts/effect/text.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string system_text(int error) {
+  return std::generic_category().message(error);
+}
+
+std::string called(const std::string& path) {
+  return "voice '" + path + "'";
+}
+
+// Size of a WAV file's samples in bytes: according to the header, and in the file.
+struct wav_size {
+  int64_t promised = 0;
+  int64_t present = 0;
+};
+
+// Zeros for other files, and for recordings of unknown length: a program that writes a WAV file into a pipe cannot go
+// back to the header, and puts a size close to the largest of 31 or 32 bits there.
+wav_size wav_samples_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::array<unsigned char, 12> head{};
+  const auto read = [&](std::size_t count) {
+    return !!file.read(reinterpret_cast<char*>(head.data()), static_cast<std::streamsize>(count));
+  };
+  const auto has = [&](std::size_t at, const char* tag) { return std::memcmp(head.data() + at, tag, 4) == 0; };
+  if (!read(12) || !has(0, "RIFF") || !has(8, "WAVE")) return {};
+  while (read(8)) {
+    const int64_t size = head[4] | head[5] << 8 | head[6] << 16 | int64_t{head[7]} << 24;
+    if (!has(0, "data")) {
+      file.seekg(size + size % 2, std::ios::cur);  // chunks start at even offsets
+      continue;
+    }
+    const bool is_unknown = (size >= 0x7ffff000 && size <= 0x80000000) || size >= 0xfffff000;
+    const auto begin = static_cast<int64_t>(file.tellg());
+    return is_unknown ? wav_size{} : wav_size{size, static_cast<int64_t>(fs::file_size(path)) - begin};
+  }
+  return {};
+}
+
+void check_readable(const std::string& path) {
+  std::error_code error;
+  const auto status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
+  if (error) throw failure(called(path) + " cannot be read: " + error.message());
+  if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
+  if (access(path.c_str(), R_OK) != 0) throw failure(called(path) + " cannot be read: " + system_text(errno));
+  if (fs::file_size(path, error) == 0) throw failure(called(path) + " is empty");
+}
+
+constexpr int piece_samples = 4096;
+
+}  // namespace
+
+voice_reader::voice_reader(const std::string& path) : path_(path) {
+  check_readable(path);
+  file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
+  const std::string name = called(path);
+  if (!file_) throw failure(name + " is no sound file that can be read: " + sf_strerror(nullptr));
+  if (info_.channels > 2) {
+    throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
+  }
+  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
+    throw failure(name + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
+                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
+  }
+  if (info_.frames <= 0) throw failure(name + " has no samples");
+  if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
+    const double present = static_cast<double>(info_.frames) / info_.samplerate;
+    const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
+    char seconds[96];
+    std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
+    warning_ = name + " is cut short: " + seconds;
+  }
+}
+
+void voice_reader::read(std::array<float*, 2> channels, int count) {
+  const auto stride = static_cast<std::size_t>(info_.channels);
+  interleaved_.resize(static_cast<std::size_t>(count) * stride);
+  if (sf_readf_float(file_.get(), interleaved_.data(), count) < count) {
+    const bool is_known = sf_error(file_.get()) != SF_ERR_NO_ERROR;
+    throw failure(called(path_) + (is_known ? std::string(" cannot be read to its end: ") + sf_strerror(file_.get())
+                                            : " breaks off before its end"));
+  }
+  for (std::size_t channel = 0; channel < stride; ++channel) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+      channels[channel][i] = interleaved_[i * stride + channel];
+    }
+  }
+}
+
+voice_feed::voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz)
+    : voice_(*voice),
+      position_(-silence_before),
+      converter_(voice->rate_hz(), rate_hz, voice->channels()),
+      piece_(static_cast<std::size_t>(voice->channels())) {}
+
+void voice_feed::next(float* const* channels, int count) {
+  for (int filled = 0; filled < count;) {
+    if (ready_ == nullptr || taken_ == ready_->front().size()) {
+      convert_more();
+      continue;
+    }
+    const auto some = std::min(static_cast<std::size_t>(count - filled), ready_->front().size() - taken_);
+    std::copy_n(ready_->front().data() + taken_, some, channels[0] + filled);
+    std::copy_n(ready_->back().data() + taken_, some, channels[1] + filled);
+    taken_ += some;
+    filled += static_cast<int>(some);
+  }
+}
+
+void voice_feed::convert_more() {
+  for (auto& channel : piece_) channel.assign(piece_samples, 0.0F);
+  const int64_t lead = std::clamp<int64_t>(-position_, 0, piece_samples);
+  const int64_t wanted = std::min(piece_samples - lead, voice_.frames() - position_ - lead);
+  if (wanted > 0) voice_.read({piece_.front().data() + lead, piece_.back().data() + lead}, static_cast<int>(wanted));
+  position_ += piece_samples;
+
+  // The effect replaces NaN and infinite samples by 0. The converter would spread them over their neighbours.
+  const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
+  for (auto& channel : piece_) {
+    std::replace_if(
+        channel.begin(), channel.end(), [](float x) { return !std::isfinite(x); }, 0.0F);
+  }
+  ready_ = &converter_.convert(pointers, piece_samples);
+  taken_ = 0;
+}

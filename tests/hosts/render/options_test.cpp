@@ -1,0 +1,44 @@
+// MIT License. Tests of kesrel-render's command line.
+#include <algorithm>
+
+#include "tests/hosts/command.h"
+
+using Options = command_fixture;
+
+TEST_F(Options, PrintHelpVersionAndSounds) {
+  const auto help = done({"--help"});
+  for (const char* option : {"--sound", "--keys", "--no-chorus", "--program", "--load-state", "--save-state",
+                             "--module-rate", "at 2000 to 768000 Hz", "SIGHUP, SIGINT, SIGPIPE, SIGTERM"}) {
+    EXPECT_TRUE(contains(help, option)) << option;
+  }
+  EXPECT_EQ(done({"--version"}).rfind("kesrel-render ", 0), 0U);
+  const auto list = done({"--list-sounds"});
+  EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 58);
+  EXPECT_TRUE(contains(list,
+                       " 56  Ambient Indigo                   Deep Vocoders              C4 (60)  "
+                       "quorvant.deep_vocoders.Ambient_Indigo\n"));
+}
+
+TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
+  expect_refusal({voice, output, "--sound", "58"}, "there are 0 to 57");
+  expect_refusal({voice, output, "--no-octave", "--keys", "C5"}, "C2 to B4");
+  expect_refusal({voice, output, "--sound", "Ambient Indigo", "--keys", "B3"}, "C4 to B6");
+  expect_refusal({voice, output, "--reverb", "--no-reverb"}, "--no-reverb");
+  for (const char* block : {"0", "65537", "many", "1.5", "99999999999"}) {
+    expect_refusal({voice, output, "--block", block}, "a block has 1 to 65536 samples");
+  }
+  expect_refusal({voice, output, "--module-rate", "48000"}, "runs at 44100 or native, not at '48000'");
+  expect_refusal({voice, output, "--frequency"}, "--frequency");
+  expect_refusal({voice, "--save-state", folder.path("a")}, "OUT.wav must be named");
+  expect_refusal({}, "VOICE");
+  write_recording(voice, voice_of(0.1, 192000));
+  expect_refusal({voice, output, "--block", "2", "--module-rate", "native"}, "too short at 192000 Hz: at least 3");
+}
+
+TEST_F(Options, FailWhenStandardOutputIsFull) {
+  for (const arguments& words : {arguments{"--help"}, {"--list-sounds"}, {"--list-programs"}, {voice, output}}) {
+    const auto result = run(words, "/dev/full");
+    EXPECT_EQ(result.status, 2) << words[0];
+    EXPECT_TRUE(contains(result.error, "standard output cannot be written: No space left on device")) << words[0];
+  }
+}
