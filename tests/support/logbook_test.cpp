@@ -25,8 +25,8 @@ using halvern::logbook_impl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr uint32_t k_both = log_dest_file | log_dest_debugger;
-constexpr char k_header[] = "first line\r\n";
+constexpr uint32_t both = log_dest_file | log_dest_debugger;
+constexpr char header[] = "first line\r\n";
 
 // With # for each number.
 std::string without_numbers(const std::string& text) {
@@ -44,7 +44,7 @@ std::string read_file(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-void say(const std::string& text, uint32_t level = 4, uint32_t destinations = k_both) {
+void say(const std::string& text, uint32_t level = 4, uint32_t destinations = both) {
   logbook_impl::instance().message(text.c_str(), level, destinations);
 }
 
@@ -77,14 +77,14 @@ log_folder& folder() {
   if (the_folder == nullptr) the_folder = new log_folder;
   return *the_folder;
 }
-class folder_remover : public testing::Environment {
+class folder_removal : public testing::Environment {
  public:
   void TearDown() override {
     delete the_folder;
     the_folder = nullptr;
   }
 };
-const testing::Environment* const k_folder_remover = testing::AddGlobalTestEnvironment(new folder_remover);
+const testing::Environment* const folder_remover = testing::AddGlobalTestEnvironment(new folder_removal);
 
 std::string only_file_in_folder() {
   return std::filesystem::directory_iterator(folder().place().path())->path().string();
@@ -101,7 +101,7 @@ class Logbook : public testing::Test {
   }
 
   static void open_file() {
-    logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+    logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
     say("");
   }
 
@@ -126,21 +126,21 @@ void live_from_start_to_end() {
   EXPECT_FALSE(logbook_impl::instance().log_file().exists());
 
   debugger.clear();
-  logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+  logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
   say("traced", 8);
   say("warned", 5);
   EXPECT_EQ(folder().file_count(), 0U);
 
   say("");  // makes the file and writes nothing
   EXPECT_EQ(folder().file_count(), 1U);
-  EXPECT_EQ(written(), k_header);
+  EXPECT_EQ(written(), header);
   EXPECT_EQ(without_numbers(logbook_impl::instance().log_file().name()), "Log #_#_# #_#_#_#.log");
 
   say("first");
   halvern::log_error("second");
   say("not for the file", 4, log_dest_debugger);
   EXPECT_EQ(without_numbers(written()),
-            std::string(k_header) + "#:#:#:# (error)\t\tfirst\r\n#:#:#:# (error)\t\tsecond\r\n");
+            std::string(header) + "#:#:#:# (error)\t\tfirst\r\n#:#:#:# (error)\t\tsecond\r\n");
   EXPECT_THAT(debugger, IsEmpty());
 
   // A second owner repeats the steps; the file stays in use.
@@ -182,12 +182,12 @@ TEST(LogbookDeathTest, WritesItsLastLineWithoutTheHeap) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+        logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
         const int64_t before = allocation_count();
         logbook_impl::instance().crash_message("crash!");
         EXPECT_EQ(allocation_count(), before);
         EXPECT_EQ(without_numbers(read_file(only_file_in_folder())),
-                  std::string(k_header) + "#:#:#:# (critical)\tcrash!\r\n");
+                  std::string(header) + "#:#:#:# (critical)\tcrash!\r\n");
         std::filesystem::remove_all(folder().place().path());
         std::_Exit(testing::Test::HasFailure() ? 1 : 0);
       },
@@ -223,7 +223,7 @@ TEST_F(Logbook, KeepsTheDebuggersLineWhenTheFileHasNoMemory) {
   debugger.reserve(1000);
   {
     const failing_allocation heap(0);
-    logbook_impl::instance().message("a line too long for a small string", 4, k_both);
+    logbook_impl::instance().message("a line too long for a small string", 4, both);
   }
   EXPECT_EQ(debugger, "a line too long for a small string\n");
   EXPECT_THAT(written(), testing::Not(testing::HasSubstr("a line too long")));
@@ -268,7 +268,7 @@ TEST_F(Logbook, PostsWhatIsMeantForTheNotificationCenter) {
   logbook_impl::instance().levels = 0x40000;
   say("heard", 4, log_dest_notification);
   say("too quiet", 5, log_dest_notification);
-  say("elsewhere", 4, k_both);
+  say("elsewhere", 4, both);
   center.unsubscribe(&listener);
   say("gone", 4, log_dest_notification);
   EXPECT_THAT(listener.texts, ElementsAre("heard 4"));

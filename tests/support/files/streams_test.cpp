@@ -19,8 +19,8 @@ using files::hdd_file;
 using files::resource_file;
 using files::seek_origin;
 
-constexpr int64_t k_lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t k_highest = std::numeric_limits<int64_t>::max();
+constexpr int64_t lowest_position = std::numeric_limits<int64_t>::min();
+constexpr int64_t highest_position = std::numeric_limits<int64_t>::max();
 
 std::string read(files::file& stream, uint32_t count) {
   std::string text(count, '?');
@@ -146,7 +146,7 @@ TEST_F(ResourceFile, CannotSeekToItsEnd) {
   for (const auto& place : {std::pair{int64_t{10}, seek_origin::start},
                             {0, seek_origin::end},
                             {6, seek_origin::position},
-                            {k_highest, seek_origin::position}}) {
+                            {highest_position, seek_origin::position}}) {
     EXPECT_EQ(thrown<err::logic_error>([&] { file.seek(place.first, place.second); }),
               "resource_file::seek() Overflow Error!");
   }
@@ -159,10 +159,10 @@ TEST_F(ResourceFile, HasZerosBeforeItsStart) {
   EXPECT_EQ(read(file, 4), std::string("\0\0"
                                        "01",
                                        4));
-  file.seek(k_lowest, seek_origin::start);
+  file.seek(lowest_position, seek_origin::start);
   EXPECT_EQ(read(file, 2), std::string(2, '\0'));
-  file.seek(k_lowest, seek_origin::position);
-  EXPECT_EQ(file.position(), k_lowest);
+  file.seek(lowest_position, seek_origin::position);
+  EXPECT_EQ(file.position(), lowest_position);
 }
 
 TEST_F(ResourceFile, ClonesFromTheStartAndIsReadOnly) {
