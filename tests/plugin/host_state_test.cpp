@@ -1,11 +1,10 @@
 // MIT License. Tests of what the host saves and restores.
 #include <atomic>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "tests/plugin/effect_fixture.h"
 #include "tests/plugin/own_log.h"
+#include "tests/words/files.h"
 
 namespace {
 
@@ -13,11 +12,6 @@ using testing::ElementsAre;
 using testing::Pair;
 
 constexpr size_t k_image_size = 3538;
-
-std::string read_resource(const char* path) {
-  std::ifstream file(std::string(KESREL_RESOURCES "/") + path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class HostState : public Effect {
  protected:
@@ -61,7 +55,7 @@ std::string name_of(const loose_effect& of, VstInt32 index) {
 
 TEST_F(HostState, IsTheDefaultBankAfterTheHandshake) {
   shake_hands();
-  const std::string file = read_resource("bank/defaultbank.vstpreset");
+  const std::string file = read_file(KESREL_RESOURCES "/bank/defaultbank.vstpreset");
   ASSERT_EQ(file.size(), 4025U);
   EXPECT_EQ(save(), file.substr(0, k_image_size));
   load(file);

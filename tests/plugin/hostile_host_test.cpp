@@ -5,12 +5,11 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "tests/plugin/own_log.h"
+#include "tests/words/files.h"
+#include "tests/words/temporary_folder.h"
 
 namespace {
 
@@ -25,30 +24,21 @@ constexpr int k_thread_sanitizer = 66;
 // Each test has an application data folder of its own, in which the host's errors are kept, too.
 class HostileHost : public testing::Test {
  protected:
-  HostileHost() {
-    std::string pattern = testing::TempDir() + "kesrel-hostile-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~HostileHost() override { std::filesystem::remove_all(folder_); }
-
   // What a host that does `deed` ends with; 124 or 137 when it has to be ended from outside after half a minute.
   //   settings   of the environment, as env takes them
   int end_of_host(const std::string& deed, const std::string& settings = "") const {
-    const std::string line = "env " + (settings.empty() ? "XDG_DATA_HOME='" + folder_ + "'" : settings) +
+    const std::string line = "env " + (settings.empty() ? "XDG_DATA_HOME='" + folder_.path() + "'" : settings) +
                              " timeout --kill-after=1 30 '" KESREL_HOSTILE_HOST "' '" KESREL_MODULE_PATH "' " + deed +
-                             " 2>'" + folder_ + "/errors'";
+                             " 2>'" + folder_.path("errors") + "'";
     const int status = std::system(line.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  std::string errors() const {
-    std::ifstream file(folder_ + "/errors");
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string errors() const { return read_file(folder_.path("errors")); }
 
-  long crashes() const { return logged_crashes(folder_); }
+  long crashes() const { return logged_crashes(folder_.path()); }
 
-  std::string folder_;
+  const temporary_folder folder_;
 };
 
 TEST_F(HostileHost, EndsWhenItsHeapIsBroken) {
@@ -83,7 +73,7 @@ TEST_F(HostileHost, MayPlayOnWhileItExits) {
 TEST_F(HostileHost, GetsAnEffectWhereNoLogCanBeKept) {
   EXPECT_EQ(end_of_host("late", "--unset=XDG_DATA_HOME --unset=HOME"), 12);
   EXPECT_THAT(errors(), HasSubstr("get_user_app_support_path() cannot get the application data path!"));
-  std::ofstream(folder_ + "/Quorvant") << "a file in the folder's place";
+  write_file(folder_.path("Quorvant"), "a file in the folder's place");
   EXPECT_EQ(end_of_host("late"), 12);
   EXPECT_THAT(errors(), HasSubstr("expected a folder but the found path refers to a file!"));
 }

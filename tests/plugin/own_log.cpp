@@ -8,20 +8,20 @@
 #include <fstream>
 
 #include "support/logbook.h"
+#include "tests/words/temporary_folder.h"
 
 namespace {
 
-std::filesystem::path data_home;
+// Not an object with a destructor: the children of death tests exit, and the folder has to outlive them.
+const temporary_folder* data_home = nullptr;
 
 class own_data_home : public testing::Environment {
  public:
   void SetUp() override {
-    std::string pattern = std::filesystem::temp_directory_path() / "kesrel-data-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    data_home = pattern;
-    setenv("XDG_DATA_HOME", pattern.c_str(), 1);
+    data_home = new temporary_folder;
+    setenv("XDG_DATA_HOME", data_home->path().c_str(), 1);
   }
-  void TearDown() override { std::filesystem::remove_all(data_home); }
+  void TearDown() override { delete data_home; }
 };
 
 const testing::Environment* const k_own_data_home = testing::AddGlobalTestEnvironment(new own_data_home);
@@ -52,7 +52,7 @@ std::string texts_below(const std::filesystem::path& application_data) {
 }  // namespace
 
 long logged_crashes(const std::string& application_data) {
-  const std::string texts = texts_below(application_data.empty() ? data_home : std::filesystem::path(application_data));
+  const std::string texts = texts_below(application_data.empty() ? data_home->path() : application_data);
   long crashes = 0;
   for (size_t at = texts.find("crash!\n"); at != std::string::npos; at = texts.find("crash!\n", at + 1)) ++crashes;
   return crashes;

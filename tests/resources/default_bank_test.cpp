@@ -3,17 +3,15 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "plugin/program_bank.h"
+#include "tests/words/files.h"
 
 namespace {
 
 std::string read(const std::string& name) {
-  std::ifstream file(std::string(KESREL_RESOURCES "/bank/") + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return read_file(KESREL_RESOURCES "/bank/" + name);
 }
 
 TEST(DefaultBank, IsWhatItsTableMakes) {
