@@ -36,7 +36,7 @@ void write(files::file& stream, const std::string& text) {
   EXPECT_EQ(done, text.size());
 }
 
-TEST(HddFile, ReadsFromWhereItIs) {
+TEST(HddFile, ReadsFromItsPosition) {
   const test_folder folder;
   hdd_file file(folder.with_file("digits", "0123456789"), file_mode::reading);
   EXPECT_EQ(file.size(), 10U);
@@ -51,7 +51,7 @@ TEST(HddFile, ReadsFromWhereItIs) {
   EXPECT_EQ(read(file, 1), "1");
 }
 
-TEST(HddFile, CutsWhatItWritesUnlessToldToKeepIt) {
+TEST(HddFile, CreatesTruncatesOrKeepsTheFileItWrites) {
   const test_folder folder;
   const filepath place = folder.with_file("file", "long before");
   {
@@ -67,11 +67,6 @@ TEST(HddFile, CutsWhatItWritesUnlessToldToKeepIt) {
     write(file, "N");
   }
   EXPECT_EQ(folder.content("file"), "NEw");
-}
-
-TEST(HddFile, MakesTheFileThatItWrites) {
-  const test_folder folder;
-  const filepath place = folder.with_file("file");
   std::filesystem::remove(folder.path("file"));
   { hdd_file file(place, file_mode::writing); }
   EXPECT_TRUE(std::filesystem::exists(folder.path("file")));
@@ -88,10 +83,10 @@ TEST(HddFile, ClonesFromTheStart) {
   EXPECT_FALSE(clone->reserved_operation());
 }
 
-TEST(HddFile, SeeksBehindItsEndButNotBeforeItsStart) {
+TEST(HddFile, SeeksPastItsEndButNotBeforeItsStart) {
   const test_folder folder;
   hdd_file file(folder.with_file("file", "abc"), file_mode::reading);
-  file.seek(0x180000000, seek_origin::start);  // the lower half of its bits alone would be negative
+  file.seek(0x180000000, seek_origin::start);  // the lower 32 bits alone would be negative
   EXPECT_EQ(file.position(), 0x180000000);
   EXPECT_EQ(read(file, 1), "");
   file.seek(1, seek_origin::start);
@@ -101,7 +96,7 @@ TEST(HddFile, SeeksBehindItsEndButNotBeforeItsStart) {
   EXPECT_EQ(read(file, 3), "bc");
 }
 
-TEST(HddFile, TellsWhyItCannotOpen) {
+TEST(HddFile, ReportsWhyItCannotBeOpened) {
   const test_folder folder;
   EXPECT_EQ(thrown<err::runtime_error>([] { hdd_file(filepath(), file_mode::reading); }),
             "hdd_file::open() cannot open file. the FileName or Path is invalid!");
@@ -113,7 +108,7 @@ TEST(HddFile, TellsWhyItCannotOpen) {
             "hdd_file::open() cannot open the file! it may be opened by another application?" + lines);
 }
 
-// "0123456789", of type "RAWDATA".
+// The resource "0123456789" of type "RAWDATA".
 class ResourceFile : public testing::Test {
  protected:
   ResourceFile() { make_test_resources_known(); }
@@ -131,7 +126,7 @@ TEST_F(ResourceFile, IsFoundByTypeAndName) {
   EXPECT_EQ(thrown<err::runtime_error>([] { resource_file("RAWDATA", ""); }), text);
 }
 
-TEST_F(ResourceFile, ThrowsOnlyOnTheReadBehindTheLast) {
+TEST_F(ResourceFile, ThrowsOnlyWhenNothingIsLeft) {
   resource_file file = digits();
   EXPECT_EQ(read(file, 8), "01234567");
   EXPECT_EQ(read(file, 8), "89");
