@@ -1,4 +1,4 @@
-// MIT License. A queue that many threads fill without a lock, and that is emptied as a whole.
+// MIT License. A lock-free queue that many threads fill and that is emptied as a whole.
 #pragma once
 
 #include <atomic>
@@ -8,18 +8,18 @@
 
 namespace Container {
 
-// Built as a stack, which is turned over when it is taken: nothing is ever popped singly, so no head can come back
-// while somebody looks at it. Any thread may push and take.
+// A stack that is reversed when it is taken. Elements are never popped singly, which rules out the ABA problem. Any
+// thread may push and take.
 template <typename T>
 class atomic_queue {
   struct node {
     T value;
     node* next = nullptr;
-    std::atomic<size_t> references{0};  // of the lists that begin here
+    std::atomic<size_t> references{0};  // lists that begin with this node
   };
 
  public:
-  // What was taken, oldest first. Copies share the values, which go with the last of them.
+  // The values taken, oldest first. Copies share the values; the last one frees them.
   class value_list {
    public:
     class iterator {

@@ -13,7 +13,7 @@ struct labelled_level {
   const char* label;
 };
 
-constexpr labelled_level k_labels[] = {
+constexpr labelled_level labels[] = {
     {0, " (none) \t\t"},    //
     {1, " (emergency)\t"},  //
     {2, " (alert)\t\t"},    //
@@ -26,13 +26,13 @@ constexpr labelled_level k_labels[] = {
     {9, " (user)\t\t"},     //
     {255, " (dev)\t\t\t"},
 };
-constexpr const char* k_label_of_others = " (max)\t\t\t";
+constexpr const char* label_of_others = " (max)\t\t\t";
 
 const char* label_of(uint32_t level) {
-  for (const auto& labelled : k_labels) {
+  for (const auto& labelled : labels) {
     if (labelled.level == level) return labelled.label;
   }
-  return k_label_of_others;
+  return label_of_others;
 }
 
 }  // namespace
@@ -56,7 +56,7 @@ short_text<127> log_file_name(const log_time& made, std::string_view digits) noe
   return name.add(digits).add(".log");
 }
 
-// The clock's finest steps: two processes that start in the same second should not meet in one name.
+// Seeded at the clock's full resolution: processes that start in the same second should get different names.
 std::string random_digits(size_t count) {
   std::mt19937_64 generator(static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()));
   std::string digits;

@@ -1,4 +1,4 @@
-// MIT License. One message of the log, and the line it becomes.
+// MIT License. One message of the log, and its line in the file.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ struct log_time {
 // Now, in the system's time zone.
 log_time local_log_time();
 
-// Reads the system's time zone for crash_log_time, which may not open files.
+// Reads the system's time zone for crash_log_time, which must not open files.
 void remember_time_zone();
 
 // Now, at the offset from UTC that remember_time_zone found, UTC before that. Safe in a signal handler.
@@ -35,10 +35,10 @@ struct log_data {
 
 constexpr std::string_view log_line_end = "\r\n";
 
-// What a line begins with: hour to millisecond with leading zeros, and the level's label. Safe in a signal handler.
+// The start of a line: hour to millisecond with leading zeros, and the level's label. Safe in a signal handler.
 short_text<63> log_line_start(const log_time& time, uint32_t level) noexcept;
 
-// The start of the line, the text and the line's end. An empty text makes no line.
+// The start of the line, the text and the line's end; empty for an empty text.
 std::string log_line(const log_data& message);
 
 // "Log ", date and time without leading zeros, `digits`, ".log": 3 July 2016, 9:05:41 gives

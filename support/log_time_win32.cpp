@@ -11,7 +11,7 @@ log_time local_log_time() {
   return {now.wDay, now.wMonth, now.wYear, now.wSecond, now.wMinute, now.wHour, now.wMilliseconds};
 }
 
-// The system's own clock already knows its zone, without files or the heap.
+// The system clock already knows its zone, without files or the heap.
 void remember_time_zone() {}
 
 log_time crash_log_time() noexcept {

@@ -16,9 +16,9 @@ namespace halvern {
 
 namespace {
 
-constexpr size_t k_file_name_digits = 16;
-constexpr uint32_t k_background_wait_ms = 1000;
-constexpr size_t k_longest_path = 4096;
+constexpr size_t file_name_digits = 16;
+constexpr uint32_t background_wait_ms = 1000;
+constexpr size_t longest_path = 4096;
 
 // The place of a destination's threshold in the word of levels, as a shift.
 constexpr uint32_t threshold_place(uint32_t destination) {
@@ -91,7 +91,7 @@ void logbook_impl::to_file(const char* text, uint32_t level) noexcept {
     queue_.push({.text = text, .level = level, .time = local_log_time()});
     drain();
   } catch (...) {
-    // Out of memory: whoever reports a fault has faults enough.
+    // Out of memory: reporting one error must not cause another.
   }
 }
 
@@ -126,11 +126,11 @@ void logbook_impl::log_to(const files::filepath& folder, const std::string& head
   levels.store(new_levels, std::memory_order_relaxed);
 }
 
-// Earlier plans stay, as a crash may be reading one. Effects come and go, so the same plan isn't made twice.
+// Earlier plans are kept, as a crash may be reading one. Effects come and go, so the same plan isn't made twice.
 void logbook_impl::prepare_for_crash(const files::filepath& folder, const std::string& header) {
   const crash_file_plan* const current = crash_plan_.load(std::memory_order_relaxed);
   if (current != nullptr && current->folder == folder.path() && current->header == header) return;
-  crash_plans_.push_front({folder.path(), header, random_digits(k_file_name_digits)});
+  crash_plans_.push_front({folder.path(), header, random_digits(file_name_digits)});
   crash_plan_.store(&crash_plans_.front(), std::memory_order_release);
 }
 
@@ -139,8 +139,8 @@ files::filepath logbook_impl::log_file() {
   return log_file_;
 }
 
-// Another thread may have taken the messages meanwhile, and then writes them. What the writing itself has to say, or a
-// crash in it, stays queued: this thread holds the lock already.
+// Another thread may have taken the messages meanwhile and will write them. Messages from the writing itself, or from a
+// crash in it, stay queued, as this thread already holds the lock.
 void logbook_impl::drain() noexcept {
   if (file_writer_.load(std::memory_order_relaxed) == std::this_thread::get_id()) return;
   try {
@@ -168,14 +168,14 @@ void logbook_impl::write_to_file(const std::string& lines) noexcept {
 }
 
 void logbook_impl::create_file() {
-  const auto name = log_file_name(local_log_time(), random_digits(k_file_name_digits));
+  const auto name = log_file_name(local_log_time(), random_digits(file_name_digits));
   log_file_ = files::create_file(folder_, name.c_str());
   crash_path_.store(log_file_.path().c_str(), std::memory_order_release);
   if (!header_.empty()) append(header_, log_file_);
 }
 
-// The lines go to the file by calls of the system alone. A write of another thread at the same moment may cover them;
-// waiting for it could mean waiting for a thread that will never run again.
+// Writes by system calls alone. A simultaneous write by another thread may overwrite these lines; waiting for it could
+// mean waiting for a thread that will never run again.
 void logbook_impl::crash_message(const char* text) noexcept {
   if (takes_for_file(log_level_critical)) {
     const log_time now = crash_log_time();
@@ -191,27 +191,27 @@ void logbook_impl::crash_message(const char* text) noexcept {
   if (passes(log_level_critical, log_dest_debugger)) to_debugger(text);
 }
 
-// The log file of the process, or one that the crash begins.
+// Opens the log file of the process, or creates one.
 files::system::file_handle logbook_impl::open_in_crash(const log_time& now) const noexcept {
   const char* const path = crash_path_.load(std::memory_order_acquire);
   if (path != nullptr) return files::system::open_to_append(path);
   const crash_file_plan* const plan = crash_plan_.load(std::memory_order_acquire);
   if (plan == nullptr) return files::system::invalid_handle;
-  static short_text<k_longest_path> made;  // not on the stack: a host's alternate stack may have 8 KB in all
+  static short_text<longest_path> made;  // not on the stack: a host's alternate stack may have 8 KB in all
   made.add(plan->folder).add({&files::system::separator, 1}).add(log_file_name(now, plan->digits).view());
   const files::system::file_handle file = files::system::open_to_append(made.c_str());
   write(plan->header, file);
   return file;
 }
 
-// Made when it is first needed: a host that has no descriptors left can still load the plug-in.
+// Created when first needed: a host that has no descriptors left can still load the plug-in.
 synchronization::event& logbook_impl::wake_event() {
   std::call_once(wake_event_made_, [this] { wake_event_ = std::make_unique<synchronization::event>(); });
   return *wake_event_;
 }
 
 int logbook_impl::write_in_background() {
-  while (running_.load(std::memory_order_acquire) > 0) wake_event().wait(k_background_wait_ms);
+  while (running_.load(std::memory_order_acquire) > 0) wake_event().wait(background_wait_ms);
   return 0;
 }
 
@@ -221,7 +221,7 @@ void logbook_impl::stop_background_writer() noexcept {
     try {
       wake_event().signal();
     } catch (const err::exception&) {
-      // The writer looks at `running_` after each time-out, too.
+      // The writer also checks `running_` after each time-out.
     }
     task_->wait();
   }
@@ -232,7 +232,7 @@ void log_error(const char* text) noexcept {
   try {
     logbook_impl::instance().message(text, log_level_error, log_dest_file | log_dest_debugger);
   } catch (...) {
-    // There is no memory for a log.
+    // Out of memory at the first call.
   }
 }
 
@@ -245,7 +245,7 @@ void log_caught_exception(const char* text) noexcept {
   } catch (const std::exception& caught) {
     log_error(caught.what());
   } catch (...) {
-    // It has nothing to say.
+    // It has no text.
   }
 }
 

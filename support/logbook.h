@@ -1,4 +1,4 @@
-// MIT License. The one process-wide logger.
+// MIT License. The process-wide logger.
 #pragma once
 
 #include <atomic>
@@ -35,25 +35,25 @@ constexpr uint32_t log_levels_at_start = 0x500;     // errors and warnings to th
 constexpr uint32_t log_levels_with_a_file = 0x004;  // errors to the file, and nothing to the others
 constexpr uint32_t log_levels_tracing = 0x808;      // everything, tracing included, to both
 
-// What a log_dest_notification message posts: a notification_ex_2 of this name with the text and the level.
+// A log_dest_notification message posts a notification_ex_2 of this name with the text and the level.
 using log_notification_level = unsigned;
 constexpr const char* log_notification_name = "halvern::logbook::message";
 
 // The queue of messages on their way to the file.
 class log_info_container : public Container::atomic_queue<log_data> {};
 
-// Messages go to a log file, the debugger's output and the notification center. Nothing here fails its caller, and any
-// thread may call, the audio thread included: a message for the file is queued without a lock, then the thread that
-// brought it empties the queue and writes. So a message that reaches the file costs heap and file calls.
+// Messages go to a log file, the debugger's output and the notification center. No call throws, and any thread may
+// call, the audio thread included: a message for the file is queued without a lock, then the calling thread drains the
+// queue and writes. So a message that reaches the file costs heap allocations and file calls.
 //
-// The log outlives every other object of the process: hosts end their effects from static destructors, and their audio
-// threads may still run while they exit. At exit it is drained, never destroyed, and goes on working.
+// The log outlives every other object of the process: hosts close their effects from static destructors, and their
+// audio threads may still run while they exit. At exit it is drained but never destroyed, and goes on working.
 class logbook_impl {
  public:
   // Receives the text of a message that passed the debugger's threshold.
   using debugger_output = void (*)(const char* text);
 
-  // The singleton, made at the first call. Throws std::bad_alloc then, nothing later.
+  // The singleton, constructed by the first call, which alone may throw std::bad_alloc.
   static logbook_impl& instance();
 
   logbook_impl(const logbook_impl&) = delete;
@@ -62,15 +62,15 @@ class logbook_impl {
 
   void message(const char* text, uint32_t level, uint32_t destinations) noexcept;
 
-  // The last message of a crashing process, at the critical level, behind all that is still queued for the file. Safe
-  // in a signal handler whatever the thread was doing: it takes no lock and leaves the heap alone. Once per process.
+  // Writes the last message of a crashing process, at the critical level, after all that is still queued for the file.
+  // Safe in a signal handler whatever the thread was doing: no locks, no heap. Once per process.
   void crash_message(const char* text) noexcept;
 
-  // From now on messages up to `levels` go to a file in `folder`, which begins with `header`. The file comes into being
-  // with the first message, and stays the process's log file from then on, whatever is set later.
+  // Sends messages up to `levels` to a file in `folder`, which begins with `header`. The first message creates the
+  // file, which then remains the log file of the process, even if this is called again.
   void log_to(const files::filepath& folder, const std::string& header, uint32_t levels);
 
-  // Where the messages of this process go; empty while there is no file.
+  // The log file of this process; empty while there is no file.
   files::filepath log_file();
 
   // The thresholds, as log_levels_at_start explains them.
@@ -102,11 +102,11 @@ class logbook_impl {
   files::filepath log_file_;
   synchronization::ticket_lock file_lock_;  // of the folder, the header and the file
   std::string header_;
-  std::atomic<std::thread::id> file_writer_{};  // who holds the lock
+  std::atomic<std::thread::id> file_writer_{};  // the thread that holds the lock
   log_info_container queue_;
   std::atomic<debugger_output> debugger_;
 
-  // What a crash must find without the lock: texts that never change once their address is published.
+  // Read by a crash without the lock: texts that never change once their address is published.
   struct crash_file_plan {
     std::string folder;  // its path
     std::string header;
@@ -116,7 +116,7 @@ class logbook_impl {
   std::atomic<const crash_file_plan*> crash_plan_{nullptr};
   std::atomic<const char*> crash_path_{nullptr};  // of the log file, once there is one
 
-  // The shape of a background writer; nothing starts it.
+  // A background writer, which nothing starts at present.
   std::once_flag wake_event_made_;
   std::unique_ptr<synchronization::event> wake_event_;
   synchronization::object_task<logbook_impl>* task_;  // one reference
@@ -126,7 +126,7 @@ class logbook_impl {
 // Logs an error report or the text of a caught exception.
 void log_error(const char* text) noexcept;
 
-// For the handler of an operation that must not throw: logs `text`, then what the exception in hand says of itself.
+// For the catch clause of an operation that must not throw: logs `text`, then the current exception's own text.
 void log_caught_exception(const char* text) noexcept;
 
 }  // namespace halvern

@@ -11,10 +11,10 @@ namespace halvern {
 
 namespace {
 
-constexpr size_t k_pooled_size = 128;
+constexpr size_t pooled_size = 128;
 
 memory::quick_allocator_impl* notification_pool() {
-  static memory::quick_allocator_impl* const pool = memory::get_pool(k_pooled_size, 0, 0);
+  static memory::quick_allocator_impl* const pool = memory::get_pool(pooled_size, 0, 0);
   return pool;
 }
 
@@ -24,7 +24,7 @@ void call_all(const Map& observers, const Key& key, const notification_reference
   for (auto entry = first; entry != last; ++entry) entry->second->notify(posted);
 }
 
-// The first entry of that key with that value.
+// Erases the first entry with that key and value.
 template <typename Map, typename Key, typename Value>
 void erase_one(Map* map, const Key& key, const Value& value) {
   const auto [first, last] = map->equal_range(key);
@@ -35,11 +35,11 @@ void erase_one(Map* map, const Key& key, const Value& value) {
 }  // namespace
 
 void* notification::operator new(size_t size) {
-  return size <= k_pooled_size ? memory::pool_allocate(notification_pool()) : ::operator new(size);
+  return size <= pooled_size ? memory::pool_allocate(notification_pool()) : ::operator new(size);
 }
 
 void notification::operator delete(void* object, size_t size) {
-  if (size <= k_pooled_size) {
+  if (size <= pooled_size) {
     memory::pool_release(notification_pool(), object);
   } else {
     ::operator delete(object);
@@ -47,7 +47,7 @@ void notification::operator delete(void* object, size_t size) {
 }
 
 notification_center& notification_center::instance() {
-  static auto* const center = new notification_center;  // outlives whoever posts while the process exits
+  static auto* const center = new notification_center;  // never destroyed: others may post while the process exits
   return *center;
 }
 

@@ -13,7 +13,7 @@
 
 namespace halvern {
 
-// What is posted: a name, and who posted it, null for nobody in particular. Read-only once it is posted.
+// A name and its sender; null for no particular sender. Read-only once it is posted.
 class notification {
  public:
   explicit notification(std::string name, const void* sender = nullptr) : name_(std::move(name)), sender_(sender) {}
@@ -72,27 +72,27 @@ class observer {
   virtual void notify(const notification_reference& posted) = 0;
 };
 
-// Calls the observers that asked for a notification. Safe from any thread. Observers belong to their makers, who
-// unsubscribe them before they end.
+// Calls the observers that subscribed to a notification. Safe from any thread. Observers belong to their creators, who
+// unsubscribe them before destroying them.
 class notification_center {
  public:
-  // The one that the program posts to, made at its first use.
+  // The program's own, constructed at first use.
   static notification_center& instance();
 
   notification_center() = default;
   notification_center(const notification_center&) = delete;
   notification_center& operator=(const notification_center&) = delete;
 
-  // Calls, in this order, who asked for its name and sender, for its name, for its sender, and for everything; among
-  // equals, who subscribed first. Who asked in several ways is called for each.
+  // Calls, in this order, the observers of its name and sender, of its name, of its sender, and of everything; among
+  // equals, in the order of subscription. An observer is called once for each matching subscription.
   void post(const notification_reference& posted);
 
-  // Asks for one name, one sender, that pair, or everything: an empty name means any, a null sender means any. Asking
-  // twice counts twice.
+  // Subscribes to one name, one sender, that pair, or everything: an empty name means any, a null sender means any.
+  // Subscribing twice counts twice.
   void subscribe(observer* asking, const std::string& name, const void* sender);
-  // Takes back one such request, or does nothing when there is none.
+  // Removes one such subscription, if there is one.
   void unsubscribe(observer* asking, const std::string& name, const void* sender);
-  // Takes back everything that this observer asked for.
+  // Removes all subscriptions of this observer.
   void unsubscribe(observer* asking);
 
  private:
@@ -104,7 +104,7 @@ class notification_center {
   std::multimap<const void*, observer*, std::less<>> by_sender_;
   std::multimap<name_and_sender, observer*> by_name_and_sender_;
   std::vector<observer*> all_;
-  // What each observer asked for: the sender, under observer and name.
+  // All subscriptions: the sender, by observer and name.
   std::multimap<std::pair<observer*, std::string>, const void*> requests_;
   synchronization::shared_ticket_lock lock_;
 };

@@ -1,4 +1,4 @@
-// MIT License. Text of limited length without the heap, for code that runs inside a signal handler.
+// MIT License. Text of limited length without the heap, for signal handlers.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace halvern {
 
-// Holds up to `capacity` characters and the zero behind them. What doesn't fit is cut off.
+// Holds up to `capacity` characters and a terminating zero. What doesn't fit is cut off.
 template <size_t capacity>
 class short_text {
  public:

@@ -7,11 +7,11 @@ class AudioEffect;
 
 // All operations run on the host's user-interface thread.
 //
-// An editor that was handed to AudioEffect::setEditor belongs to the effect, which deletes it when its own derived
-// parts are gone already: an editor's destructor must not call the effect.
+// An editor passed to AudioEffect::setEditor belongs to the effect, which deletes it in its base destructor: an
+// editor's destructor must not call the effect.
 class AEffEditor {
  public:
-  // The editor doesn't announce itself to the effect.
+  // Doesn't register with the effect: see AudioEffect::setEditor.
   explicit AEffEditor(AudioEffect* owner = nullptr) : effect(owner) {}
   virtual ~AEffEditor() = default;
   AEffEditor(const AEffEditor&) = delete;
@@ -19,14 +19,14 @@ class AEffEditor {
 
   virtual AudioEffect* getEffect() { return effect; }
 
-  // Hands out the window's size, which must stay valid after the call. May come while the editor is closed.
+  // Returns the window's size, which must stay valid after the call. May be called while the editor is closed.
   virtual bool getRect(ERect** rect) {
     *rect = nullptr;
     return false;
   }
 
-  // Opens the editor inside the parent window `ptr`: on X11 the window's number itself, on Windows its handle. May be
-  // called again without a close.
+  // Opens the editor inside the parent window `ptr`: on X11 the window id, on Windows its handle. May be called again
+  // without a close.
   virtual bool open(void* ptr) {
     systemWindow = ptr;
     return false;
@@ -39,12 +39,12 @@ class AEffEditor {
   // The host's regular call while the editor is open, 10 to 60 times a second.
   virtual void idle() {}
 
-  // Keys and wheel; true when the editor used them.
+  // Keys and wheel; true when the editor handled them.
   virtual bool onKeyDown(VstKeyCode& /*keyCode*/) { return false; }
   virtual bool onKeyUp(VstKeyCode& /*keyCode*/) { return false; }
   virtual bool onWheel(float /*distance*/) { return false; }
 
-  // 0 circular, 1 relative circular, 2 linear; true when the editor has knobs to follow it.
+  // 0 circular, 1 relative circular, 2 linear; true when the editor has knobs.
   virtual bool setKnobMode(VstInt32 /*mode*/) { return false; }
 
  protected:

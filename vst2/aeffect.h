@@ -7,12 +7,12 @@
 
 struct AEffect;
 
-// The host's face: one function for all AudioMasterOpcodes. The last argument is a float and travels in another
-// register class than the others.
+// The host's entry: one function for all AudioMasterOpcodes. The last argument is a float, which is passed in another
+// class of register than the others.
 using audioMasterCallback = VstIntPtr(VSTCALLBACK*)(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                                                     void* ptr, float opt);
 
-// The effect's face: one function for all AEffectOpcodes, and those that are too frequent for it.
+// The effect's entries: one function for all AEffectOpcodes, and one each for the most frequent calls.
 using AEffectDispatcherProc = VstIntPtr(VSTCALLBACK*)(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                                                       void* ptr, float opt);
 using AEffectProcessProc = void(VSTCALLBACK*)(AEffect* effect, float** inputs, float** outputs, VstInt32 sampleFrames);
@@ -21,7 +21,7 @@ using AEffectProcessDoubleProc = void(VSTCALLBACK*)(AEffect* effect, double** in
 using AEffectSetParameterProc = void(VSTCALLBACK*)(AEffect* effect, VstInt32 index, float parameter);
 using AEffectGetParameterProc = float(VSTCALLBACK*)(AEffect* effect, VstInt32 index);
 
-// Type of the function that a module exports as "VSTPluginMain". Null means that the host is refused.
+// Type of the function that a module exports as "VSTPluginMain". It returns null to refuse the host.
 using VSTPluginMainProc = AEffect*(VSTCALLBACK*)(audioMasterCallback host);
 
 constexpr VstInt32 kEffectMagic = CCONST('V', 's', 't', 'P');
@@ -32,17 +32,17 @@ enum VstAEffectFlags : VstInt32 {
   effFlagsHasClip            = 1 <<  1,  // retired
   effFlagsHasVu              = 1 <<  2,  // retired
   effFlagsCanMono            = 1 <<  3,  // retired
-  effFlagsCanReplacing       = 1 <<  4,  // processReplacing works; obligatory
+  effFlagsCanReplacing       = 1 <<  4,  // processReplacing works; mandatory
   effFlagsProgramChunks      = 1 <<  5,  // state is saved through effGetChunk and effSetChunk
   effFlagsIsSynth            = 1 <<  8,
-  effFlagsNoSoundInStop      = 1 <<  9,  // silence in gives silence out
+  effFlagsNoSoundInStop      = 1 <<  9,  // silent output for silent input
   effFlagsExtIsAsync         = 1 << 10,  // retired
   effFlagsExtHasBuffer       = 1 << 11,  // retired
   effFlagsCanDoubleReplacing = 1 << 12,
 };
 // clang-format on
 
-// One effect as the host sees it. It belongs to the effect and no longer exists after effClose.
+// An effect as the host sees it. Owned by the effect; invalid after effClose.
 struct AEffect {
   VstInt32 magic;  // kEffectMagic
   AEffectDispatcherProc dispatcher;
@@ -54,7 +54,7 @@ struct AEffect {
   VstInt32 numInputs;
   VstInt32 numOutputs;
   VstInt32 flags;    // VstAEffectFlags
-  VstIntPtr resvd1;  // the host's, as the next
+  VstIntPtr resvd1;  // for the host, like the next
   VstIntPtr resvd2;
   VstInt32 initialDelay;   // latency in samples
   VstInt32 realQualities;  // retired

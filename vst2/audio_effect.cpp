@@ -12,7 +12,7 @@ AudioEffect* object_of(AEffect* e) {
   return static_cast<AudioEffect*>(e->object);
 }
 
-// Whether the opcode's answer is a text at the pointer that comes with it.
+// Whether the opcode writes a text to its pointer.
 constexpr bool writes_text(VstInt32 opcode) {
   switch (opcode) {
     case effGetProgramName:

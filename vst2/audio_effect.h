@@ -7,18 +7,18 @@
 
 class AEffEditor;
 
-// An effect and the record that a host knows it by. The host's calls arrive at the static functions in the record,
-// which call the virtual operation of the same name.
+// An effect and the record that represents it to the host. The host calls the static functions in the record, which
+// call the virtual function of the same name.
 //
 // Threads, by the interface's contract: processing on the audio thread, setParameter and getParameter on any,
 // everything else on the main thread. Sample rate and block size change only while processing is off. Hosts that save
-// in the background call from other threads as well, so what they may read beside a change is atomic.
+// in the background call from other threads as well, so what they may read during a change is atomic.
 //
-// The order of the virtual operations is that of the published interface; retired ones keep their places.
+// The virtual functions are in the order of the published interface; retired ones keep their places.
 class AudioEffect {
  public:
-  // Calls no host. Starts at 44100 Hz, blocks of 1024 samples, program 0, one input and two outputs.
-  //   host   may be null: every call of the host then answers 0 or false
+  // Doesn't call the host. Starts at 44100 Hz, blocks of 1024 samples, program 0, one input and two outputs.
+  //   host   may be null: every call to the host then returns 0 or false
   AudioEffect(audioMasterCallback host, VstInt32 programs, VstInt32 params);
   AudioEffect(const AudioEffect&) = delete;
   AudioEffect& operator=(const AudioEffect&) = delete;
@@ -57,12 +57,12 @@ class AudioEffect {
   virtual void getParameterDisplay(VstInt32 /*index*/, char* text) { *text = 0; }
   virtual void getParameterName(VstInt32 /*index*/, char* text) { *text = 0; }
 
-  // State of the bank, or of the current program with `isPreset`. getChunk returns the number of bytes; they stay the
-  // effect's and must remain valid until the next getChunk.
+  // State of the bank, or of the current program with `isPreset`. getChunk returns the number of bytes; they belong to
+  // the effect and must remain valid until the next getChunk.
   virtual VstInt32 getChunk(void** /*data*/, bool /*isPreset*/ = false) { return 0; }
   virtual VstInt32 setChunk(void* /*data*/, VstInt32 /*byteSize*/, bool /*isPreset*/ = false) { return 0; }
 
-  // What the record says of the effect; for constructors.
+  // Set fields of the record; for constructors.
   virtual void setUniqueID(VstInt32 id) { cEffect.uniqueID = id; }
   virtual void setNumInputs(VstInt32 inputs) { cEffect.numInputs = inputs; }
   virtual void setNumOutputs(VstInt32 outputs) { cEffect.numOutputs = outputs; }
@@ -71,7 +71,7 @@ class AudioEffect {
   virtual void programsAreChunks(bool state = true) { setFlag(effFlagsProgramChunks, state); }
   virtual void setInitialDelay(VstInt32 delay) { cEffect.initialDelay = delay; }
 
-  // Takes over `newEditor`, which may be null. An earlier editor is not deleted.
+  // Takes ownership of `newEditor`, which may be null. An earlier editor is not deleted.
   void setEditor(AEffEditor* newEditor);
   virtual AEffEditor* getEditor() { return editor; }
 
@@ -79,7 +79,7 @@ class AudioEffect {
   virtual float getSampleRate() { return sampleRate; }
   virtual VstInt32 getBlockSize() { return blockSize; }
 
-  // The host's version of the interface; 1 where it doesn't tell, or where there is no host.
+  // The host's version of the interface; 1 when it doesn't say or there is no host.
   virtual VstInt32 getMasterVersion();
   virtual VstInt32 getCurrentUniqueId();
   virtual void masterIdle();
@@ -103,8 +103,8 @@ class AudioEffect {
   virtual bool isOutputConnected(VstInt32 /*output*/) { return false; }
 
  protected:
-  // The functions in the record. effClose deletes the object and answers 1; an opcode that writes a text answers 0 when
-  // there is nowhere to write it.
+  // The functions in the record. effClose deletes the object and returns 1; an opcode that writes a text returns 0 when
+  // its pointer is null.
   static VstIntPtr VSTCALLBACK dispatchEffectClass(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                                                    void* ptr, float opt);
   static float VSTCALLBACK getParameterClass(AEffect* e, VstInt32 index);
@@ -114,7 +114,7 @@ class AudioEffect {
   static void VSTCALLBACK processClassDoubleReplacing(AEffect* e, double** inputs, double** outputs,
                                                       VstInt32 sampleFrames);
 
-  // Calls the host in this effect's name; 0 without a host.
+  // Calls the host on behalf of this effect; 0 without a host.
   VstIntPtr callHost(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0.0F);
 
   // Sets or clears a flag of the record.

@@ -1,4 +1,4 @@
-// MIT License. The second version's opcodes, the questions to the host, and speaker arrangements.
+// MIT License. The second version's opcodes, the calls to the host, and speaker arrangements.
 #include "vst2/audio_effect_x.h"
 
 #include <algorithm>
@@ -9,13 +9,13 @@
 
 namespace {
 
-// What arrives as a number but is an address. Hosts fit pointers into integer arguments and results.
+// Hosts pass some pointers as integer arguments and results.
 template <typename T>
 T* pointer_from(VstIntPtr address) {
   return reinterpret_cast<T*>(address);  // NOLINT(performance-no-int-to-ptr)
 }
 
-// A byte of a key code that comes as a float: 0 for what no byte holds.
+// A byte of a key code that is passed as a float: 0 when out of range.
 unsigned char byte_from(float number) {
   return number >= 0.0F && number < 256.0F ? static_cast<unsigned char>(number) : static_cast<unsigned char>(0);
 }
@@ -24,7 +24,7 @@ VstKeyCode key_code(VstInt32 character, VstIntPtr virtual_key, float modifiers) 
   return {character, static_cast<unsigned char>(virtual_key), byte_from(modifiers)};
 }
 
-// Bytes that an arrangement of `channels` speakers takes up.
+// Size in bytes of an arrangement of `channels` speakers.
 size_t arrangement_size(VstInt32 channels) {
   return offsetof(VstSpeakerArrangement, speakers) + static_cast<size_t>(channels) * sizeof(VstSpeakerProperties);
 }
@@ -201,7 +201,7 @@ bool AudioEffectX::allocateArrangement(VstSpeakerArrangement** arrangement, VstI
   if (!arrangement) return false;
   *arrangement = nullptr;
   if (nbChannels < 0) return false;
-  // Never less than the record as declared, so that it can be copied and compared whole.
+  // At least the size of the declared record, so that it can be copied and compared as a whole.
   const size_t size = std::max(arrangement_size(nbChannels), sizeof(VstSpeakerArrangement));
   auto* const made = static_cast<VstSpeakerArrangement*>(std::calloc(1, size));
   if (!made) return false;

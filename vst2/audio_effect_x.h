@@ -3,10 +3,10 @@
 
 #include "vst2/audio_effect.h"
 
-// Operations of the second version. Those called "asks the host" pass the host's answer through and give 0 or false
-// without a host. All others are the effect's answers to opcodes, and their defaults say that it has nothing to offer.
+// Functions of the second version. Those marked "asks the host" return the host's answer, and 0 or false without a
+// host. All others answer opcodes, and by default report that a feature is missing.
 //
-// The order of the virtual operations is that of the published interface; retired ones keep their places at the end.
+// The virtual functions are in the order of the published interface; retired ones keep their places at the end.
 class AudioEffectX : public AudioEffect {
  public:
   AudioEffectX(audioMasterCallback host, VstInt32 programs, VstInt32 params);
@@ -18,14 +18,14 @@ class AudioEffectX : public AudioEffect {
   virtual bool beginEdit(VstInt32 index);  // asks the host, as the next
   virtual bool endEdit(VstInt32 index);
 
-  // Programs and banks. beginLoadBank and beginLoadProgram: -1 refuses, 1 accepts, 0 doesn't look.
+  // Programs and banks. beginLoadBank and beginLoadProgram: -1 refuses, 1 accepts, 0 ignores it.
   virtual bool getProgramNameIndexed(VstInt32 /*category*/, VstInt32 /*index*/, char* /*text*/) { return false; }
   virtual bool beginSetProgram() { return false; }
   virtual bool endSetProgram() { return false; }
   virtual VstInt32 beginLoadBank(VstPatchChunkInfo* /*ptr*/) { return 0; }
   virtual VstInt32 beginLoadProgram(VstPatchChunkInfo* /*ptr*/) { return 0; }
 
-  // Connections. The two updates ask the host, keep what it says if above 0, and return what is kept.
+  // Connections. The two updates ask the host, store its answer if above 0, and return the stored value.
   virtual bool ioChanged();  // asks the host
   virtual double updateSampleRate();
   virtual VstInt32 updateBlockSize();
@@ -36,7 +36,7 @@ class AudioEffectX : public AudioEffect {
   virtual bool setSpeakerArrangement(VstSpeakerArrangement* /*pluginInput*/, VstSpeakerArrangement* /*pluginOutput*/) {
     return false;
   }
-  // Nulls what the two pointers, themselves null or not, point to.
+  // Sets what the two pointers point to to null; either may be null itself.
   virtual bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput, VstSpeakerArrangement** pluginOutput);
   virtual bool setBypass(bool /*onOff*/) { return false; }
   virtual bool setPanLaw(VstInt32 /*type*/, float /*gain*/) { return false; }

@@ -3,8 +3,8 @@
 
 #include "vst2/types.h"
 
-// Calls of the host to the effect's dispatcher. Arguments are index, value, ptr and opt; those not named are 0. Result
-// is 0 where none is named. Retired calls keep their numbers and are answered with 0.
+// Calls of the host to the effect's dispatcher. Arguments are index, value, ptr and opt; those not named are 0, and so
+// is a result that isn't named. Retired calls keep their numbers and return 0.
 // clang-format off
 enum AEffectOpcodes : VstInt32 {
   effOpen                      =  0,  //

@@ -40,22 +40,22 @@ enum VstModifierKey : VstInt32 {
 
 struct VstKeyCode {
   VstInt32 character;      // 0 where the key has none
-  unsigned char virt;      // VstVirtualKey, 0 where the key is none of them
+  unsigned char virt;      // VstVirtualKey, 0 for other keys
   unsigned char modifier;  // VstModifierKey mask
 };
 
 enum VstEventTypes : VstInt32 { kVstMidiType = 1, kVstSysExType = 6 };
 
-// Head of every event; the type says which record it is.
+// Common start of all events; the type says which record it is.
 struct VstEvent {
   VstInt32 type;
-  VstInt32 byteSize;     // of the record without these first two fields; hosts differ, so nothing should depend on it
+  VstInt32 byteSize;     // of the record without these first two fields; hosts differ, so don't rely on it
   VstInt32 deltaFrames;  // samples from the start of the block
   VstInt32 flags;
   char data[16];
 };
 
-// A list of events; the array really has `numEvents` entries.
+// A list of events; the array actually has `numEvents` entries.
 struct VstEvents {
   VstInt32 numEvents;
   VstIntPtr reserved;
@@ -89,7 +89,7 @@ struct VstMidiSysexEvent {
   VstIntPtr resvd2;
 };
 
-// The host's transport. Which fields are valid stands in `flags`.
+// The host's transport. `flags` says which fields are valid.
 struct VstTimeInfo {
   double samplePos;
   double sampleRate;   // Hz
@@ -107,7 +107,7 @@ struct VstTimeInfo {
   VstInt32 flags;
 };
 
-// Layouts of speakers; the names give front and rear speakers and whether there is a low-frequency one.
+// Speaker layouts, named by their numbers of front, rear and low-frequency speakers.
 // clang-format off
 enum VstSpeakerArrangementType : VstInt32 {
   kSpeakerArrUserDefined    = -2,
@@ -133,7 +133,7 @@ enum VstSpeakerArrangementType : VstInt32 {
   kSpeakerArr102            = 28,
 };
 
-// Single speakers; a host's own ones are -32 to -1.
+// Single speakers; -32 to -1 are defined by the host.
 enum VstSpeakerType : VstInt32 {
   kSpeakerM    =  0,  // mono
   kSpeakerL    =  1,  kSpeakerR   =  2,  kSpeakerC   =  3,  // front
@@ -161,8 +161,8 @@ struct VstSpeakerProperties {
   char future[28];
 };
 
-// The speakers of an input or output. `speakers` really has `numChannels` entries: a host may have allocated fewer than
-// eight, or more.
+// The speakers of an input or output. `speakers` actually has `numChannels` entries: a host may have allocated fewer
+// than eight, or more.
 struct VstSpeakerArrangement {
   VstInt32 type;  // VstSpeakerArrangementType
   VstInt32 numChannels;
@@ -196,7 +196,7 @@ struct VstParameterProperties {
   char future[16];
 };
 
-// What a bank or program that is about to be loaded says of itself.
+// Describes a bank or program that is about to be loaded.
 struct VstPatchChunkInfo {
   VstInt32 version;
   VstInt32 pluginUniqueID;
@@ -229,7 +229,7 @@ enum VstProcessLevels : VstInt32 {
   kVstProcessLevelOffline = 4,
 };
 
-// Records that only pass through the class layer as pointers.
+// Records that the classes only pass on as pointers.
 struct MidiKeyName;
 struct MidiProgramCategory;
 struct MidiProgramName;

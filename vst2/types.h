@@ -4,16 +4,16 @@
 #include <cstddef>
 #include <cstdint>
 
-// View libraries that bring key records of their own leave them out when they see this name.
+// View libraries leave out their own key records when this name is defined.
 #define __aeffectx__  // NOLINT(bugprone-reserved-identifier)
 
-// Levels of the interface that the records and classes here cover.
+// Versions of the interface that these records and classes cover.
 #define VST_2_1_EXTENSIONS 1
 #define VST_2_2_EXTENSIONS 1
 #define VST_2_3_EXTENSIONS 1
 #define VST_2_4_EXTENSIONS 1
 
-// Calling convention of every function pointer: C's, of which 64-bit targets have only one.
+// Calling convention of every function pointer: C's, the only one on 64-bit targets.
 #define VSTCALLBACK
 static_assert(sizeof(void*) == 8, "32-bit Windows would need an explicit calling convention and other record sizes");
 
@@ -30,14 +30,14 @@ constexpr VstInt32 CCONST(char a, char b, char c, char d) {
 
 constexpr VstInt32 kVstVersion = 2400;
 
-// Characters that a text may have, without the zero behind them: a buffer needs one byte more.
+// Lengths of texts in characters, without the terminating zero: a buffer needs one byte more.
 // clang-format off
 constexpr VstInt32 kVstMaxProgNameLen    =  24;  // program name
 constexpr VstInt32 kVstMaxParamStrLen    =   8;  // parameter name, label and display; many effects exceed it
 constexpr VstInt32 kVstMaxVendorStrLen   =  64;
 constexpr VstInt32 kVstMaxProductStrLen  =  64;
 constexpr VstInt32 kVstMaxEffectNameLen  =  32;
-constexpr VstInt32 kVstMaxNameLen        =  64;  // names inside records; these count the zero
+constexpr VstInt32 kVstMaxNameLen        =  64;  // names inside records; this includes the zero
 constexpr VstInt32 kVstMaxLabelLen       =  64;  // likewise
 constexpr VstInt32 kVstMaxShortLabelLen  =   8;  // likewise
 constexpr VstInt32 kVstMaxCategLabelLen  =  24;  // likewise

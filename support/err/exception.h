@@ -6,7 +6,7 @@
 
 namespace err {
 
-// Stands apart from std::exception: a handler for one does not catch the other.
+// Not derived from std::exception: a handler for one does not catch the other.
 class exception {
  public:
   explicit exception(std::string message) : text(std::move(message)) {}
@@ -20,7 +20,7 @@ class exception {
   std::string text;
 };
 
-// What only running shows: a missing file, a foreign host, damaged data. Making one logs its text as tracing.
+// A failure at run time: a missing file, an unknown host, damaged data. Constructing one logs its text as tracing.
 class runtime_error : public exception {
  public:
   explicit runtime_error(const std::string& message);

@@ -8,7 +8,7 @@ namespace files {
 
 namespace {
 
-// Made at the first use, and never destroyed: a host may load state from a static destructor. Entries never move.
+// Constructed at first use and never destroyed: a host may load state from a static destructor. Entries never move.
 struct known_resources {
   std::mutex lock;
   std::forward_list<embedded_resource> entries;

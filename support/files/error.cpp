@@ -3,13 +3,17 @@
 
 namespace files::error {
 
-static std::string described(const std::string& message, const std::string& path, const std::string& name,
-                             const std::string& last_line) {
+namespace {
+
+std::string described(const std::string& message, const std::string& path, const std::string& name,
+                      const std::string& last_line) {
   std::string text = message;
   if (!path.empty()) text += "\nfull path: \"" + path + '"';
   if (!name.empty()) text += "\nfile/folder name: \"" + name + '"';
   return text + last_line;
 }
+
+}  // namespace
 
 file::file(const std::string& message, const std::string& path, const std::string& name)
     : file(message, path, name, "") {}

@@ -1,4 +1,4 @@
-// MIT License. What goes wrong with files and folders.
+// MIT License. Errors of files and folders.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace files::error {
 
-// Its text is the message with a line for the path and one for the name, each where it isn't empty.
+// Its text is the message, followed by a line for the path and one for the name unless they are empty.
 class file : public err::runtime_error {
  public:
   file(const std::string& message, const std::string& path, const std::string& name);

@@ -1,4 +1,4 @@
-// MIT License. The one interface of all that is read and written.
+// MIT License. The common interface of all streams.
 #pragma once
 
 #include <cstdint>
@@ -20,16 +20,16 @@ class file {
 
   virtual void seek(int64_t offset, seek_origin origin) = 0;
 
-  // Move up to `count` bytes and the position behind them; `done` gets how many they were.
+  // Transfer up to `count` bytes and advance the position past them; `done` receives their number.
   virtual void read(void* buffer, uint32_t count, uint32_t* done) = 0;
   virtual void write(const void* buffer, uint32_t count, uint32_t* done) = 0;
 
   virtual uint64_t size() = 0;
 
-  // Opens the same anew, at position 0.
+  // Opens the same file or resource again, at position 0.
   virtual std::unique_ptr<file> clone() = 0;
 
-  // Takes the last place of the table of operations; no stream answers anything else.
+  // Reserves the last slot of the virtual table; no stream overrides it.
   virtual bool reserved_operation() { return false; }
 
   file_mode mode() const { return mode_; }
@@ -38,7 +38,7 @@ class file {
  protected:
   explicit file(file_mode mode) : mode_(mode) {}
 
-  // Where a seek of a stream of `size` bytes leads. It may lie outside the stream, and ends at the limits of the type.
+  // The target of a seek in a stream of `size` bytes: possibly outside the stream, saturated at the type's limits.
   int64_t seek_target(int64_t offset, seek_origin origin, uint64_t size) const;
 
   uint64_t reserved_ = 0;

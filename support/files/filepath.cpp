@@ -10,12 +10,16 @@
 
 namespace files {
 
-// Where a relative name may lie: the folder itself, or the target of a link to it.
-static std::string child_path(const filepath& parent, std::string_view component) {
+namespace {
+
+// The path of `component` in `parent`, or in the folder that `parent` links to.
+std::string child_path(const filepath& parent, std::string_view component) {
   std::string path = is_alias(parent) ? resolve_file_path(parent).path() : parent.path();
   path += system::separator;
   return path.append(component);
 }
+
+}  // namespace
 
 filepath::filepath(const std::string& path) : path_(path) {
   split_name();

@@ -1,4 +1,4 @@
-// MIT License. The one way to name a place on disk.
+// MIT License. The path of a file or folder.
 #pragma once
 
 #include <cstdint>
@@ -7,25 +7,25 @@
 
 namespace files {
 
-// The path of a file or folder with what the system knew of it when the value was made. Paths are UTF-8; the system's
-// own form is made at the moment of a call.
+// A path with the attributes that the file or folder had when the value was constructed. Paths are UTF-8 and are
+// converted to the system's encoding at each system call.
 class filepath {
  public:
   static constexpr uint32_t exists_flag = 1;  // the attributes have been read
   static constexpr uint32_t folder_flag = 2;
-  static constexpr uint32_t hidden_flag = 4;  // by its attributes, or by a name that begins with a point
+  static constexpr uint32_t hidden_flag = 4;  // by its attributes, or by a name that begins with a dot
 
-  // No place: the text is empty, no flag is set.
+  // Empty: no text, no flags.
   filepath() = default;
 
-  // Throws error::file_path for a path of a separator alone, error::file_not_found when nothing lies there.
+  // Throws error::file_path for a path of a separator alone, error::file_not_found when nothing is there.
   explicit filepath(const std::string& path);
 
   // The same from UTF-16; Windows only.
   explicit filepath(const std::wstring& path);
 
-  // What lies at `relative` below `parent`, where `/` stands between the components and shell links count as the
-  // folders that they point to. An empty `relative` gives the parent.
+  // `relative` to `parent`, with `/` between the components; shell links are followed. An empty `relative` gives the
+  // parent.
   // Throws error::folder_not_found when the parent doesn't exist, error::cannot_resolve_file for a dead link on the
   // way, error::file_not_found.
   filepath(const filepath& parent, std::string_view relative);

@@ -7,29 +7,29 @@
 
 namespace files {
 
-// What becomes of a file's bytes when it is opened for writing.
+// Whether opening for writing truncates a file or keeps its bytes.
 enum class existing_content { cut, keep };
 
 class hdd_file : public file {
  public:
-  // Opens `location` for reading, or for writing, which makes the file when it is missing and closes it to others on
-  // Windows. Throws err::runtime_error for an empty location and error::cannot_open_file.
+  // Opens `location` for reading, or for writing, which creates a missing file and, on Windows, locks others
+  // out. Throws err::runtime_error for an empty location and error::cannot_open_file.
   hdd_file(const filepath& location, file_mode mode, existing_content content = existing_content::cut);
   ~hdd_file() override;
 
-  // Throws err::exception when the system refuses the place. Behind the end is allowed.
+  // May seek past the end. Throws err::exception when the system refuses the position.
   void seek(int64_t offset, seek_origin origin) override;
 
-  // A read that fails reads nothing, and doesn't tell.
+  // A failed read reads nothing and reports no error.
   void read(void* buffer, uint32_t count, uint32_t* done) override;
 
-  // Throws error::not_enough_disk_space and error::cannot_write_to_file where the system call answers below zero, as
-  // POSIX does; on Windows a failed write tells itself by `done` alone.
+  // Throws error::not_enough_disk_space and error::cannot_write_to_file when the system call returns a negative
+  // number, as on POSIX; on Windows only `done` shows that a write failed.
   void write(const void* buffer, uint32_t count, uint32_t* done) override;
 
   uint64_t size() override;
 
-  // In writing mode the clone cuts the file.
+  // In writing mode the clone truncates the file.
   std::unique_ptr<file> clone() override;
 
  private:

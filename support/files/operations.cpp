@@ -24,7 +24,7 @@ filepath followed(const filepath& location) {
   return is_alias(location) ? resolve_file_path(location) : location;
 }
 
-// The name of these errors is the full path, so that their text has one line for both.
+// These errors carry the full path as their name, so that their text has one line for both.
 [[noreturn]] void throw_cannot_create_file(const std::string& path) {
   const std::optional<system::attributes> there = system::read_attributes(path);
   if (!there) {
@@ -112,7 +112,7 @@ filepath create_folder_path(const filepath& parent, const std::string& relative)
   } catch (const err::exception& failure) {
     halvern::write_to_debugger((std::string(failure.what()) + "\n").c_str());
   } catch (...) {
-    // Whoever wants to know asks the result whether it exists.
+    // The caller can ask the result whether it exists.
   }
   return {};
 }
@@ -120,10 +120,10 @@ filepath create_folder_path(const filepath& parent, const std::string& relative)
 void append_to_file(const filepath& location, const memory::data& bytes) {
   hdd_file file(location, file_mode::writing, existing_content::keep);
   file.seek(static_cast<int64_t>(file.size()), seek_origin::start);
-  constexpr uint64_t k_most_at_once = 1U << 30;  // the count of a write has 32 bits
+  constexpr uint64_t most_at_once = 1U << 30;  // the count of a write has 32 bits
   for (uint64_t start = 0; start < bytes.size();) {
     uint32_t done = 0;
-    file.write(bytes.bytes() + start, static_cast<uint32_t>(std::min(bytes.size() - start, k_most_at_once)), &done);
+    file.write(bytes.bytes() + start, static_cast<uint32_t>(std::min(bytes.size() - start, most_at_once)), &done);
     if (done == 0) return;
     start += done;
   }

@@ -6,13 +6,13 @@
 
 namespace files {
 
-// Gives the pieces of a text between runs of some characters, from the front; none of them is empty. The text outlives
-// the tokenizer.
+// Splits a text at runs of separator characters, front to back; tokens are never empty. The text must outlive the
+// tokenizer.
 class path_tokenizer {
  public:
   path_tokenizer(std::string_view text, std::string_view separators) : left_(text), separators_(separators) {}
 
-  // Nothing once the text has ended.
+  // The next token; nothing at the end of the text.
   std::optional<std::string_view> next();
 
  private:

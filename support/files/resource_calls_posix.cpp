@@ -1,4 +1,4 @@
-// MIT License. Resources on POSIX, whose modules have none: those that the module made known.
+// MIT License. Resources on POSIX, where module files have none: those that the module has registered.
 #include "support/files/embedded_resources.h"
 #include "support/files/resource_calls.h"
 

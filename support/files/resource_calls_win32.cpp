@@ -6,13 +6,17 @@
 
 namespace files::system {
 
-static HMODULE handle_of(const void* module) {
+namespace {
+
+HMODULE handle_of(const void* module) {
   return static_cast<HMODULE>(const_cast<void*>(module));
 }
 
-static HRSRC resource_of(const void* resource) {
+HRSRC resource_of(const void* resource) {
   return static_cast<HRSRC>(const_cast<void*>(resource));
 }
+
+}  // namespace
 
 const void* this_module() {
   HMODULE module = nullptr;

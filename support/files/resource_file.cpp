@@ -32,7 +32,7 @@ void resource_file::seek(int64_t offset, seek_origin origin) {
 void resource_file::read(void* buffer, uint32_t count, uint32_t* done) {
   if (position_ >= int64_t{length_}) throw err::logic_error("resource_file::read() END OF FILE! cannot read more!");
   auto* const out = static_cast<uint8_t*>(buffer);
-  // Before the first byte there are zeros. The distance to it may need all 64 bits.
+  // Zeros precede the first byte. The distance to it may need all 64 bits.
   const uint64_t before = position_ < 0 ? 0 - static_cast<uint64_t>(position_) : 0;
   const auto zeros = static_cast<uint32_t>(std::min<uint64_t>(count, before));
   if (zeros > 0) std::memset(out, 0, zeros);

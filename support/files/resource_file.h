@@ -1,4 +1,4 @@
-// MIT License. A read-only resource of the module that holds this code, as a stream.
+// MIT License. A resource of the module that contains this code, as a read-only stream.
 #pragma once
 
 #include <string>
@@ -10,15 +10,14 @@ namespace files {
 class resource_file : public file {
  public:
   // Finds the resource by type and name, as UTF-8. On Windows it is one of the module's resource data, in a neutral
-  // language; on POSIX one that support/files/embedded_resources.h was given.
-  // Throws err::runtime_error when there is none.
+  // language; on POSIX it was registered with add_embedded_resource. Throws err::runtime_error when it isn't found.
   resource_file(const std::string& type_name, const std::string& res_name);
 
-  // Throws err::logic_error for a target at the end or behind it. Below the start there is none, and reading from
-  // there gives zeros up to the first byte.
+  // Throws err::logic_error for a target at or past the end. Targets before the start are allowed; reading there gives
+  // zeros up to the first byte.
   void seek(int64_t offset, seek_origin origin) override;
 
-  // Gives what is left when that is less than `count`; throws err::logic_error when nothing is left.
+  // Reads what is left when that is less than `count`; throws err::logic_error when nothing is left.
   void read(void* buffer, uint32_t count, uint32_t* done) override;
 
   // Always throws err::runtime_error.

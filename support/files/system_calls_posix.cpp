@@ -12,8 +12,8 @@ namespace files::system {
 namespace {
 
 // The log names the user's files, which are nobody else's business.
-constexpr mode_t k_file_rights = 0600;
-constexpr mode_t k_folder_rights = 0700;
+constexpr mode_t file_rights = 0600;
+constexpr mode_t folder_rights = 0700;
 
 // Repeats a call that a signal interrupted.
 template <typename Call>
@@ -24,7 +24,7 @@ auto uninterrupted(Call call) {
 }
 
 int opened(const char* path, int flags) {
-  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, k_file_rights); });
+  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, file_rights); });
 }
 
 bool is_folder(int descriptor) {
@@ -48,7 +48,7 @@ bool create_file(const std::string& path) {
 }
 
 folder_answer create_folder(const std::string& path) {
-  if (mkdir(path.c_str(), k_folder_rights) == 0) return folder_answer::made;
+  if (mkdir(path.c_str(), folder_rights) == 0) return folder_answer::made;
   if (errno == EEXIST) return folder_answer::already_exists;
   return errno == ENOENT || errno == ENOTDIR ? folder_answer::parent_missing : folder_answer::failed;
 }
@@ -60,7 +60,7 @@ file_handle open_to_write(const std::string& path) {
 file_handle open_to_read(const std::string& path) {
   const int descriptor = opened(path.c_str(), O_RDONLY);
   if (descriptor < 0 || !is_folder(descriptor)) return descriptor;
-  close(descriptor);  // the system would open it, but has nothing to read
+  close(descriptor);  // a folder: POSIX would open it, but reading would fail
   return invalid_handle;
 }
 
@@ -72,14 +72,14 @@ void close(file_handle handle) {
   if (handle != invalid_handle) ::close(static_cast<int>(handle));
 }
 
-// One call as a rule; fewer bytes than wanted are the end of the file, or a device's or a signal's doing.
+// Usually one call. Fewer bytes than requested mean the end of the file, a device's limit, or a signal.
 int32_t read(file_handle handle, void* buffer, uint32_t count, uint32_t* done) {
   const ssize_t got = uninterrupted([&] { return ::read(static_cast<int>(handle), buffer, count); });
   *done = got > 0 ? static_cast<uint32_t>(got) : 0;
   return got >= 0 ? 1 : 0;
 }
 
-// A short write goes on, so that the cause of one that ends early is known.
+// Continues after a short write, so that the next call reports why it was short.
 int32_t write(file_handle handle, const void* buffer, uint32_t count, uint32_t* done) {
   const auto* const bytes = static_cast<const char*>(buffer);
   *done = 0;

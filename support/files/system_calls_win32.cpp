@@ -12,14 +12,18 @@ filepath::filepath(const std::wstring& path) : filepath(wide_to_utf8(path)) {}
 
 namespace system {
 
-static HANDLE handle_of(file_handle handle) {
+namespace {
+
+HANDLE handle_of(file_handle handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
 
-static file_handle opened(const std::string& path, DWORD access, DWORD sharing, DWORD disposition) {
+file_handle opened(const std::string& path, DWORD access, DWORD sharing, DWORD disposition) {
   return reinterpret_cast<file_handle>(
       CreateFileW(to_long_path(path).c_str(), access, sharing, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
+
+}  // namespace
 
 std::optional<attributes> read_attributes(const std::string& path) {
   const DWORD found = GetFileAttributesW(to_long_path(path).c_str());
@@ -53,7 +57,7 @@ file_handle open_to_read(const std::string& path) {
   return opened(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
 }
 
-// Paths beyond the system's usual limit of length are given up: the prefix that lifts it wants a text to be built.
+// Gives up on paths beyond the system's usual length limit: the prefix that lifts it would need a new string.
 file_handle open_to_append(const char* path) noexcept {
   wchar_t wide[MAX_PATH];
   if (MultiByteToWideChar(CP_UTF8, 0, path, -1, wide, MAX_PATH) <= 0) return invalid_handle;
@@ -93,7 +97,7 @@ bool was_disk_full() {
 
 bool seek(file_handle handle, int64_t position) {
   auto upper_half = static_cast<LONG>(position >> 32);
-  SetLastError(NO_ERROR);  // the lower half of a good position may look negative, too
+  SetLastError(NO_ERROR);  // the lower half of a good position may look negative too
   const DWORD lower_half =
       SetFilePointer(handle_of(handle), static_cast<LONG>(position & 0xFFFFFFFF), &upper_half, FILE_BEGIN);
   return static_cast<LONG>(lower_half) >= 0 || GetLastError() == NO_ERROR;

@@ -1,4 +1,4 @@
-// MIT License. What POSIX desktops have of folders, browsers and links.
+// MIT License. User folders, browsers and links on POSIX desktops.
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@ namespace files {
 
 namespace {
 
-// The value of an environment variable that names a folder in full; a relative one counts as none.
+// The absolute path in an environment variable; a relative one counts as unset.
 std::string folder_from_environment(const char* variable) {
   const char* const value = std::getenv(variable);
   return value != nullptr && value[0] == '/' ? value : "";
@@ -29,8 +29,8 @@ std::string data_home() {
   return home.empty() ? "" : home + "/.local/share";
 }
 
-// What a new process needs to start from a clean slate, whatever the host has set: no descriptors but the standard
-// ones, no blocked signals, and a session of its own, so that it doesn't end with the host.
+// Starts a process from a clean slate, whatever the host has set: no descriptors but the standard ones, no blocked
+// signals, and a session of its own, so that it doesn't end with the host.
 class detached_start {
  public:
   detached_start() {
@@ -74,8 +74,8 @@ filepath get_user_app_support_path() {
   return filepath(path);
 }
 
-// The shell leaves the browser's starter to the system and ends at once, so that no child of the host's remains. It
-// sees the address as a parameter, never as words of its own.
+// The shell starts the browser in the background and exits at once, so that the host keeps no child process. The
+// address is passed as a parameter, never as shell code.
 void open_url(const std::string& url) {
   if (url.empty()) return;
   const std::string address = "http://" + url;

@@ -1,4 +1,4 @@
-// MIT License. What Windows' shell has of folders, browsers and links.
+// MIT License. User folders, browsers and links on Windows.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -31,16 +31,15 @@ class com_pointer {
 };
 
 // No dialogue, any match, at most 500 milliseconds of searching.
-constexpr DWORD k_resolve_flags = 0x1F40000 | SLR_ANY_MATCH | SLR_NO_UI;
+constexpr DWORD resolve_flags = 0x1F40000 | SLR_ANY_MATCH | SLR_NO_UI;
 
-// Empty when there is no target. The shell gives it as 8-bit text.
+// Empty when the target is missing. The shell returns it as 8-bit text.
 std::string target_of_link(const filepath& location) {
   com_pointer<IShellLinkA> link;
   com_pointer<IPersistFile> stored;
   if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, link.address())) ||
       FAILED(link->QueryInterface(IID_IPersistFile, stored.address())) ||
-      FAILED(stored->Load(to_long_path(location.path()).c_str(), 0)) ||
-      FAILED(link->Resolve(nullptr, k_resolve_flags))) {
+      FAILED(stored->Load(to_long_path(location.path()).c_str(), 0)) || FAILED(link->Resolve(nullptr, resolve_flags))) {
     return {};
   }
   char target[MAX_PATH] = {};

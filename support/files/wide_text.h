@@ -1,4 +1,4 @@
-// MIT License. The texts that Windows' calls take: UTF-16. Windows only.
+// MIT License. Conversion to and from the UTF-16 of Windows calls. Windows only.
 #pragma once
 
 #include <string>

@@ -13,9 +13,9 @@
 
 namespace memory {
 
-// A view of bytes that it doesn't own: whoever makes it keeps them alive. Also serves on the stack, uncounted.
+// A view of bytes that it doesn't own: its creator keeps them alive. May also be used uncounted, on the stack.
 //
-// Counts are atomic; the bytes are not guarded, and are only read once a block is shared.
+// Counts are atomic; the bytes are not guarded and must only be read once a block is shared.
 class data : public pooled<data> {
  public:
   data() = default;
@@ -45,7 +45,7 @@ using data_reference = reference<data>;
 // A window on part of another block's bytes, which it keeps alive.
 class child_data_reference : public data, public pooled<child_data_reference> {
  public:
-  // `start` and the `size` bytes behind it lie within `parent`.
+  // The `size` bytes from `start` on are within `parent`.
   child_data_reference(data_reference parent, const uint8_t* start, uint64_t size)
       : data(start, size), parent_(std::move(parent)) {}
 
@@ -61,7 +61,7 @@ class child_data_reference : public data, public pooled<child_data_reference> {
 // Bytes that can be written.
 class mutable_data : public data {
  public:
-  // Gives the block room for `capacity` bytes, cutting it when it holds more.
+  // Sets the capacity in bytes, truncating a block that is larger.
   virtual void reserve(uint64_t capacity) = 0;
 };
 
@@ -87,7 +87,7 @@ class mutable_data_ex : public mutable_data, public pooled<mutable_data_ex<Alloc
     capacity_ = capacity;
   }
 
-  // Adds a copy of `count` bytes at the end. A block that must grow for it takes twice the room it then needs.
+  // Appends a copy of `count` bytes. A block that has to grow takes twice the room that it then needs.
   void append(const void* bytes, uint64_t count) {
     if (count == 0) return;
     const uint64_t wanted = this->size_ + count;
@@ -96,7 +96,7 @@ class mutable_data_ex : public mutable_data, public pooled<mutable_data_ex<Alloc
     this->size_ = wanted;
   }
 
-  // Moves the end of the block within its capacity, over whatever bytes stand there.
+  // Sets the size, up to the capacity. Bytes that this adds are not initialised.
   void resize(uint64_t size) { this->size_ = std::min(size, capacity_); }
 
   uint8_t* writable_bytes() { return this->bytes_; }
@@ -116,8 +116,7 @@ class mutable_data_ex : public mutable_data, public pooled<mutable_data_ex<Alloc
 
 using byte_block = mutable_data_ex<>;
 
-// Where the bytes of the block that owns those of `block` end: a window's reader may look beyond the window, never
-// beyond that.
+// The end of the block that owns the bytes of `block`: a reader may read past its window, but never past that.
 const uint8_t* end_of_owner(const data& block);
 
 }  // namespace memory

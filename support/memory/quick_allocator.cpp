@@ -10,19 +10,19 @@ namespace memory {
 
 namespace {
 
-constexpr size_t k_alignment = 16;
-static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= k_alignment);
+constexpr size_t alignment = 16;
+static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= alignment);
 
 constexpr size_t round_up(size_t size) {
-  return (size + k_alignment - 1) / k_alignment * k_alignment;
+  return (size + alignment - 1) / alignment * alignment;
 }
 
-// The standard pools, by size. Those up to 128 bytes serve what the audio thread may need, so their first blocks are
-// there from the start.
+// The standard pools, by size. The audio thread may need those up to 128 bytes, so their first blocks are allocated up
+// front.
 struct pool_plan {
   size_t element_size, block_elements, initial_blocks;
 };
-constexpr pool_plan k_standard_pools[] = {
+constexpr pool_plan standard_pools[] = {
     {16, 2048, 4},  //
     {32, 1024, 1},  //
     {64, 512, 32},  //
@@ -84,8 +84,8 @@ void* quick_allocator_impl::allocate() {
   return element;
 }
 
-// The lock keeps the head from being popped and pushed back between the reading of its link and the swap. Pushing needs
-// none, so the swap may still fail.
+// The lock keeps the head from being popped and pushed back between reading its link and the swap (the ABA problem).
+// Pushing takes no lock, so the swap may still fail.
 quick_allocator_impl::free_element* quick_allocator_impl::pop() {
   const std::lock_guard guard(lock_);
   free_element* head = free_list_.load(std::memory_order_acquire);
@@ -132,12 +132,12 @@ allocator_registry& allocator_registry::instance() {
 }
 
 allocator_registry::allocator_registry() {
-  for (const auto& plan : k_standard_pools) make_pool(plan.element_size, plan.block_elements, plan.initial_blocks);
+  for (const auto& plan : standard_pools) make_pool(plan.element_size, plan.block_elements, plan.initial_blocks);
 }
 
 quick_allocator_impl* allocator_registry::get_pool(size_t size, size_t block_elements, size_t initial_blocks) {
-  for (size_t index = 0; index < std::size(k_standard_pools); ++index) {
-    if (size > k_standard_pools[index].element_size) continue;
+  for (size_t index = 0; index < std::size(standard_pools); ++index) {
+    if (size > standard_pools[index].element_size) continue;
     const std::lock_guard guard(lock_);
     return pools_[index].get();
   }

@@ -1,4 +1,4 @@
-// MIT License. Pools of small objects, so that making one does not reach the general heap.
+// MIT License. Pools of small objects, which keep their allocation off the general heap.
 #pragma once
 
 #include <atomic>
@@ -12,13 +12,13 @@
 
 namespace memory {
 
-// One pool of elements of one size. It takes blocks of elements from the heap and keeps them to its end.
+// A pool of elements of one size. It takes blocks of elements from the heap and keeps them until it is destroyed.
 //
-// Any thread may allocate and release. With free elements at hand both are a few atomic operations: an allocation may
-// spin behind another one, a release never waits.
+// Any thread may allocate and release. While there are free elements both take a few atomic operations: an allocation
+// may spin while another is running, a release never waits.
 class quick_allocator_impl {
  public:
-  // Bytes in front of a block's first element; the first word links the blocks.
+  // Bytes before a block's first element; the first word links the blocks.
   static constexpr size_t header_size = 16;
   // Room for the link inside a free element.
   static constexpr size_t link_size = sizeof(void*);
@@ -32,9 +32,9 @@ class quick_allocator_impl {
   quick_allocator_impl(const quick_allocator_impl&) = delete;
   quick_allocator_impl& operator=(const quick_allocator_impl&) = delete;
 
-  // An element, aligned to 16 bytes. Throws std::bad_alloc when a new block cannot be had.
+  // An element, aligned to 16 bytes. Throws std::bad_alloc when a new block cannot be allocated.
   void* allocate();
-  // Takes back an element of this pool.
+  // Returns an element to this pool.
   void release(void* element);
 
   size_t element_size() const { return element_size_; }
@@ -72,8 +72,8 @@ class quick_allocator_impl {
   synchronization::ticket_lock lock_;
 };
 
-// All pools of the process. The process's own registry is never destroyed: a host may end its effects from static
-// destructors, when the pools of an ordinary singleton would be gone.
+// All pools of the process. The process's own registry is never destroyed: a host may close its effects from static
+// destructors, when an ordinary singleton's pools would be gone.
 class allocator_registry {
  public:
   static allocator_registry& instance();
@@ -82,7 +82,7 @@ class allocator_registry {
   allocator_registry(const allocator_registry&) = delete;
   allocator_registry& operator=(const allocator_registry&) = delete;
 
-  // The smallest standard pool that serves `size` bytes, whatever the other arguments; beyond 1024 bytes a new pool.
+  // The smallest standard pool that serves `size` bytes, ignoring the other arguments; beyond 1024 bytes a new pool.
   quick_allocator_impl* get_pool(size_t size, size_t block_elements, size_t initial_blocks);
   quick_allocator_impl* make_pool(size_t size, size_t block_elements, size_t initial_blocks);
 
@@ -104,8 +104,8 @@ inline void pool_release(quick_allocator_impl* pool, void* element) {
   pool->release(element);
 }
 
-// Memory for objects of one type from the pool of their size. Requests of any other size, as a derived class makes
-// them, go to the general heap.
+// Memory for objects of one type from the pool for their size. Requests of any other size, such as a derived class's,
+// go to the general heap.
 template <typename T>
 class quick_allocator {
  public:

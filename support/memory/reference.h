@@ -1,17 +1,17 @@
-// MIT License. Shared references to objects that count their holders themselves.
+// MIT License. References to objects that carry their own reference count.
 #pragma once
 
 #include <utility>
 
 namespace memory {
 
-// Holds one count of a T, which offers add_reference() and release_reference(); the latter deletes the object with its
-// last holder. Several threads may hold the same object; one reference belongs to one thread at a time.
+// Holds one count of a T, which has add_reference() and release_reference(); the last release deletes the object.
+// Several threads may hold the same object, but a single reference belongs to one thread at a time.
 template <typename T>
 class reference {
  public:
   reference() = default;
-  // Takes over a new object, or shares one that others hold.
+  // Takes ownership of a new object, or shares one that others hold.
   explicit reference(T* object) : object_(object) { hold(); }
   reference(const reference& other) : object_(other.object_) { hold(); }
   reference(reference&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}

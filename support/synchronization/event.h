@@ -1,4 +1,4 @@
-// MIT License. An event that one thread waits for and another one signals.
+// MIT License. An event that one thread waits for and another signals.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace synchronization {
 
-// Wakes one waiter for a signal and resets itself. A signal without a waiter is kept for the next one; further signals
-// until then add nothing. Throws event_runtime_error when the system has no more events, or refuses a signal.
+// An auto-reset event: a signal wakes one waiter. Without a waiter it is kept for the next one; further signals until
+// then have no effect. Throws event_runtime_error when the system can't create the event or refuses a signal.
 class event {
  public:
   event();

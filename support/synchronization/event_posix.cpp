@@ -1,4 +1,4 @@
-// MIT License. The event on Linux: a counter behind a file descriptor, which waiting reads and so resets.
+// MIT License. Events on Linux: an eventfd, whose counter a successful wait reads and so resets.
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -22,7 +22,8 @@ event::~event() {
 }
 
 void event::signal() {
-  if (eventfd_write(static_cast<int>(handle_), 1) == 0 || errno == EAGAIN) return;  // a full counter is signalled
+  if (eventfd_write(static_cast<int>(handle_), 1) == 0 || errno == EAGAIN)
+    return;  // a full counter is signalled already
   throw error::event_runtime_error("CEvent::signal() ", static_cast<uint32_t>(errno));
 }
 
@@ -35,8 +36,8 @@ bool event::wait(uint32_t milliseconds) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now()).count();
     if (left <= 0) return false;
     pollfd polled{static_cast<int>(handle_), POLLIN, 0};
-    poll(&polled, 1,
-         static_cast<int>(std::min<int64_t>(left, INT_MAX)));  // an interruption is looked at like a time-out
+    // An interruption is treated like a time-out.
+    poll(&polled, 1, static_cast<int>(std::min<int64_t>(left, INT_MAX)));
   }
 }
 

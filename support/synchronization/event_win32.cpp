@@ -1,4 +1,4 @@
-// MIT License. The event on Windows.
+// MIT License. Events on Windows.
 #include <windows.h>
 
 #include "support/synchronization/error.h"

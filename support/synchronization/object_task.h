@@ -5,7 +5,7 @@
 
 namespace synchronization {
 
-// Runs `method` on `object`, which must outlive the running.
+// Runs `method` on `object`, which must outlive the thread.
 template <typename T>
 class object_task : public thread {
  public:

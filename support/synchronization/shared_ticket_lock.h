@@ -1,4 +1,4 @@
-// MIT License. The read and write form of the ticket lock.
+// MIT License. A readers-writer ticket lock.
 #pragma once
 
 #include <atomic>
@@ -6,36 +6,36 @@
 
 namespace synchronization {
 
-// Readers share, a writer is alone, and all enter in the order of their tickets: a reader who asks behind a waiting
-// writer waits, too. Fewer than 256 threads may wait at once. Waiting spins.
+// Readers share, writers are exclusive, and all enter in ticket order: a reader that arrives after a waiting writer
+// waits too. Fewer than 256 threads may wait at once. Waiting spins.
 class shared_ticket_lock {
  public:
-  // The next reader may enter as soon as this one has.
+  // Lets the next reader enter too.
   void lock_shared() {
     const uint8_t ticket = draw_ticket();
-    wait_until_served(k_readers_byte, ticket);
-    count_up(k_readers_byte);
+    wait_until_served(readers_byte, ticket);
+    count_up(readers_byte);
   }
-  void unlock_shared() { count_up(k_writers_byte); }
+  void unlock_shared() { count_up(writers_byte); }
 
-  // A writer enters when everybody before has left.
+  // Enters when all earlier tickets have left.
   void lock() {
     const uint8_t ticket = draw_ticket();
-    wait_until_served(k_writers_byte, ticket);
+    wait_until_served(writers_byte, ticket);
   }
   void unlock() {
-    count_up(k_readers_byte);
-    count_up(k_writers_byte);
+    count_up(readers_byte);
+    count_up(writers_byte);
   }
 
  private:
-  // Places in the word, as shifts. Each byte holds the first ticket that may enter as a reader or as a writer.
-  static constexpr uint32_t k_writers_byte = 0;
-  static constexpr uint32_t k_readers_byte = 8;
-  static constexpr uint32_t k_tickets = 16;
+  // Positions in the word, as shifts. The first two bytes hold the ticket that may enter as a writer and as a reader.
+  static constexpr uint32_t writers_byte = 0;
+  static constexpr uint32_t readers_byte = 8;
+  static constexpr uint32_t tickets_byte = 16;
 
   uint8_t draw_ticket() {
-    return static_cast<uint8_t>(word_.fetch_add(1U << k_tickets, std::memory_order_relaxed) >> k_tickets);
+    return static_cast<uint8_t>(word_.fetch_add(1U << tickets_byte, std::memory_order_relaxed) >> tickets_byte);
   }
 
   void wait_until_served(uint32_t byte, uint8_t ticket) const {
@@ -43,7 +43,7 @@ class shared_ticket_lock {
     }
   }
 
-  // Other threads change the other bytes meanwhile. A byte that wraps carries nothing into its neighbour.
+  // Other threads change the other bytes meanwhile. A byte that wraps must not carry into its neighbour.
   void count_up(uint32_t byte) {
     uint32_t word = word_.load(std::memory_order_relaxed);
     uint32_t counted = 0;

@@ -1,4 +1,4 @@
-// MIT License. The operating system's handle of an object, in a form that no system header is needed for.
+// MIT License. The operating system's handle of an object, without its headers.
 #pragma once
 
 #include <cstdint>

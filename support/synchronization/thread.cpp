@@ -1,4 +1,4 @@
-// MIT License. The part of threads that is the same on all systems.
+// MIT License. The platform-independent part of threads.
 #include "support/synchronization/thread.h"
 
 namespace synchronization {

@@ -1,4 +1,4 @@
-// MIT License. Threads of one's own, which nothing starts by itself.
+// MIT License. Threads that are started explicitly.
 #pragma once
 
 #include <atomic>
@@ -8,9 +8,9 @@
 
 namespace synchronization {
 
-// A thread to be: a subclass says what it runs. Constructing one starts nothing, and counts one holder.
+// Base class of threads: a subclass implements run(). A new object isn't started and has a reference count of 1.
 //
-// The owner starts it at most once, and waits for its end before it lets the object go.
+// The owner starts it at most once and waits for its end before releasing it.
 class thread {
  public:
   virtual void run() = 0;
@@ -22,11 +22,11 @@ class thread {
   thread(const thread&) = delete;
   thread& operator=(const thread&) = delete;
 
-  // Throws err::runtime_error when the system has no more threads.
+  // Throws err::runtime_error when the system can't create the thread.
   void start();
-  // Waits without limit for the end of a started thread; returns at once when none was started.
+  // Waits without a time limit for the thread to end; returns at once when it wasn't started.
   void wait();
-  // Whether it was started and nobody has waited for its end yet.
+  // True from start() until wait() has returned.
   bool is_running() const { return running_; }
 
   void add_reference() { references_.fetch_add(1, std::memory_order_relaxed); }
@@ -38,12 +38,12 @@ class thread {
   thread() = default;
 
  private:
-  bool running_ = false;  // the owner's
+  bool running_ = false;  // used by the owner alone
   system_handle handle_ = 0;
   std::atomic<uint32_t> references_{1};
 };
 
-// What the system's thread does.
+// The body of the system's thread.
 void run_thread(thread* started);
 
 }  // namespace synchronization

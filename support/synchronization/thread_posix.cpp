@@ -8,10 +8,14 @@ namespace synchronization {
 
 static_assert(sizeof(pthread_t) <= sizeof(system_handle));
 
-static void* run_posix_thread(void* started) {
+namespace {
+
+void* run_posix_thread(void* started) {
   run_thread(static_cast<thread*>(started));
   return nullptr;
 }
+
+}  // namespace
 
 void thread::start() {
   pthread_t started{};

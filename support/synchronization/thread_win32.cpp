@@ -6,10 +6,14 @@
 
 namespace synchronization {
 
-static DWORD WINAPI run_windows_thread(void* started) {
+namespace {
+
+DWORD WINAPI run_windows_thread(void* started) {
   run_thread(static_cast<thread*>(started));
   return 0;
 }
+
+}  // namespace
 
 void thread::start() {
   HANDLE const started = CreateThread(nullptr, 0, run_windows_thread, this, 0, nullptr);

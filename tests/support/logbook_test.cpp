@@ -1,4 +1,4 @@
-// MIT License. Tests of the log: who gets which message, and what the file holds.
+// MIT License. Tests of the log: where messages go, and the content of the file.
 #include "support/logbook.h"
 
 #include <gmock/gmock.h>
@@ -7,14 +7,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <thread>
 
 #include "support/err/exception.h"
 #include "support/notification_center.h"
+#include "tests/words/files.h"
 #include "tests/words/heap.h"
+#include "tests/words/temporary_folder.h"
 
 namespace {
 
@@ -25,10 +26,10 @@ using halvern::logbook_impl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr uint32_t k_both = log_dest_file | log_dest_debugger;
-constexpr char k_header[] = "first line\r\n";
+constexpr uint32_t both = log_dest_file | log_dest_debugger;
+constexpr char header[] = "first line\r\n";
 
-// With # for each number.
+// The text with # for each number.
 std::string without_numbers(const std::string& text) {
   std::string shape;
   for (const char character : text) {
@@ -39,12 +40,7 @@ std::string without_numbers(const std::string& text) {
   return shape;
 }
 
-std::string read_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void say(const std::string& text, uint32_t level = 4, uint32_t destinations = k_both) {
+void say(const std::string& text, uint32_t level = 4, uint32_t destinations = both) {
   logbook_impl::instance().message(text.c_str(), level, destinations);
 }
 
@@ -52,39 +48,28 @@ std::string written() {
   return read_file(logbook_impl::instance().log_file().path());
 }
 
-// A folder of this process.
-class log_folder {
+class log_folder : public temporary_folder {
  public:
-  log_folder() : path_(std::filesystem::temp_directory_path() / ("kesrel log " + halvern::random_digits(12))) {
-    std::filesystem::create_directories(path_);
-  }
-  log_folder(const log_folder&) = delete;
-  log_folder& operator=(const log_folder&) = delete;
-  ~log_folder() { std::filesystem::remove_all(path_); }
-
-  files::filepath place() const { return files::filepath(path_.string()); }
+  files::filepath place() const { return files::filepath(path()); }
   size_t file_count() const {
-    return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
+    return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(path()), {}));
   }
-
- private:
-  std::filesystem::path path_;
 };
 
-// Goes with the tests, or is removed by whoever looks at it after them.
+// Removed after the tests, or by an exit routine that reads it later.
 log_folder* the_folder = nullptr;
 log_folder& folder() {
   if (the_folder == nullptr) the_folder = new log_folder;
   return *the_folder;
 }
-class folder_remover : public testing::Environment {
+class folder_removal : public testing::Environment {
  public:
   void TearDown() override {
     delete the_folder;
     the_folder = nullptr;
   }
 };
-const testing::Environment* const k_folder_remover = testing::AddGlobalTestEnvironment(new folder_remover);
+const testing::Environment* const folder_remover = testing::AddGlobalTestEnvironment(new folder_removal);
 
 std::string only_file_in_folder() {
   return std::filesystem::directory_iterator(folder().place().path())->path().string();
@@ -101,7 +86,7 @@ class Logbook : public testing::Test {
   }
 
   static void open_file() {
-    logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+    logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
     say("");
   }
 
@@ -116,7 +101,7 @@ void collect(const char* text) {
   Logbook::debugger += text;
 }
 
-// The whole life of the log, from its start to the end of the process: the death test runs it in a process of its own.
+// The log from its start to the end of the process; a death test runs this in a process of its own.
 void live_from_start_to_end() {
   std::string& debugger = Logbook::debugger;
   say("warned", 5);
@@ -126,29 +111,29 @@ void live_from_start_to_end() {
   EXPECT_FALSE(logbook_impl::instance().log_file().exists());
 
   debugger.clear();
-  logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+  logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
   say("traced", 8);
   say("warned", 5);
   EXPECT_EQ(folder().file_count(), 0U);
 
-  say("");  // makes the file and writes nothing
+  say("");  // creates the file and writes nothing
   EXPECT_EQ(folder().file_count(), 1U);
-  EXPECT_EQ(written(), k_header);
+  EXPECT_EQ(written(), header);
   EXPECT_EQ(without_numbers(logbook_impl::instance().log_file().name()), "Log #_#_# #_#_#_#.log");
 
   say("first");
   halvern::log_error("second");
   say("not for the file", 4, log_dest_debugger);
   EXPECT_EQ(without_numbers(written()),
-            std::string(k_header) + "#:#:#:# (error)\t\tfirst\r\n#:#:#:# (error)\t\tsecond\r\n");
+            std::string(header) + "#:#:#:# (error)\t\tfirst\r\n#:#:#:# (error)\t\tsecond\r\n");
   EXPECT_THAT(debugger, IsEmpty());
 
-  // A second owner repeats the steps; the file stays in use.
+  // A second owner does the same; the file remains in use.
   logbook_impl::instance().log_to(folder().place(), "other header", halvern::log_levels_with_a_file);
   say("third");
   EXPECT_EQ(folder().file_count(), 1U);
 
-  // What a failing write reports stays queued, as its thread holds the lock; the end of the process writes it.
+  // Messages about a failed write stay queued, as the writing thread holds the lock; they are written at exit.
   logbook_impl::instance().levels = halvern::log_levels_tracing;
   const std::string path = folder().place().path();
   std::filesystem::rename(path, path + " away");
@@ -157,7 +142,7 @@ void live_from_start_to_end() {
   EXPECT_THAT(written(), testing::Not(testing::HasSubstr("hdd_file::open")));
 }
 
-// Runs behind the log's own exit routine.
+// Runs after the log's own exit routine.
 void check_the_file_at_exit() {
   const std::string text = written();
   const bool drained = text.find("hdd_file::open") != std::string::npos && text.ends_with("~logbook\r\n");
@@ -166,7 +151,7 @@ void check_the_file_at_exit() {
   std::_Exit(drained && !testing::Test::HasFailure() ? 0 : 1);
 }
 
-TEST(LogbookDeathTest, GoesFromTheDebuggerToAFileAndIsDrainedAtExit) {
+TEST(LogbookDeathTest, SwitchesFromTheDebuggerToAFileAndIsDrainedAtExit) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");  // a new process, whose log hasn't begun
   EXPECT_EXIT(
       {
@@ -182,12 +167,12 @@ TEST(LogbookDeathTest, WritesItsLastLineWithoutTheHeap) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        logbook_impl::instance().log_to(folder().place(), k_header, halvern::log_levels_with_a_file);
+        logbook_impl::instance().log_to(folder().place(), header, halvern::log_levels_with_a_file);
         const int64_t before = allocation_count();
         logbook_impl::instance().crash_message("crash!");
         EXPECT_EQ(allocation_count(), before);
         EXPECT_EQ(without_numbers(read_file(only_file_in_folder())),
-                  std::string(k_header) + "#:#:#:# (critical)\tcrash!\r\n");
+                  std::string(header) + "#:#:#:# (critical)\tcrash!\r\n");
         std::filesystem::remove_all(folder().place().path());
         std::_Exit(testing::Test::HasFailure() ? 1 : 0);
       },
@@ -208,7 +193,7 @@ TEST_F(Logbook, LabelsItsLevels) {
   EXPECT_EQ(halvern::log_file_name({3, 7, 2016, 41, 5, 9, 0}, "4907").view(), "Log 3_7_2016 9_5_41_4907.log");
 }
 
-TEST_F(Logbook, NamesFilesByDigitsThatDiffer) {
+TEST_F(Logbook, UsesDifferentDigitsForEachFile) {
   const std::string digits = halvern::random_digits(16);
   EXPECT_EQ(digits.size(), 16U);
   EXPECT_EQ(digits.find_first_not_of("0123456789"), std::string::npos);
@@ -216,20 +201,19 @@ TEST_F(Logbook, NamesFilesByDigitsThatDiffer) {
   EXPECT_NE(halvern::random_digits(16), digits);
 }
 
-// The audio thread's own heap may be what has run out.
-TEST_F(Logbook, KeepsTheDebuggersLineWhenTheFileHasNoMemory) {
+TEST_F(Logbook, WritesToTheDebuggerWhenMemoryIsExhausted) {
   open_file();
   logbook_impl::instance().levels = halvern::log_levels_tracing;
   debugger.reserve(1000);
   {
     const failing_allocation heap(0);
-    logbook_impl::instance().message("a line too long for a small string", 4, k_both);
+    logbook_impl::instance().message("a line too long for a small string", 4, both);
   }
   EXPECT_EQ(debugger, "a line too long for a small string\n");
   EXPECT_THAT(written(), testing::Not(testing::HasSubstr("a line too long")));
 }
 
-TEST_F(Logbook, AddsWhatACaughtExceptionSays) {
+TEST_F(Logbook, AddsTheTextOfACaughtException) {
   logbook_impl::instance().levels = halvern::log_levels_at_start;
   for (const int kind : {0, 1, 2}) {
     try {
@@ -243,7 +227,7 @@ TEST_F(Logbook, AddsWhatACaughtExceptionSays) {
   EXPECT_EQ(debugger, "it failed\nours\nit failed\nthe library's\nit failed\n");
 }
 
-TEST_F(Logbook, ErrorsThatRunningShowsAreTracedAndOthersAreNot) {
+TEST_F(Logbook, TracesRuntimeErrorsButNotLogicErrors) {
   logbook_impl::instance().levels = 0x800;
   const err::runtime_error traced("a file is missing");
   const err::logic_error silent("a precondition is broken");
@@ -261,21 +245,21 @@ class notified : public halvern::observer {
   std::vector<std::string> texts;
 };
 
-TEST_F(Logbook, PostsWhatIsMeantForTheNotificationCenter) {
+TEST_F(Logbook, PostsToTheNotificationCenter) {
   notified listener;
   auto& center = halvern::notification_center::instance();
   center.subscribe(&listener, "halvern::logbook::message", nullptr);
   logbook_impl::instance().levels = 0x40000;
   say("heard", 4, log_dest_notification);
   say("too quiet", 5, log_dest_notification);
-  say("elsewhere", 4, k_both);
+  say("elsewhere", 4, both);
   center.unsubscribe(&listener);
   say("gone", 4, log_dest_notification);
   EXPECT_THAT(listener.texts, ElementsAre("heard 4"));
 }
 
-// Removing the folder stands for a full disk or a file that another program holds.
-TEST_F(Logbook, LosesMessagesThatCannotBeWrittenAndGoesOn) {
+// Renaming the folder simulates a full disk or a file that another program has locked.
+TEST_F(Logbook, DropsMessagesThatCannotBeWritten) {
   open_file();
   const std::string path = logbook_impl::instance().log_file().path();
   const auto away = folder().place().path() + " away";
@@ -288,20 +272,7 @@ TEST_F(Logbook, LosesMessagesThatCannotBeWrittenAndGoesOn) {
   EXPECT_THAT(written(), testing::Not(testing::HasSubstr("lost")));
 }
 
-// With tracing written to the file, a failing write reports itself through the log while it holds the log's lock.
-TEST_F(Logbook, DoesNotWaitForItself) {
-  open_file();
-  logbook_impl::instance().levels = 0x008;
-  const std::string path = folder().place().path();
-  std::filesystem::rename(path, path + " away");
-  say("lost");
-  std::filesystem::rename(path + " away", path);
-  say("kept");
-  EXPECT_THAT(written(), testing::ContainsRegex("debug.*hdd_file::open"));
-  EXPECT_THAT(written(), testing::HasSubstr("kept"));
-}
-
-TEST_F(Logbook, KeepsTheLinesOfManyThreadsWhole) {
+TEST_F(Logbook, DoesNotMixTheLinesOfThreads) {
   open_file();
   constexpr int lines_each = 50;
   std::vector<std::thread> threads;
@@ -314,19 +285,19 @@ TEST_F(Logbook, KeepsTheLinesOfManyThreadsWhole) {
   const std::string all = written();
   for (char name = 'a'; name < 'e'; ++name) {
     size_t at = 0;
-    for (int line = 0; line < lines_each; ++line) {  // each is there, whole
+    for (int line = 0; line < lines_each; ++line) {
       at = all.find("\t\t" + std::string(30, name) + std::to_string(line) + "\r\n");
       EXPECT_NE(at, std::string::npos) << name << line;
     }
   }
 }
 
-TEST(AtomicQueue, GivesWhatWasPushedOldestFirstAndOnlyOnce) {
+TEST(AtomicQueue, ReturnsValuesOldestFirstAndOnce) {
   Container::atomic_queue<std::string> queue;
   for (const char* const text : {"one", "two", "three"}) queue.push(text);
   const auto taken = queue.take_all();
   EXPECT_TRUE(queue.take_all().empty());
-  queue.push("left behind");  // goes with the queue
+  queue.push("unread");  // freed with the queue
   std::string seen;
   {
     const auto shared = taken;

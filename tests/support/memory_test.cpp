@@ -1,4 +1,4 @@
-// MIT License. Tests of shared bytes and of the pools they come from.
+// MIT License. Tests of shared byte blocks and of the pools for them.
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -27,7 +27,7 @@ memory::reference<byte_block> block_of(const std::string& text) {
   return block;
 }
 
-TEST(ByteBlock, TakesTwiceTheRoomItNeedsWhenItMustGrow) {
+TEST(ByteBlock, GrowsToTwiceTheRoomItNeeds) {
   byte_block block;
   block.append("abc", 3);
   EXPECT_EQ(block.capacity(), 6U);
@@ -38,7 +38,7 @@ TEST(ByteBlock, TakesTwiceTheRoomItNeedsWhenItMustGrow) {
   EXPECT_EQ(text_of(block), "abcdefg");
 }
 
-TEST(ByteBlock, IsCutByReservingLess) {
+TEST(ByteBlock, IsTruncatedByReservingLess) {
   byte_block block;
   block.append("abcdef", 6);
   block.reserve(4);
@@ -73,7 +73,7 @@ TEST(Pool, ServesEachSizeFromTheSmallestStandardPool) {
   EXPECT_NE(memory::get_pool(1025, 3, 1), large);
 }
 
-TEST(Pool, GrowsByOneBlockWhenTheLastElementIsGone) {
+TEST(Pool, GrowsByOneBlockWhenItIsExhausted) {
   quick_allocator_impl pool(20, 2, 0);
   EXPECT_EQ(pool.bytes_reserved(), 0U);
   std::vector<void*> elements{memory::pool_allocate(&pool), memory::pool_allocate(&pool)};
@@ -93,7 +93,7 @@ TEST(Pool, GrowsByOneBlockWhenTheLastElementIsGone) {
   EXPECT_EQ(pool.bytes_reserved(), 160U);
 }
 
-TEST(Pool, ReportsWhatIsStillInUseWhenItEnds) {
+TEST(Pool, ReportsElementsInUseAtItsDestruction) {
   capture_debugger();
   {
     quick_allocator_impl pool(64, 4, 1);
@@ -112,7 +112,7 @@ struct larger : pooled_base {
   int64_t more[4] = {};
 };
 
-TEST(Pool, ServesOneTypeAndLeavesLargerOnesToTheHeap) {
+TEST(Pool, ServesOneTypeAndLeavesDerivedOnesToTheHeap) {
   auto* const pool = memory::get_pool(sizeof(pooled_base), 0, 0);
   const size_t before = pool->bytes_in_use();
   const std::unique_ptr<pooled_base> small(new pooled_base);
@@ -128,8 +128,8 @@ static_assert(sizeof(memory::data) == 32 && sizeof(child_data_reference) == 40 &
               "views come from the pools of 32 and 64 bytes");
 #endif
 
-// Every element is one thread's alone between its allocation and its release. More threads than cores would mostly
-// wait for each other: a ticket that is up while its thread sleeps holds back all behind it.
+// An element belongs to one thread from its allocation to its release. Only two threads, as more than there are cores
+// would mostly wait for each other: a ticket lock whose next holder sleeps holds up all the others.
 TEST(PoolThreads, NeverShareAnElement) {
   quick_allocator_impl pool(32, 8, 1);
   std::atomic<bool> shared{false};

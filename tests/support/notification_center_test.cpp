@@ -1,4 +1,4 @@
-// MIT License. Tests of publishing and subscribing.
+// MIT License. Tests of the notification center.
 #include "support/notification_center.h"
 
 #include <gmock/gmock.h>
@@ -39,7 +39,7 @@ class Center : public testing::Test {
   int sender = 0, stranger = 0;
 };
 
-TEST_F(Center, CallsPairsThenNamesThenSendersThenTheRest) {
+TEST_F(Center, CallsObserversOfPairsThenNamesThenSendersThenEverything) {
   center.subscribe(&first, "", nullptr);
   center.subscribe(&first, "", &sender);
   center.subscribe(&first, "news", nullptr);
@@ -53,7 +53,7 @@ TEST_F(Center, CallsPairsThenNamesThenSendersThenTheRest) {
   EXPECT_THAT(calls, ElementsAre("first:news", "second:news", "first:news", "first:other", "first:other"));
 }
 
-TEST_F(Center, TakesBackOneRequestOrAll) {
+TEST_F(Center, RemovesOneSubscriptionOrAll) {
   center.subscribe(&first, "news", nullptr);
   center.subscribe(&first, "news", nullptr);
   center.subscribe(&first, "news", &sender);
@@ -73,7 +73,7 @@ TEST_F(Center, TakesBackOneRequestOrAll) {
   EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(Center, KeepsNotificationsInThePoolOf128Bytes) {
+TEST_F(Center, AllocatesNotificationsFromThePoolOf128Bytes) {
   auto* const pool = memory::get_pool(128, 0, 0);
   const size_t before = pool->bytes_in_use();
   {
@@ -85,7 +85,7 @@ TEST_F(Center, KeepsNotificationsInThePoolOf128Bytes) {
   EXPECT_EQ(pool->bytes_in_use(), before);
 }
 
-TEST(CenterThreads, PostWhileOthersSubscribe) {
+TEST(CenterThreads, MayPostWhileOthersSubscribe) {
   struct counting : halvern::observer {
     void notify(const notification_reference&) override { ++count; }
     std::atomic<int> count{0};

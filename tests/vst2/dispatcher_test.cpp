@@ -1,4 +1,4 @@
-// MIT License. Tests of the record's functions: defaults of all opcodes, and where their arguments go.
+// MIT License. Tests of the dispatcher: the default answers to all opcodes, and how arguments are forwarded.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST(PlainEffect, AnswersZeroToAllOpcodesButTheseEvenWithNullPointers) {
+TEST(PlainEffect, HasDefaultAnswersEvenWithNullPointers) {
   const std::map<VstInt32, VstIntPtr> answers = {
       {effIdentify, 0x4E764566},      {effCanBeAutomated, 1},          {effGetVstVersion, 2400},
       {effGetCurrentMidiProgram, -1}, {effSetTotalSampleToProcess, 1},
@@ -29,7 +29,7 @@ TEST(PlainEffect, AnswersZeroToAllOpcodesButTheseEvenWithNullPointers) {
   }
 }
 
-TEST(PlainEffect, HandsOutNullSpeakerArrangementsWhereItCan) {
+TEST(PlainEffect, ReturnsNullSpeakerArrangements) {
   PlainEffect effect;
   auto* input = pointer<VstSpeakerArrangement>(16);
   auto* output = pointer<VstSpeakerArrangement>(16);
@@ -38,11 +38,11 @@ TEST(PlainEffect, HandsOutNullSpeakerArrangementsWhereItCan) {
   EXPECT_TRUE(!input && !output);
 }
 
-TEST(PlainEffect, TakesProgramsBelowItsCountAtConstructionAndNegativeOnes) {
+TEST(PlainEffect, AcceptsProgramsBelowItsCountAtConstructionAndNegativeOnes) {
   PlainEffect effect;
   effect.getAeffect()->numPrograms = 100;
   effect.send(effSetProgram, 0, plain_programs - 1);
-  for (const VstIntPtr refused : {VstIntPtr{plain_programs}, VstIntPtr{1} << 32}) {  // cut to 32 bits that is 0
+  for (const VstIntPtr refused : {VstIntPtr{plain_programs}, VstIntPtr{1} << 32}) {  // truncated to 32 bits that is 0
     effect.send(effSetProgram, 0, refused);
     EXPECT_EQ(effect.getProgram(), plain_programs - 1);
   }
@@ -50,7 +50,7 @@ TEST(PlainEffect, TakesProgramsBelowItsCountAtConstructionAndNegativeOnes) {
   EXPECT_EQ(effect.getProgram(), -1);
 }
 
-// The answer of every operation: true, or a negative number that no bool becomes.
+// What every spied function returns: true, or a negative number that differs from any bool.
 struct spy_answer {
   template <typename Result>
   operator Result() const {  // NOLINT(google-explicit-constructor)
@@ -58,10 +58,10 @@ struct spy_answer {
   }
 };
 
-// The names and arguments of the operations that were called, separated by blanks.
+// Names and arguments of the functions called, separated by blanks.
 std::ostringstream trail;
 
-const void* readable(char* buffer) {  // nobody reads there
+const void* readable(char* buffer) {  // never dereferenced
   return buffer;
 }
 const auto& readable(const auto& argument) {
@@ -78,7 +78,7 @@ std::string take_trail() {
 }
 
 // clang-format off
-// Overrides an operation by one that notes its name and arguments.
+// Overrides a function by one that records its name and arguments.
 #define SPY(result, name, parameters, ...) \
   result name parameters override { return static_cast<result>(note(#name __VA_OPT__(,) __VA_ARGS__)); }
 
@@ -100,7 +100,7 @@ class SpyEditor : public AEffEditor {
 class SpyEffect : public PlainEffect {
  public:
   SpyEffect() {
-    take_trail();  // of the one before
+    take_trail();  // the previous effect's
     setEditor(new SpyEditor);
   }
   ~SpyEffect() override { note("gone"); }
@@ -167,7 +167,7 @@ class SpyEffect : public PlainEffect {
 };
 // clang-format on
 
-// What every opcode from 0 up leads to when it is sent with index 7, value 9, address 16 and opt 2.5. Hosts know these
+// The call and result of every opcode from 0 up, sent with index 7, value 9, pointer 16 and opt 2.5. Hosts know these
 // calls by their numbers alone.
 // clang-format off
 const std::pair<const char*, VstIntPtr> forwarded_opcodes[] = {
@@ -196,7 +196,7 @@ const std::pair<const char*, VstIntPtr> forwarded_opcodes[] = {
 };
 // clang-format on
 
-TEST(Dispatcher, HandsTheArgumentsOfEveryOpcodeToItsOperationAndItsAnswerBack) {
+TEST(Dispatcher, ForwardsTheArgumentsAndResultOfEveryOpcode) {
   VstInt32 opcode = 0;
   for (const auto& [call, result] : forwarded_opcodes) {
     auto* const effect = new SpyEffect;
@@ -206,7 +206,7 @@ TEST(Dispatcher, HandsTheArgumentsOfEveryOpcodeToItsOperationAndItsAnswerBack) {
   }
 }
 
-TEST(Dispatcher, TakesAnythingButZeroForYes) {
+TEST(Dispatcher, TreatsAnyNonzeroNumberAsTrue) {
   SpyEffect effect;
   for (const VstInt32 number : {0, 1, 7, -1}) {
     effect.send(effMainsChanged, 0, number);
@@ -217,7 +217,7 @@ TEST(Dispatcher, TakesAnythingButZeroForYes) {
   }
 }
 
-TEST(Dispatcher, MakesNoModifierOfAnOptThatNoByteHolds) {
+TEST(Dispatcher, IgnoresModifiersThatDoNotFitAByte) {
   SpyEffect effect;
   for (const float opt : {-1.0F, 256.0F, 1e30F, NAN}) {
     effect.send(effEditKeyDown, 65, VKEY_EQUALS, nullptr, opt);
@@ -225,7 +225,7 @@ TEST(Dispatcher, MakesNoModifierOfAnOptThatNoByteHolds) {
   }
 }
 
-TEST(Record, LeadsToTheOperationsOfTheSameName) {
+TEST(Record, CallsTheFunctionsOfTheSameName) {
   SpyEffect effect;
   AEffect* const record = effect.getAeffect();
   record->process(record, pointer<float*>(16), pointer<float*>(32), 1);

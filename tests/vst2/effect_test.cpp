@@ -1,4 +1,4 @@
-// MIT License. Tests of a fresh effect's record, its flags and editor, and its helpers.
+// MIT License. Tests of a new effect's record, flags, editor and helpers.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST(Record, DescribesAFreshEffect) {
+TEST(Record, DescribesANewEffect) {
   PlainEffect effect;
   const AEffect& record = *effect.getAeffect();
   EXPECT_EQ(record.magic, 0x56737450);
@@ -52,7 +52,7 @@ TEST(Record, SetsAndClearsOneFlagAtATime) {
   }
 }
 
-TEST(Editor, RaisesTheFlagOfItsEffectAndKnowsWhetherItsWindowIsOpen) {
+TEST(Editor, SetsTheFlagOfItsEffectAndKnowsWhetherItIsOpen) {
   PlainEffect effect;
   AEffEditor editor(&effect);
   effect.setEditor(&editor);
@@ -68,7 +68,7 @@ TEST(Editor, RaisesTheFlagOfItsEffectAndKnowsWhetherItsWindowIsOpen) {
   EXPECT_EQ(effect.getAeffect()->flags, effFlagsCanReplacing);
 }
 
-TEST(Numbers, BecomeTextsThatAreCutAtTheLimit) {
+TEST(Numbers, AreFormattedAndTruncated) {
   PlainEffect effect;
   effect.send(effSetSampleRate, 0, 0, nullptr, 88200.0F);
   char text[9] = {};
@@ -86,7 +86,7 @@ TEST(Numbers, BecomeTextsThatAreCutAtTheLimit) {
   EXPECT_EQ(written(&AudioEffect::int2string, std::numeric_limits<VstInt32>::min()), "-2147483");
 }
 
-TEST(Arrangements, AreMadeMatchedAndFreedWithoutReadingBehindTheHosts) {
+TEST(Arrangements, AreAllocatedMatchedAndFreedWithinTheHostsBounds) {
   PlainEffect effect;
   for (const VstInt32 channels : {0, 2, 8, 20}) {
     VstSpeakerArrangement* made = nullptr;

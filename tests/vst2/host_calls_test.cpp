@@ -18,7 +18,7 @@ struct host_call {
   bool operator==(const host_call&) const = default;
 };
 
-// The host callback has no room for an object, so what reached it and what it answers are of the program.
+// The host callback carries no user data, so its calls and its answer are global.
 std::vector<host_call> calls;
 VstIntPtr answer = 0;
 
@@ -27,12 +27,12 @@ VstIntPtr recording_host(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIn
   return answer;
 }
 
-constexpr VstIntPtr large = VstIntPtr{3} << 32;  // an int32 doesn't hold it
+constexpr VstIntPtr large = VstIntPtr{3} << 32;  // too large for an int32
 
 struct wrapper {
   const char* name;
   VstIntPtr (*call)(PlainEffect& effect);
-  host_call expected;  // with the number that hosts know, and without the effect
+  host_call expected;  // with literal opcodes, as hosts know them, and without the effect
   VstIntPtr host_answers;
   VstIntPtr result;
   VstIntPtr without_host = 0;
@@ -77,7 +77,7 @@ const wrapper wrappers[] = {
 };
 // clang-format on
 
-TEST(HostCalls, PassTheirArgumentsOnAndTheAnswerBackOrWhatIsStoredWithoutAHost) {
+TEST(HostCalls, ForwardArgumentsAndAnswersAndHaveDefaultsWithoutAHost) {
   for (const wrapper& w : wrappers) {
     calls.clear();
     answer = w.host_answers;
@@ -93,16 +93,7 @@ TEST(HostCalls, PassTheirArgumentsOnAndTheAnswerBackOrWhatIsStoredWithoutAHost) 
   }
 }
 
-TEST(HostCalls, KeepTheRateAndBlockSizeThatTheHostTold) {
-  answer = 8000;
-  PlainEffect effect(recording_host);
-  effect.updateSampleRate();
-  effect.updateBlockSize();
-  EXPECT_EQ(effect.getSampleRate(), 8000.0F);
-  EXPECT_EQ(effect.getBlockSize(), 8000);
-}
-
-TEST(HostCalls, AnnounceAParameterAfterItWasSet) {
+TEST(HostCalls, AutomateAParameterAfterSettingIt) {
   struct Setting : PlainEffect {
     Setting() : PlainEffect(recording_host) {}
     void setParameter(VstInt32 /*index*/, float /*value*/) override { calls.emplace_back(); }
@@ -113,7 +104,7 @@ TEST(HostCalls, AnnounceAParameterAfterItWasSet) {
   EXPECT_TRUE(calls[0] == host_call());
 }
 
-TEST(Resume, AsksForMidiOnBehalfOfSynthesizersAndThoseThatSaySo) {
+TEST(Resume, AsksForMidiForSynthesizersAndEffectsThatReceiveIt) {
   struct Knowing : PlainEffect {
     explicit Knowing(VstInt32 answered) : PlainEffect(recording_host), knows(answered) {}
     VstInt32 knows;

@@ -62,152 +62,53 @@ PLACE(VstSpeakerProperties, radius,    offsetof(vst_speaker_properties, _unknown
 PLACE(VstSpeakerProperties, reserved,  offsetof(vst_speaker_properties, _unknown_0C));
 PLACE(VstSpeakerProperties, name,      offsetof(vst_speaker_properties, name));
 PLACE(VstSpeakerProperties, type,      80);
-PLACE(VstSpeakerProperties, future,    84);
 
 static_assert(sizeof(VstSpeakerArrangement) == 904);
-PLACE(VstSpeakerArrangement, type,        0);
-PLACE(VstSpeakerArrangement, numChannels, 4);
 PLACE(VstSpeakerArrangement, speakers,    8);
 
 static_assert(sizeof(VstKeyCode) == 8);
-PLACE(VstKeyCode, character, 0);
 PLACE(VstKeyCode, virt,      4);
 PLACE(VstKeyCode, modifier,  5);
 
 static_assert(sizeof(VstEvent) == 32);
-PLACE(VstEvent, type,        0);
 PLACE(VstEvent, byteSize,    4);
-PLACE(VstEvent, deltaFrames, 8);
-PLACE(VstEvent, flags,       12);
 PLACE(VstEvent, data,        16);
 
 static_assert(sizeof(VstEvents) == 32);
-PLACE(VstEvents, numEvents, 0);
-PLACE(VstEvents, reserved,  8);
 PLACE(VstEvents, events,    16);
 
 static_assert(sizeof(VstMidiEvent) == 32);
 PLACE(VstMidiEvent, flags,           12);
-PLACE(VstMidiEvent, noteLength,      16);
-PLACE(VstMidiEvent, noteOffset,      20);
 PLACE(VstMidiEvent, midiData,        24);
 PLACE(VstMidiEvent, detune,          28);
 PLACE(VstMidiEvent, noteOffVelocity, 29);
-PLACE(VstMidiEvent, reserved1,       30);
-PLACE(VstMidiEvent, reserved2,       31);
 
 static_assert(sizeof(VstMidiSysexEvent) == 48);
-PLACE(VstMidiSysexEvent, flags,     12);
-PLACE(VstMidiSysexEvent, dumpBytes, 16);
 PLACE(VstMidiSysexEvent, resvd1,    24);
 PLACE(VstMidiSysexEvent, sysexDump, 32);
-PLACE(VstMidiSysexEvent, resvd2,    40);
 
 static_assert(sizeof(VstTimeInfo) == 88);
-PLACE(VstTimeInfo, samplePos,          0);
 PLACE(VstTimeInfo, tempo,              32);
-PLACE(VstTimeInfo, cycleEndPos,        56);
 PLACE(VstTimeInfo, timeSigNumerator,   64);
-PLACE(VstTimeInfo, samplesToNextClock, 80);
 PLACE(VstTimeInfo, flags,              84);
 
 static_assert(sizeof(VstPinProperties) == 128);
-PLACE(VstPinProperties, label,           0);
-PLACE(VstPinProperties, flags,           64);
 PLACE(VstPinProperties, arrangementType, 68);
 PLACE(VstPinProperties, shortLabel,      72);
-PLACE(VstPinProperties, future,          80);
 
 static_assert(sizeof(VstParameterProperties) == 152);
-PLACE(VstParameterProperties, label,                   12);
-PLACE(VstParameterProperties, flags,                   76);
 PLACE(VstParameterProperties, largeStepInteger,        92);
-PLACE(VstParameterProperties, shortLabel,              96);
 PLACE(VstParameterProperties, displayIndex,            104);
-PLACE(VstParameterProperties, category,                106);
-PLACE(VstParameterProperties, numParametersInCategory, 108);
-PLACE(VstParameterProperties, reserved,                110);
 PLACE(VstParameterProperties, categoryLabel,           112);
-PLACE(VstParameterProperties, future,                  136);
 
 static_assert(sizeof(VstPatchChunkInfo) == 64);
 PLACE(VstPatchChunkInfo, numElements, 12);
-PLACE(VstPatchChunkInfo, future,      16);
 #undef PLACE
 
-// Opcodes to which the header gives a meaning, and, behind them, those that are only counted there.
-#define SAME_OPCODE(ours, theirs) static_assert(int{ours} == static_cast<int>(VST_EFFECT_OPCODE_##theirs))
-SAME_OPCODE(effOpen,                     CREATE);
-SAME_OPCODE(effClose,                    DESTROY);
-SAME_OPCODE(effGetParamLabel,            PARAM_GETLABEL);
-SAME_OPCODE(effGetParamDisplay,          PARAM_GETVALUE);
-SAME_OPCODE(effGetParamName,             PARAM_GETNAME);
-SAME_OPCODE(effSetSampleRate,            SET_SAMPLE_RATE);
-SAME_OPCODE(effSetBlockSize,             SET_BLOCK_SIZE);
-SAME_OPCODE(effMainsChanged,             SUSPEND);
-SAME_OPCODE(effEditGetRect,              WINDOW_GETRECT);
-SAME_OPCODE(effEditOpen,                 WINDOW_CREATE);
-SAME_OPCODE(effEditClose,                WINDOW_DESTROY);
-SAME_OPCODE(effCanBeAutomated,           PARAM_ISAUTOMATABLE);
-SAME_OPCODE(effGetInputProperties,       INPUT_CHANNEL_NAME);
-SAME_OPCODE(effGetOutputProperties,      OUTPUT_CHANNEL_NAME);
-SAME_OPCODE(effGetPlugCategory,          EFFECT_CATEGORY);
-SAME_OPCODE(effSetSpeakerArrangement,    SET_SPEAKER_ARRANGEMENT);
-SAME_OPCODE(effSetBypass,                BYPASS);
-SAME_OPCODE(effGetEffectName,            EFFECT_NAME);
-SAME_OPCODE(effGetErrorText,             TRANSLATE_ERROR);
-SAME_OPCODE(effGetVendorString,          VENDOR_NAME);
-SAME_OPCODE(effGetProductString,         PRODUCT_NAME);
-SAME_OPCODE(effGetVendorVersion,         VENDOR_VERSION);
-SAME_OPCODE(effVendorSpecific,           CUSTOM);
-SAME_OPCODE(effCanDo,                    SUPPORTS);
-SAME_OPCODE(effGetTailSize,              TAIL_SAMPLES);
-SAME_OPCODE(effGetVstVersion,            VST_VERSION);
-SAME_OPCODE(effGetSpeakerArrangement,    GET_SPEAKER_ARRANGEMENT);
-SAME_OPCODE(effStartProcess,             PROCESS_BEGIN);
-SAME_OPCODE(effStopProcess,              PROCESS_END);
-
-SAME_OPCODE(effSetProgram,               02);
-SAME_OPCODE(effGetProgram,               03);
-SAME_OPCODE(effSetProgramName,           04);
-SAME_OPCODE(effGetProgramName,           05);
-SAME_OPCODE(effEditIdle,                 13);  // hexadecimal, as all here
-SAME_OPCODE(effIdentify,                 16);
-SAME_OPCODE(effGetChunk,                 17);
-SAME_OPCODE(effSetChunk,                 18);
-SAME_OPCODE(effProcessEvents,            19);
-SAME_OPCODE(effGetProgramNameIndexed,    1D);
-SAME_OPCODE(effEditKeyDown,              3B);
-SAME_OPCODE(effEditKeyUp,                3C);
-SAME_OPCODE(effSetEditKnobMode,          3D);
-SAME_OPCODE(effGetCurrentMidiProgram,    3F);
-SAME_OPCODE(effSetTotalSampleToProcess,  49);
-SAME_OPCODE(effGetNumMidiInputChannels,  4E);
-SAME_OPCODE(effGetNumMidiOutputChannels, 4F);
-SAME_OPCODE(effGetNumMidiOutputChannels + 1, MAX);
-#undef SAME_OPCODE
-static_assert(effGetParameterProperties == 56 && effKeysRequired == 57);
-
-#define SAME_HOST_OPCODE(ours, theirs) static_assert(int{ours} == static_cast<int>(VST_HOST_OPCODE_##theirs))
-SAME_HOST_OPCODE(audioMasterAutomate,         00);
-SAME_HOST_OPCODE(audioMasterVersion,          01);
-SAME_HOST_OPCODE(audioMasterGetVendorString,  20);
-SAME_HOST_OPCODE(audioMasterGetProductString, 21);
-SAME_HOST_OPCODE(audioMasterGetVendorVersion, 22);
-SAME_HOST_OPCODE(audioMasterVendorSpecific,   23);
-SAME_HOST_OPCODE(audioMasterBeginEdit,        2B);
-SAME_HOST_OPCODE(audioMasterEndEdit,          2C);
-#undef SAME_HOST_OPCODE
-
 #define SAME_VALUE(ours, theirs) static_assert(int{ours} == static_cast<int>(theirs))
-SAME_VALUE(kSpeakerArrUserDefined, VST_ARRANGEMENT_TYPE_CUSTOM);
 SAME_VALUE(kSpeakerArrEmpty,       VST_ARRANGEMENT_TYPE_UNKNOWN);
-SAME_VALUE(kSpeakerArrMono,        VST_ARRANGEMENT_TYPE_MONO);
-SAME_VALUE(kSpeakerArrStereo,      VST_ARRANGEMENT_TYPE_STEREO);
 SAME_VALUE(kSpeakerArr51,          VST_ARRANGEMENT_TYPE_5_1);
 SAME_VALUE(kSpeakerLfe,            VST_SPEAKER_TYPE_LFE);
-SAME_VALUE(kSpeakerRs,             VST_SPEAKER_TYPE_RIGHT_SIDE);
-SAME_VALUE(kPlugCategRestoration,  VST_CATEGORY_RESTORATION);
 SAME_VALUE(kPlugCategShell,        VST_CATEGORY_CONTAINER);
 SAME_VALUE(kPlugCategMaxCount,     VST_CATEGORY_MAX);
 SAME_VALUE(kVstMaxParamStrLen,     VST_BUFFER_8);

@@ -1,4 +1,4 @@
-// MIT License. An effect for tests that overrides nothing but what it must.
+// MIT License. A minimal effect for tests.
 #pragma once
 
 #include "vst2/audio_effect_x.h"
@@ -6,7 +6,7 @@
 constexpr VstInt32 plain_programs = 24;
 constexpr VstInt32 plain_params = 3;
 
-// An address for arguments that only travel: nobody reads there.
+// A pointer for arguments that are only passed on, never dereferenced.
 template <typename Target = char>
 Target* pointer(VstIntPtr address) {
   return reinterpret_cast<Target*>(address);  // NOLINT(performance-no-int-to-ptr)

@@ -7,11 +7,11 @@
 
 namespace {
 
-// Four characters make a number big-endian, whatever the sign of char.
+// The first character is in the highest byte, whatever the signedness of char.
 static_assert(CCONST('N', 'v', 'E', 'f') == 0x4E764566);
 static_assert(CCONST('\x80', '\xff', '\0', '\x81') == static_cast<VstInt32>(0x80ff0081U));
 
-TEST(Texts, AreCopiedAndAppendedUpToTheLimitAndWithOneByteMore) {
+TEST(Texts, AreCopiedAndAppendedUpToTheLimitAndTerminated) {
   char text[] = "#######";
   EXPECT_EQ(vst_strncpy(text, "ChorusOn", 4), text);
   EXPECT_EQ(std::string(text, 7), std::string("Chor\0##", 7));

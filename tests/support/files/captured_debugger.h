@@ -1,10 +1,10 @@
-// MIT License. What a test sends to the debugger's output.
+// MIT License. Capture of the debugger's output.
 #pragma once
 
 #include <string>
 
-// Collects it from here on, on all threads; once at a time.
+// Starts capturing, on all threads. Captures don't nest.
 void capture_debugger();
 
-// What has been sent since, and the end of the capture.
+// Ends the capture and returns its text.
 std::string captured_debugger_text();

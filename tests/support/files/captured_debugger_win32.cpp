@@ -1,4 +1,4 @@
-// MIT License. On Windows debugging text travels as an exception, which a handler sees first.
+// MIT License. Windows sends debugging text as an exception, which a vectored handler sees first.
 #include "tests/support/files/captured_debugger.h"
 
 #include <windows.h>

@@ -1,12 +1,11 @@
-// MIT License. Tests of the errors' texts, and of what of them reaches the log.
+// MIT License. Tests of the errors of files.
 #include "support/files/error.h"
 
-#include "support/logbook.h"
 #include "tests/support/files/test_folder.h"
 
 namespace {
 
-TEST(FileErrors, ShowPathNameAndNumberWhereThereAreAny) {
+TEST(FileErrors, ShowPathNameAndNumberUnlessEmpty) {
   EXPECT_STREQ(files::error::file("message", "", "").what(), "message");
   EXPECT_STREQ(files::error::file("message", "", "n").what(), "message\nfile/folder name: \"n\"");
   EXPECT_STREQ(files::error::cannot_open_file("message", "/p/n", "n").what(),
@@ -15,7 +14,7 @@ TEST(FileErrors, ShowPathNameAndNumberWhereThereAreAny) {
   EXPECT_STREQ(files::error::duplicate_name("message", "/p", "", 5).what(), "message\nfull path: \"/p\"\nerror id: 5");
 }
 
-TEST(FileErrors, KeepTheirPartsThroughTheFamily) {
+TEST(FileErrors, KeepPathNameAndNumberInSubclasses) {
   try {
     throw files::error::folder_not_found("message", "/p/n", "n", -3);
   } catch (const err::exception& caught) {
@@ -24,20 +23,6 @@ TEST(FileErrors, KeepTheirPartsThroughTheFamily) {
     EXPECT_EQ(error.name(), "n");
     EXPECT_EQ(error.error_id(), -3);
   }
-}
-
-std::string logged;
-
-TEST(FileErrors, AreLoggedWithAllTheirLinesUnlikeBrokenPreconditions) {
-  logged.clear();
-  auto& logbook = halvern::logbook_impl::instance();
-  const auto before = logbook.redirect_debugger([](const char* text) { logged += text; });
-  logbook.levels = halvern::log_level_debug << 8;
-  files::error::file_path("message", "/p", "n", 7);
-  err::logic_error("not this");
-  logbook.levels = halvern::log_levels_at_start;
-  logbook.redirect_debugger(before);
-  EXPECT_EQ(logged, "message\nfull path: \"/p\"\nfile/folder name: \"n\"\nerror id: 7\n");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// MIT License. Tests of paths, their names and what is known of them.
+// MIT License. Tests of paths, their names and attributes.
 #include "support/files/filepath.h"
 
 #include "support/files/error.h"
@@ -12,7 +12,7 @@ using files::filepath;
 
 const std::string separator(1, files::system::separator);
 
-TEST(Filepath, TakesItsNameBehindTheLastSeparator) {
+TEST(Filepath, HasTheLastComponentAsItsName) {
   const test_folder folder;
   folder.with_folder("a/b");
   EXPECT_EQ(filepath(folder.path("a/b")).name(), "b");
@@ -31,7 +31,7 @@ TEST(Filepath, KnowsFoldersAndHiddenNames) {
   EXPECT_EQ(filepath().flags(), 0U);
 }
 
-TEST(Filepath, RefusesWhatDoesNotExistOrHasNoName) {
+TEST(Filepath, MustExistAndHaveAName) {
   const test_folder folder;
   const std::string missing = folder.path("missing");
   EXPECT_EQ(thrown<files::error::file_not_found>([&] { filepath{missing}; }),
@@ -42,7 +42,7 @@ TEST(Filepath, RefusesWhatDoesNotExistOrHasNoName) {
             "its not allowed to have an empty filename!" + path_line(separator));
 }
 
-TEST(Filepath, WalksARelativeNameAtItsSlashes) {
+TEST(Filepath, FollowsARelativePath) {
   const test_folder folder;
   folder.with_folder("a/b");
   folder.with_file("a/b/c");
@@ -55,7 +55,7 @@ TEST(Filepath, WalksARelativeNameAtItsSlashes) {
   EXPECT_THROW(filepath(folder.place(), "a/missing/c"), files::error::file_not_found);
 }
 
-TEST(Filepath, NeedsAParentThatExists) {
+TEST(Filepath, NeedsAnExistingParent) {
   EXPECT_EQ(thrown<files::error::folder_not_found>([] { filepath(filepath(), ""); }),
             "filepath::filepath() the parent filepath doesn't exist!");
   EXPECT_EQ(thrown<files::error::folder_not_found>([] { filepath(filepath(), "a"); }),
@@ -72,7 +72,7 @@ TEST(Filepath, IsAnAliasByItsNameAlone) {
   }
 }
 
-TEST(Filepath, CannotPassAnAliasThatPointsNowhere) {
+TEST(Filepath, CannotFollowADeadAlias) {
   const test_folder folder;
   const filepath alias = folder.with_file("dead.lnk", "no link");
   const std::string text =

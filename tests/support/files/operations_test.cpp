@@ -1,4 +1,4 @@
-// MIT License. Tests of making and finding files and folders.
+// MIT License. Tests of creating and finding files and folders.
 #include "support/files/operations.h"
 
 #include "support/files/error.h"
@@ -10,17 +10,17 @@ namespace {
 
 using files::filepath;
 
-TEST(Files, MakesAFileOnlyOnce) {
+TEST(CreateFile, RefusesAnExistingFile) {
   const test_folder folder;
   const filepath made = create_file(folder.place(), "new");
   EXPECT_EQ(made.path(), folder.path("new"));
   EXPECT_EQ(made.flags(), filepath::exists_flag);
-  // The full path stands in for the name.
+  // The full path takes the place of the name.
   EXPECT_EQ(thrown<files::error::file_path>([&] { create_file(folder.place(), "new"); }),
             "cannot create file! the file might be opened by another application!" + name_line(made.path()));
 }
 
-TEST(Files, TellsWhyAFileCannotBeMade) {
+TEST(CreateFile, ReportsTheReasonOfAFailure) {
   const test_folder folder;
   folder.with_folder("taken");
   EXPECT_EQ(thrown<files::error::duplicate_name>([&] { create_file(folder.place(), "taken"); }),
@@ -30,7 +30,7 @@ TEST(Files, TellsWhyAFileCannotBeMade) {
                 name_line(folder.place().path() + files::system::separator + "missing/new"));
 }
 
-TEST(Files, MakesAFolderWhereNothingOrAnythingLies) {
+TEST(CreateFolder, LeavesAnExistingFileOrFolderAlone) {
   const test_folder folder;
   const filepath made = create_folder(folder.place(), "new");
   EXPECT_EQ(made.path(), folder.path("new"));
@@ -40,7 +40,7 @@ TEST(Files, MakesAFolderWhereNothingOrAnythingLies) {
   EXPECT_FALSE(create_folder(folder.place(), "file").is_folder());
 }
 
-TEST(Files, DoesNotMakeTheFoldersAbove) {
+TEST(CreateFolder, DoesNotCreateItsParents) {
   const test_folder folder;
   const filepath parent = folder.with_folder("parent");
   std::filesystem::remove(folder.path("parent"));
@@ -49,7 +49,7 @@ TEST(Files, DoesNotMakeTheFoldersAbove) {
                 path_line(folder.path("parent/new")) + name_line("new"));
 }
 
-TEST(Files, TellsWhyAFolderCannotBeMade) {
+TEST(CreateFolder, ReportsTheReasonOfAFailure) {
   const test_folder folder;
   const std::string name(300, 'x');
   EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(folder.place(), name); }),
@@ -57,7 +57,7 @@ TEST(Files, TellsWhyAFolderCannotBeMade) {
                 path_line(folder.path(name)) + name_line(name));
 }
 
-TEST(Files, GetsOrMakesAFolderButNoFile) {
+TEST(GetOrCreateFolder, RefusesAFile) {
   const test_folder folder;
   EXPECT_TRUE(get_or_create_folder(folder.place(), "new").is_folder());
   EXPECT_TRUE(get_or_create_folder(folder.place(), "new").is_folder());
@@ -66,7 +66,7 @@ TEST(Files, GetsOrMakesAFolderButNoFile) {
             "expected a folder but the found path refers to a file!" + path_line(file.path()) + name_line("file"));
 }
 
-TEST(Files, MakesAPathOfFoldersBetweenEitherSlash) {
+TEST(CreateFolderPath, AcceptsBothSlashes) {
   const test_folder folder;
   folder.with_folder("a");
   EXPECT_EQ(create_folder_path(folder.place(), "a/b\\\\c/").path(), folder.path("a/b/c"));
@@ -74,7 +74,7 @@ TEST(Files, MakesAPathOfFoldersBetweenEitherSlash) {
   EXPECT_EQ(create_folder_path(folder.place(), "").path(), folder.place().path());
 }
 
-TEST(Files, GivesAnEmptyPathWhenItsFoldersCannotBeMade) {
+TEST(CreateFolderPath, ReturnsAnEmptyPathOnFailure) {
   const test_folder folder;
   folder.with_file("file");
   capture_debugger();
@@ -85,7 +85,7 @@ TEST(Files, GivesAnEmptyPathWhenItsFoldersCannotBeMade) {
   EXPECT_EQ(made.flags(), 0U);
 }
 
-TEST(Files, FindsChildrenOfFoldersThatExist) {
+TEST(ChildExists, FindsChildrenOfExistingFolders) {
   const test_folder folder;
   folder.with_file("file");
   EXPECT_TRUE(child_exists(folder.place(), "file"));
@@ -94,17 +94,13 @@ TEST(Files, FindsChildrenOfFoldersThatExist) {
   EXPECT_FALSE(child_exists(filepath(), "file"));
 }
 
-TEST(Files, AppendsAndLetsGo) {
+TEST(AppendToFile, AppendsAndClosesTheFile) {
   const test_folder folder;
   const filepath log = folder.with_file("log", "one");
   append_to_file(log, memory::data("two", 3));
   append_to_file(log, memory::data());
   append_to_file(log, memory::data("3", 1));
   EXPECT_EQ(folder.content("log"), "onetwo3");
-}
-
-TEST(Files, OpensNoEmptyAddress) {
-  files::open_url("");
 }
 
 }  // namespace

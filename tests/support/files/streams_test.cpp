@@ -19,8 +19,8 @@ using files::hdd_file;
 using files::resource_file;
 using files::seek_origin;
 
-constexpr int64_t k_lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t k_highest = std::numeric_limits<int64_t>::max();
+constexpr int64_t lowest_position = std::numeric_limits<int64_t>::min();
+constexpr int64_t highest_position = std::numeric_limits<int64_t>::max();
 
 std::string read(files::file& stream, uint32_t count) {
   std::string text(count, '?');
@@ -36,7 +36,7 @@ void write(files::file& stream, const std::string& text) {
   EXPECT_EQ(done, text.size());
 }
 
-TEST(HddFile, ReadsFromWhereItIs) {
+TEST(HddFile, ReadsFromItsPosition) {
   const test_folder folder;
   hdd_file file(folder.with_file("digits", "0123456789"), file_mode::reading);
   EXPECT_EQ(file.size(), 10U);
@@ -51,7 +51,7 @@ TEST(HddFile, ReadsFromWhereItIs) {
   EXPECT_EQ(read(file, 1), "1");
 }
 
-TEST(HddFile, CutsWhatItWritesUnlessToldToKeepIt) {
+TEST(HddFile, CreatesTruncatesOrKeepsTheFileItWrites) {
   const test_folder folder;
   const filepath place = folder.with_file("file", "long before");
   {
@@ -67,11 +67,6 @@ TEST(HddFile, CutsWhatItWritesUnlessToldToKeepIt) {
     write(file, "N");
   }
   EXPECT_EQ(folder.content("file"), "NEw");
-}
-
-TEST(HddFile, MakesTheFileThatItWrites) {
-  const test_folder folder;
-  const filepath place = folder.with_file("file");
   std::filesystem::remove(folder.path("file"));
   { hdd_file file(place, file_mode::writing); }
   EXPECT_TRUE(std::filesystem::exists(folder.path("file")));
@@ -88,10 +83,10 @@ TEST(HddFile, ClonesFromTheStart) {
   EXPECT_FALSE(clone->reserved_operation());
 }
 
-TEST(HddFile, SeeksBehindItsEndButNotBeforeItsStart) {
+TEST(HddFile, SeeksPastItsEndButNotBeforeItsStart) {
   const test_folder folder;
   hdd_file file(folder.with_file("file", "abc"), file_mode::reading);
-  file.seek(0x180000000, seek_origin::start);  // the lower half of its bits alone would be negative
+  file.seek(0x180000000, seek_origin::start);  // the lower 32 bits alone would be negative
   EXPECT_EQ(file.position(), 0x180000000);
   EXPECT_EQ(read(file, 1), "");
   file.seek(1, seek_origin::start);
@@ -101,7 +96,7 @@ TEST(HddFile, SeeksBehindItsEndButNotBeforeItsStart) {
   EXPECT_EQ(read(file, 3), "bc");
 }
 
-TEST(HddFile, TellsWhyItCannotOpen) {
+TEST(HddFile, ReportsWhyItCannotBeOpened) {
   const test_folder folder;
   EXPECT_EQ(thrown<err::runtime_error>([] { hdd_file(filepath(), file_mode::reading); }),
             "hdd_file::open() cannot open file. the FileName or Path is invalid!");
@@ -113,7 +108,7 @@ TEST(HddFile, TellsWhyItCannotOpen) {
             "hdd_file::open() cannot open the file! it may be opened by another application?" + lines);
 }
 
-// "0123456789", of type "RAWDATA".
+// The resource "0123456789" of type "RAWDATA".
 class ResourceFile : public testing::Test {
  protected:
   ResourceFile() { make_test_resources_known(); }
@@ -131,7 +126,7 @@ TEST_F(ResourceFile, IsFoundByTypeAndName) {
   EXPECT_EQ(thrown<err::runtime_error>([] { resource_file("RAWDATA", ""); }), text);
 }
 
-TEST_F(ResourceFile, ThrowsOnlyOnTheReadBehindTheLast) {
+TEST_F(ResourceFile, ThrowsOnlyWhenNothingIsLeft) {
   resource_file file = digits();
   EXPECT_EQ(read(file, 8), "01234567");
   EXPECT_EQ(read(file, 8), "89");
@@ -146,7 +141,7 @@ TEST_F(ResourceFile, CannotSeekToItsEnd) {
   for (const auto& place : {std::pair{int64_t{10}, seek_origin::start},
                             {0, seek_origin::end},
                             {6, seek_origin::position},
-                            {k_highest, seek_origin::position}}) {
+                            {highest_position, seek_origin::position}}) {
     EXPECT_EQ(thrown<err::logic_error>([&] { file.seek(place.first, place.second); }),
               "resource_file::seek() Overflow Error!");
   }
@@ -159,10 +154,10 @@ TEST_F(ResourceFile, HasZerosBeforeItsStart) {
   EXPECT_EQ(read(file, 4), std::string("\0\0"
                                        "01",
                                        4));
-  file.seek(k_lowest, seek_origin::start);
+  file.seek(lowest_position, seek_origin::start);
   EXPECT_EQ(read(file, 2), std::string(2, '\0'));
-  file.seek(k_lowest, seek_origin::position);
-  EXPECT_EQ(file.position(), k_lowest);
+  file.seek(lowest_position, seek_origin::position);
+  EXPECT_EQ(file.position(), lowest_position);
 }
 
 TEST_F(ResourceFile, ClonesFromTheStartAndIsReadOnly) {

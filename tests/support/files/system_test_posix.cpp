@@ -1,4 +1,4 @@
-// MIT License. Tests of what is POSIX's own: the data folder, the browser, full devices.
+// MIT License. Tests of the POSIX calls: the data folder, the browser, full devices, the clock.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,7 +22,7 @@
 
 namespace {
 
-// Sets an environment variable, or takes it away, for the length of a test.
+// Sets or unsets an environment variable for the length of a test.
 class environment_variable {
  public:
   environment_variable(const char* name, const char* value) : name_(name) {
@@ -46,7 +46,7 @@ std::string support_path(const char* data_home, const char* home) {
   return files::get_user_app_support_path().path();
 }
 
-TEST(UserFolder, IsTheDataHomeElseTheUsualPlaceBelowHome) {
+TEST(UserFolder, IsTheDataHomeOrTheUsualFolderInHome) {
   const test_folder folder;
   const std::string home = folder.path("home");
   const std::string usual = home + "/.local/share";
@@ -57,7 +57,7 @@ TEST(UserFolder, IsTheDataHomeElseTheUsualPlaceBelowHome) {
   EXPECT_EQ(support_path("relative", home.c_str()), usual);
 }
 
-TEST(UserFolder, MayBeNowhere) {
+TEST(UserFolder, MayBeMissing) {
   const test_folder folder;
   const std::string text = "get_user_app_support_path() cannot get the application data path!";
   EXPECT_EQ(thrown<err::runtime_error>([] { support_path(nullptr, nullptr); }), text);
@@ -66,8 +66,8 @@ TEST(UserFolder, MayBeNowhere) {
   EXPECT_EQ(thrown<err::runtime_error>([&] { support_path(below_a_file.c_str(), nullptr); }), text);
 }
 
-// A browser of our own notes what it is asked for.
-TEST(Browser, GetsTheAddressAndLeavesNoChildBehind) {
+// A fake browser records its arguments.
+TEST(Browser, GetsTheAddressAndLeavesNoChildProcess) {
   const test_folder folder;
   const std::string browser = folder.with_file("xdg-open", "#!/bin/sh\nprintf '%s|' \"$@\" >\"$0.said\"\n").path();
   std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
@@ -82,12 +82,7 @@ TEST(Browser, GetsTheAddressAndLeavesNoChildBehind) {
   EXPECT_EQ(folder.content("xdg-open.said"), wanted);
 }
 
-TEST(Browser, MayBeMissing) {
-  const environment_variable path("PATH", "/nowhere");
-  files::open_url("host");
-}
-
-TEST(FullDisk, IsToldFromOtherFailures) {
+TEST(FullDisk, HasAnErrorOfItsOwn) {
   const files::filepath full("/dev/full");
   uint32_t done = 1;
   files::hdd_file file(full, files::file_mode::writing, files::existing_content::keep);
@@ -97,7 +92,7 @@ TEST(FullDisk, IsToldFromOtherFailures) {
   EXPECT_EQ(file.position(), 0);
 }
 
-TEST(FailedCalls, AreToldByWritesAndNotByReads) {
+TEST(FailedCalls, AreReportedByWritesButNotByReads) {
   const test_folder folder;
   const files::filepath place = folder.with_file("file", "abc");
   uint32_t done = 1;
@@ -111,7 +106,7 @@ TEST(FailedCalls, AreToldByWritesAndNotByReads) {
   EXPECT_EQ(done, 0U);
 }
 
-TEST(FailedCalls, ThatCutAFileAreOnlyReported) {
+TEST(FailedCalls, ToTruncateAFileAreOnlyLogged) {
   static std::string reported;
   reported.clear();
   auto& logbook = halvern::logbook_impl::instance();
@@ -121,7 +116,7 @@ TEST(FailedCalls, ThatCutAFileAreOnlyReported) {
   EXPECT_EQ(reported, "SetEndOfFile failed for: /dev/null\n");
 }
 
-TEST(Places, AreTheUsersOwn) {
+TEST(CreatedFiles, AreAccessibleToTheUserAlone) {
   const test_folder folder;
   const auto rights = [&](const char* name) {
     return std::filesystem::status(folder.path(name)).permissions() & std::filesystem::perms::mask;
@@ -131,7 +126,7 @@ TEST(Places, AreTheUsersOwn) {
   EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST(Descriptors, AreAllGivenBack) {
+TEST(Descriptors, AreAllClosed) {
   const test_folder folder;
   const auto open_descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
   const auto before = open_descriptors();
@@ -147,8 +142,8 @@ TEST(Descriptors, AreAllGivenBack) {
   EXPECT_EQ(open_descriptors(), before);
 }
 
-// A zone with an odd offset tells local time from UTC and hours from minutes.
-TEST(LocalClock, IsTheZonesOwn) {
+// An odd offset distinguishes local time from UTC and hours from minutes.
+TEST(LocalClock, FollowsTheTimeZone) {
   const environment_variable zone("TZ", "KSR-5:45");
   tzset();
   const time_t before = time(nullptr);
@@ -170,11 +165,11 @@ TEST(LocalClock, IsTheZonesOwn) {
   std::set<uint32_t> milliseconds;
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
   while (std::chrono::steady_clock::now() < end) milliseconds.insert(halvern::crash_log_time().millisecond);
-  EXPECT_GE(milliseconds.size(), 5U) << "it moves by milliseconds";
+  EXPECT_GE(milliseconds.size(), 5U) << "it advances by milliseconds";
   EXPECT_LT(*milliseconds.rbegin(), 1000U);
 }
 
-TEST(CreateFolder, FailsThroughAFileAsThroughNothing) {
+TEST(CreateFolder, TreatsAFileAsAMissingParent) {
   const test_folder folder;
   EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(folder.with_file("file"), "new"); }),
             "cannot create folder! One or more intermediate directories do not exist!" +

@@ -1,4 +1,4 @@
-// MIT License. Tests of what is Windows' own: wide texts, long paths, shell links, attributes.
+// MIT License. Tests of the Windows calls: wide texts, long paths, shell links, attributes.
 #include <windows.h>
 
 #include <shlobj.h>
@@ -16,7 +16,7 @@ namespace {
 using files::filepath;
 using files::to_long_path;
 
-TEST(WideText, GoesBothWays) {
+TEST(WideText, ConvertsBothWays) {
   const std::string narrow = "K\xC3\xA4se \xF0\x9F\x8E\xB5";
   EXPECT_EQ(files::utf8_to_wide(narrow), L"K\u00E4se \U0001F3B5");
   EXPECT_EQ(files::wide_to_utf8(L"K\u00E4se \U0001F3B5"), narrow);
@@ -24,12 +24,12 @@ TEST(WideText, GoesBothWays) {
   EXPECT_EQ(files::wide_to_utf8(L""), "");
 }
 
-TEST(LongPath, BeginsWithThePrefixFrom260CharactersOn) {
+TEST(LongPath, HasThePrefixFrom260CharactersOn) {
   EXPECT_EQ(to_long_path("C:/a\\b"), L"C:\\a\\b");
   const std::string short_one = "C:\\" + std::string(256, 'a');
   EXPECT_EQ(to_long_path(short_one), files::utf8_to_wide(short_one));
   EXPECT_EQ(to_long_path(short_one + "b"), L"\\\\?\\" + files::utf8_to_wide(short_one + "b"));
-  // Letters count, not their bytes.
+  // Characters count, not bytes.
   EXPECT_EQ(to_long_path("C:\\\xC3\xA4" + std::string(255, 'a')).size(), 259U);
 }
 
@@ -39,7 +39,7 @@ TEST(LongPath, KeepsTheServerOfAShare) {
   EXPECT_EQ(to_long_path("//server/share"), L"\\\\server\\share");
 }
 
-TEST(LongPath, ReachesTheSystem) {
+TEST(LongPath, WorksInSystemCalls) {
   const test_folder folder;
   filepath deep = folder.place();
   while (deep.path().size() < 300) deep = create_folder(deep, std::string(50, 'd'));
@@ -54,14 +54,14 @@ TEST(LongPath, ReachesTheSystem) {
   }
 }
 
-TEST(Filepath, TakesForwardSlashesToTheSystemAndKeepsThem) {
+TEST(Filepath, AcceptsAndKeepsForwardSlashes) {
   const test_folder folder;
   folder.with_file("file");
   const std::string path = folder.place().path() + "/file";
   EXPECT_EQ(filepath(path).path(), path);
 }
 
-TEST(Filepath, TakesUtf16AndHiddenAttributes) {
+TEST(Filepath, AcceptsUtf16AndKnowsHiddenFiles) {
   const test_folder folder;
   const std::wstring wide = files::utf8_to_wide(folder.place().path()) + L"\\K\u00E4se";
   CloseHandle(CreateFileW(wide.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_HIDDEN, nullptr));
@@ -70,7 +70,7 @@ TEST(Filepath, TakesUtf16AndHiddenAttributes) {
   DeleteFileW(wide.c_str());
 }
 
-TEST(HddFile, SharesReadingAndKeepsWritingToItself) {
+TEST(HddFile, SharesReadingButNotWriting) {
   const test_folder folder;
   const filepath place = folder.with_file("file", "abc");
   {
@@ -83,7 +83,7 @@ TEST(HddFile, SharesReadingAndKeepsWritingToItself) {
   EXPECT_THROW(files::hdd_file(place, files::file_mode::writing), files::error::cannot_open_file);
 }
 
-TEST(HddFile, LetsFailedReadsAndWritesGoUnnoticed) {
+TEST(HddFile, ReportsNoFailedReadsAndWrites) {
   const test_folder folder;
   const filepath place = folder.with_file("file", "abc");
   uint32_t done = 1;
@@ -95,7 +95,7 @@ TEST(HddFile, LetsFailedReadsAndWritesGoUnnoticed) {
   EXPECT_EQ(done, 0U);
 }
 
-TEST(UserFolder, IsThere) {
+TEST(UserFolder, Exists) {
   EXPECT_TRUE(files::get_user_app_support_path().is_folder());
 }
 
@@ -112,7 +112,7 @@ void save_link(const std::string& target, const std::string& path) {
   link->Release();
 }
 
-TEST(ShellLink, WorksLikeTheFolderThatItPointsTo) {
+TEST(ShellLink, IsFollowedLikeItsTarget) {
   const test_folder folder;
   folder.with_folder("target/sub");
   folder.with_file("target/sub/file");

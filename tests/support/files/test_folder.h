@@ -1,55 +1,33 @@
-// MIT License. A folder of one test, and words for what is done and thrown in it.
+// MIT License. A folder for a test, and words for the errors of files.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 #include <typeinfo>
 
 #include "support/files/filepath.h"
 #include "support/files/system_calls.h"
+#include "tests/words/files.h"
+#include "tests/words/temporary_folder.h"
 
-// Goes with the test, and all that lies in it.
-class test_folder {
+// A temporary folder, and words for what a test puts into it.
+class test_folder : public temporary_folder {
  public:
-  test_folder() {
-    std::random_device random;
-    do {
-      path_ = std::filesystem::temp_directory_path() / ("kesrel files " + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
-  }
-  test_folder(const test_folder&) = delete;
-  test_folder& operator=(const test_folder&) = delete;
-  ~test_folder() { std::filesystem::remove_all(path_); }
-
-  files::filepath place() const { return files::filepath(path_.string()); }
-
-  // The path of what lies at `relative`, with the system's separators.
-  std::string path(const std::string& relative) const {
-    return (path_ / std::filesystem::path(relative).make_preferred()).string();
-  }
+  files::filepath place() const { return files::filepath(path()); }
   files::filepath with_file(const std::string& relative, const std::string& content = "") const {
-    std::ofstream(path(relative), std::ios::binary) << content;
+    write_file(path(relative), content);
     return files::filepath(path(relative));
   }
   files::filepath with_folder(const std::string& relative) const {
     std::filesystem::create_directories(path(relative));
     return files::filepath(path(relative));
   }
-  std::string content(const std::string& relative) const {
-    std::ifstream file(path(relative), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
- private:
-  std::filesystem::path path_;
+  std::string content(const std::string& relative) const { return read_file(path(relative)); }
 };
 
-// The text of what `action` throws, which has to be an Error and no subclass of it.
+// The text of what `action` throws, which has to be exactly an Error, not a subclass.
 template <typename Error, typename Action>
 std::string thrown(Action action) {
   try {
@@ -61,7 +39,7 @@ std::string thrown(Action action) {
   return "nothing";
 }
 
-// The lines that the error texts end in.
+// The last lines of the errors' texts.
 inline std::string path_line(const std::string& path) {
   return "\nfull path: \"" + path + '"';
 }

@@ -1,5 +1,5 @@
 // MIT License. The resources of the test program.
 #pragma once
 
-// On Windows they are part of the program's file.
+// Registers them on POSIX; on Windows the linker has added them to the program.
 void make_test_resources_known();
