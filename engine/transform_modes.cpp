@@ -11,7 +11,7 @@
 #include "dsp/noise.h"
 #include "engine/envelope_followers.h"
 #include "engine/fast_atan2.h"
-#include "engine/voco_state.h"
+#include "engine/smooth_magnitudes.h"
 
 namespace {
 
@@ -20,8 +20,7 @@ constexpr float silent_mean = 0.0001F;        // mean bin magnitude below which 
 constexpr float silent_carrier = 0.0001F;     // a bin below this has no phase worth using
 constexpr int32_t first_sibilance_bin = 128;  // 5.5 kHz
 constexpr float sibilance_gain = 3.0F;
-constexpr float synthesis_gain = 0.3333F;  // with the trapezoid's 2.5, the level of the overlapping frames
-constexpr float crossfeed = 0.25F;         // of the quadrature partner in each output channel
+constexpr float crossfeed = 0.25F;  // of the quadrature partner in each output channel
 
 struct bin {
   float re;
@@ -135,56 +134,6 @@ void clear_behind(int32_t k, voco_state* state) {
   set_bin({0.0F, 0.0F}, k, state->complex_frame.data());
 }
 
-void vocode_geometric_mean(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
-  float* const output = state->carrier_spectrum.data();
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    const bin modulator = bin_at(state->complex_frame.data(), k);
-    const bin carrier = bin_at(output, k);
-    const float envelope = follow(magnitude(modulator), settings, k, state);
-    if (state->freeze_on == 0) {
-      state->target_env[i] = envelope;
-      state->modulator_phase[i] = exact_phase(modulator);
-    }
-    state->carrier_mag[i] = magnitude(carrier);
-    state->carrier_phase[i] = exact_phase(carrier);
-
-    const float product = state->target_env[i] * state->carrier_mag[i];
-    const float tilt = static_cast<float>(k) * 0.5F;
-    const float amplitude = std::sqrt(product) * 1.5F + product * tilt * 0.1F;
-    set_bin(polar(0.25F * amplitude, state->carrier_phase[i]), k, output);
-    clear_behind(k, state);
-  }
-}
-
-// Bands of two bins, by an L1 measure that rises with frequency. Clearing the upper half runs ahead of the reading, so
-// the bands from 256 up find nothing: 256 live bands cover everything up to 22 kHz.
-void vocode_two_bin_bands(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
-  float* const modulator = state->complex_frame.data();
-  float* const carrier = state->carrier_spectrum.data();
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    const bin a = bin_at(modulator, 2 * k);
-    const bin b = bin_at(modulator, 2 * k + 1);
-    const float level =
-        (std::fabs(a.re) + std::fabs(a.im) + std::fabs(b.re) + std::fabs(b.im)) * (static_cast<float>(k) * 0.5F + 1.0F);
-    followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
-    if (state->freeze_on == 0) {
-      state->target_env[i] = (settings.peak_gain * state->fast_env[i] * 0.025F * settings.mix +
-                              state->slow_env[i] * 0.05F * (1.0F - settings.mix)) *
-                             0.35F;
-    }
-    for (int32_t j = 4 * k; j < 4 * k + 4; ++j) carrier[j] *= state->target_env[i];
-    if (k >= bin_count / 2) continue;
-    for (const int32_t upper : {bin_count + 2 * k, bin_count + 2 * k + 1}) {
-      set_bin({0.0F, 0.0F}, upper, modulator);
-      set_bin({0.0F, 0.0F}, upper, carrier);
-    }
-  }
-}
-
 // Measures all bins as the modes with separate magnitude and phase do. `weigh` makes the envelopes that are stored of
 // the followers' blend, the carrier's magnitudes and the first bin's number.
 template <typename Phases, typename Weigh>
@@ -223,7 +172,84 @@ float4 product_tilted(float4 envelope, float4 carrier_level, int32_t k) {
   return carrier_level * envelope * tilt;
 }
 
-void vocode_carrier_phase(voco_state* state) {
+// The consonants of the voice pass straight to the output.
+void add_sibilance(voco_state* state) {
+  if (state->sibilance_on < 1) return;
+  for (size_t j = 2 * first_sibilance_bin; j < 2 * bin_count; ++j) {
+    state->carrier_spectrum[j] += sibilance_gain * state->held_spectrum[j];
+  }
+}
+
+void overlap_add_quadrature(const voco_state::frame& window, float gain, voco_state* state) {
+  for (size_t i = 0; i < frame_size; ++i) {
+    const float re = state->carrier_spectrum[2 * i];
+    const float im = state->carrier_spectrum[2 * i + 1];
+    const float level = window[i] * gain;
+    state->ola_left[i] += (re * crossfeed + im) * level;
+    state->ola_right[i] += (im * crossfeed + re) * level;
+  }
+}
+
+}  // namespace
+
+void transform_analyse(voco_state* state) {
+  fft_forward(state->complex_frame.data(), state->fft_log2_size, state->fft_cos_table.data());
+  split_spectra(state);
+  replace_unvoiced_carrier(state);
+  hold_modulator(state);
+}
+
+void transform_geometric_mean(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  float* const output = state->carrier_spectrum.data();
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const bin modulator = bin_at(state->complex_frame.data(), k);
+    const bin carrier = bin_at(output, k);
+    const float envelope = follow(magnitude(modulator), settings, k, state);
+    if (state->freeze_on == 0) {
+      state->target_env[i] = envelope;
+      state->modulator_phase[i] = exact_phase(modulator);
+    }
+    state->carrier_mag[i] = magnitude(carrier);
+    state->carrier_phase[i] = exact_phase(carrier);
+
+    const float product = state->target_env[i] * state->carrier_mag[i];
+    const float tilt = static_cast<float>(k) * 0.5F;
+    const float amplitude = std::sqrt(product) * 1.5F + product * tilt * 0.1F;
+    set_bin(polar(0.25F * amplitude, state->carrier_phase[i]), k, output);
+    clear_behind(k, state);
+  }
+}
+
+// Bands of two bins, by an L1 measure that rises with frequency. Clearing the upper half runs ahead of the reading, so
+// the bands from 256 up find nothing: 256 live bands cover everything up to 22 kHz.
+void transform_two_bin_bands(voco_state* state) {
+  const follower_settings settings = follower_settings_of(*state);
+  float* const modulator = state->complex_frame.data();
+  float* const carrier = state->carrier_spectrum.data();
+  for (int32_t k = 0; k < bin_count; ++k) {
+    const auto i = static_cast<size_t>(k);
+    const bin a = bin_at(modulator, 2 * k);
+    const bin b = bin_at(modulator, 2 * k + 1);
+    const float level =
+        (std::fabs(a.re) + std::fabs(a.im) + std::fabs(b.re) + std::fabs(b.im)) * (static_cast<float>(k) * 0.5F + 1.0F);
+    followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
+    if (state->freeze_on == 0) {
+      state->target_env[i] = (settings.peak_gain * state->fast_env[i] * 0.025F * settings.mix +
+                              state->slow_env[i] * 0.05F * (1.0F - settings.mix)) *
+                             0.35F;
+    }
+    for (int32_t j = 4 * k; j < 4 * k + 4; ++j) carrier[j] *= state->target_env[i];
+    if (k >= bin_count / 2) continue;
+    for (const int32_t upper : {bin_count + 2 * k, bin_count + 2 * k + 1}) {
+      set_bin({0.0F, 0.0F}, upper, modulator);
+      set_bin({0.0F, 0.0F}, upper, carrier);
+    }
+  }
+}
+
+void transform_carrier_phase(voco_state* state) {
   analyse_bins(exact_phases, envelope_alone, state);
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
@@ -232,7 +258,7 @@ void vocode_carrier_phase(voco_state* state) {
   }
 }
 
-void vocode_modulator_phase(voco_state* state) {
+void transform_modulator_phase(voco_state* state) {
   analyse_bins(exact_phases, product_tilted, state);
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
@@ -242,7 +268,7 @@ void vocode_modulator_phase(voco_state* state) {
 }
 
 // The carrier is flattened by its own smoothed envelope and given the modulator's.
-void vocode_smoothed(int32_t width, voco_state* state) {
+void transform_smoothed(int32_t width, voco_state* state) {
   analyse_bins(fast_phases, envelope_alone, state);
   std::array<float, bin_count + 1> modulator_envelope;
   std::array<float, bin_count + 1> carrier_envelope;
@@ -259,54 +285,8 @@ void vocode_smoothed(int32_t width, voco_state* state) {
   }
 }
 
-void vocode_by_mode(voco_state* state) {
-  switch (state->mode) {
-    case mode_geometric_mean:
-      return vocode_geometric_mean(state);
-    case mode_two_bin_bands:
-      return vocode_two_bin_bands(state);
-    case mode_carrier_phase:
-      return vocode_carrier_phase(state);
-    case mode_smooth_512:
-      return vocode_smoothed(512, state);
-    case mode_smooth_128:
-      return vocode_smoothed(128, state);
-    case mode_smooth_32:
-      return vocode_smoothed(32, state);
-    case mode_modulator_phase:
-      return vocode_modulator_phase(state);
-    default:
-      return;
-  }
-}
-
-// The consonants of the voice pass straight to the output.
-void add_sibilance(voco_state* state) {
-  if (state->sibilance_on < 1) return;
-  for (size_t j = 2 * first_sibilance_bin; j < 2 * bin_count; ++j) {
-    state->carrier_spectrum[j] += sibilance_gain * state->held_spectrum[j];
-  }
-}
-
-void overlap_add_quadrature(voco_state* state) {
-  for (size_t i = 0; i < frame_size; ++i) {
-    const float re = state->carrier_spectrum[2 * i];
-    const float im = state->carrier_spectrum[2 * i + 1];
-    const float window = state->trapezoid_window[i] * synthesis_gain;
-    state->ola_left[i] += (re * crossfeed + im) * window;
-    state->ola_right[i] += (im * crossfeed + re) * window;
-  }
-}
-
-}  // namespace
-
-void transform_vocode(voco_state* state) {
-  fft_forward(state->complex_frame.data(), state->fft_log2_size, state->fft_cos_table.data());
-  split_spectra(state);
-  replace_unvoiced_carrier(state);
-  hold_modulator(state);
-  vocode_by_mode(state);
+void transform_synthesise(const voco_state::frame& window, float gain, voco_state* state) {
   add_sibilance(state);
   fft_inverse(state->carrier_spectrum.data(), state->fft_log2_size, state->fft_cos_table.data());
-  overlap_add_quadrature(state);
+  overlap_add_quadrature(window, gain, state);
 }

@@ -38,7 +38,7 @@ struct predictor {
   }
 };
 
-constexpr int32_t orders[] = {prediction_order_low, prediction_order_medium, prediction_order_high};
+constexpr int32_t orders[] = {10, 35, 80};
 
 TEST(DcBlock, FollowsItsRecursionWithinTheQuantum) {
   const waveform x = noise(4096, 0.9F);
@@ -127,7 +127,7 @@ TEST(Prediction, LeavesTheModulatorAsItCameWhenTheArenaIsExhausted) {
   const waveform modulator = noise(frame_length, 1.0F);
   for (const int32_t capacity : {0, frame_length, 2 * frame_length - 1}) {
     p.arena->capacity = capacity;
-    EXPECT_EQ(p.vocode(prediction_order_low, modulator, modulator), modulator) << capacity;
+    EXPECT_EQ(p.vocode(10, modulator, modulator), modulator) << capacity;
   }
 }
 
