@@ -8,8 +8,8 @@
 #include "engine/bad_samples.h"
 #include "engine/chorus.h"
 #include "engine/frame_step.h"
-#include "engine/notes.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "engine/filter_bank.h"
 #include "engine/frame_arena.h"
 #include "engine/motion.h"
+#include "engine/notes.h"
 #include "engine/reverb.h"
 #include "engine/smooth_magnitudes.h"
 #include "engine/wavelet_modes.h"
@@ -98,7 +99,7 @@ struct voco_state {
   distance_delay chorus_right;
 
   int32_t frame_pos = 0;  // next write position in the frames
-  std::array<float, 32> note_mirror{};
+  note_list note_mirror{};
 
   lpc_workspace prediction{};
   frame_arena arena{};

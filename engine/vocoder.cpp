@@ -122,16 +122,16 @@ int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t rev
 
 void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return;
-  if (velocity == 0) return notes_off(note, &instance->core.state);
-  notes_on(note, &instance->core.state);
+  if (velocity == 0) return notes_off(note, &instance->core.state.synth, &instance->core.state.note_mirror);
+  notes_on(note, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_note_off(int32_t note, int32_t /*velocity*/, vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_off(note, &instance->core.state);
+  if (instance != nullptr) notes_off(note, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_all_notes_off(vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_all_off(&instance->core.state);
+  if (instance != nullptr) notes_all_off(&instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept {
@@ -141,12 +141,12 @@ void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept 
 }
 
 void vocoder_set_sustain(int32_t on, vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_set_sustain(on, &instance->core.state);
+  if (instance != nullptr) notes_set_sustain(on, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance) noexcept {
   if (notes == nullptr || byte_count == 0 || instance == nullptr) return;
-  notes_set_list(notes, byte_count, &instance->core.state);
+  notes_set_list(notes, byte_count, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance) noexcept {

@@ -11,6 +11,7 @@
 #include "engine/parameter_commit.h"
 #include "engine/reverb.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -23,7 +24,7 @@ void carrier(benchmark::State& state) {
   wsyn_select_render(&voco->synth);
   voco->synth.pitch_mod1 = 1.0;
   voco->synth.pitch_mod2 = 1.0;
-  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, voco.get());
+  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, &voco->synth, &voco->note_mirror);
   waveform run(512);
   const auto length = static_cast<int32_t>(run.size());
   for (int i = 0; i < 400; ++i) wsyn_next_samples(length, &voco->synth, run.data());

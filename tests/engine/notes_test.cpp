@@ -8,6 +8,7 @@
 #include "dsp/oscillators.h"
 #include "engine/parameter_commit.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -34,17 +35,19 @@ class Notes : public testing::Test {
 
   std::unique_ptr<voco_state> owner = committed();
   voco_state& state = *owner;
+  wsyn_state* const synth = &state.synth;
+  note_list* const mirror = &state.note_mirror;
   float last = 0.0F;
 };
 
 TEST_F(Notes, SoundFrom27To108Only) {
   for (const int32_t note : {26, 109, -1, 128, INT32_MAX, INT32_MIN}) {
-    notes_on(note, &state);
-    notes_off(note, &state);
+    notes_on(note, synth, mirror);
+    notes_off(note, synth, mirror);
   }
   EXPECT_EQ(slots_in_use(), 0);
-  notes_on(27, &state);
-  notes_on(108, &state);
+  notes_on(27, synth, mirror);
+  notes_on(108, synth, mirror);
   EXPECT_EQ(voice(27), voice_held);
   EXPECT_EQ(voice(108), voice_held);
   EXPECT_EQ(state.note_mirror[0], 27.0F);
@@ -52,36 +55,36 @@ TEST_F(Notes, SoundFrom27To108Only) {
 }
 
 TEST_F(Notes, DropTheThirtyThird) {
-  for (int32_t note = 30; note < 63; ++note) notes_on(note, &state);
+  for (int32_t note = 30; note < 63; ++note) notes_on(note, synth, mirror);
   EXPECT_EQ(slots_in_use(), 32);
   EXPECT_EQ(voice(62), voice_idle);
-  notes_off(62, &state);
+  notes_off(62, synth, mirror);
   EXPECT_EQ(voice(62), voice_idle);
-  notes_off(40, &state);
-  notes_on(62, &state);
+  notes_off(40, synth, mirror);
+  notes_on(62, synth, mirror);
   EXPECT_EQ(voice(62), voice_held);
 }
 
 TEST_F(Notes, RetriggerInTheirSlotAndGoOnFromTheirLevel) {
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   play(300);
   const float level = state.synth.voices[60].level;
   const float phase = state.synth.voices[60].phase1;
-  notes_off(60, &state);
-  notes_on(60, &state);
+  notes_off(60, synth, mirror);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(slots_in_use(), 1);
   EXPECT_EQ(state.synth.voices[60].level, level);
   EXPECT_EQ(state.synth.voices[60].phase1, phase);
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
 TEST_F(Notes, RiseAndFallWithATimeConstantOf501Samples) {
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   play(501);
   EXPECT_NEAR(state.synth.voices[60].level, 1.0 - std::exp(-1.0), 0.001);
   play(20000);
-  notes_off(60, &state);
+  notes_off(60, synth, mirror);
   play(501);
   EXPECT_NEAR(state.synth.voices[60].level, std::exp(-1.0), 0.001);
   play(3000);  // -60 dB after 6.9 time constants
@@ -92,59 +95,59 @@ TEST_F(Notes, RiseAndFallWithATimeConstantOf501Samples) {
 }
 
 TEST_F(Notes, AreKeptByThePedal) {
-  notes_on(60, &state);
-  notes_on(64, &state);
-  notes_set_sustain(1, &state);
-  notes_off(60, &state);
+  notes_on(60, synth, mirror);
+  notes_on(64, synth, mirror);
+  notes_set_sustain(1, synth, mirror);
+  notes_off(60, synth, mirror);
   EXPECT_EQ(voice(60), voice_sustained);
   EXPECT_EQ(slots_in_use(), 2);
-  notes_set_sustain(1, &state);
+  notes_set_sustain(1, synth, mirror);
   EXPECT_EQ(voice(60), voice_sustained);
-  notes_set_sustain(0, &state);
+  notes_set_sustain(0, synth, mirror);
   EXPECT_EQ(voice(60), voice_releasing);
   EXPECT_EQ(voice(64), voice_held);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
 TEST_F(Notes, ComeFromAListToo) {
-  notes_on(40, &state);
-  notes_on(41, &state);
+  notes_on(40, synth, mirror);
+  notes_on(41, synth, mirror);
   const std::array<float, 4> list = {10.0F, 72.9F, 26.0F, 200.0F};
-  notes_set_list(list.data(), sizeof(list), &state);
+  notes_set_list(list.data(), sizeof(list), synth, mirror);
   EXPECT_EQ(voice(40), voice_releasing);
   EXPECT_EQ(voice(72), voice_held);
   EXPECT_EQ(state.synth.note_slots[0], 40);  // entries outside the range leave their slot
   EXPECT_EQ(state.synth.note_slots[1], 72);
 
   const std::vector<float> too_long(100, 60.0F);
-  notes_set_list(too_long.data(), 400, &state);
+  notes_set_list(too_long.data(), 400, synth, mirror);
   EXPECT_EQ(voice(60), voice_held);
   EXPECT_EQ(voice(72), voice_releasing);
 }
 
 TEST_F(Notes, AllOffReleasesAndCentresTheBend) {
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   play(10);
   state.synth.bend = 1.5F;
-  notes_all_off(&state);
+  notes_all_off(synth, mirror);
   EXPECT_EQ(voice(60), voice_releasing);
   EXPECT_EQ(state.synth.bend, 1.0F);
   EXPECT_EQ(state.synth.note_slots[0], 60);
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(voice(60), voice_held);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
 // After all-off the mirror is empty while the slots keep their numbers, so a refresh would show.
 TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
-  notes_on(60, &state);
-  notes_all_off(&state);
+  notes_on(60, synth, mirror);
+  notes_all_off(synth, mirror);
   for (const int32_t note : {26, 109}) {
-    notes_on(note, &state);
-    notes_off(note, &state);
+    notes_on(note, synth, mirror);
+    notes_off(note, synth, mirror);
     EXPECT_EQ(state.note_mirror[0], 0.0F) << note;
   }
-  notes_off(61, &state);
+  notes_off(61, synth, mirror);
   EXPECT_EQ(state.note_mirror[0], 60.0F);
 }
 
@@ -183,9 +186,9 @@ TEST_F(Notes, SoundInRunsAsOneByOne) {
   for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {
     // From one to nine voices, some of them released: they end within the longest run.
     for (voco_state* const voco : {&state, plain.get()}) {
-      notes_on(40 + run % 50, voco);
-      notes_on(100 - run % 60, voco);
-      notes_off(40 + run % 7, voco);
+      notes_on(40 + run % 50, &voco->synth, &voco->note_mirror);
+      notes_on(100 - run % 60, &voco->synth, &voco->note_mirror);
+      notes_off(40 + run % 7, &voco->synth, &voco->note_mirror);
       voco->synth.cutoff_target = 1.0F / static_cast<float>(run);
       voco->synth.filter_gain = 1.5F;
     }
@@ -204,11 +207,11 @@ TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
     seed = seed * 1664525U + 1013904223U;
     const auto note = static_cast<int32_t>(20 + (seed >> 24) % 95);
     if (seed & 0x100) {
-      notes_on(note, &state);
+      notes_on(note, synth, mirror);
     } else {
-      notes_off(note, &state);
+      notes_off(note, synth, mirror);
     }
-    if (i % 500 == 0) notes_set_sustain(i / 500 % 2, &state);
+    if (i % 500 == 0) notes_set_sustain(i / 500 % 2, synth, mirror);
     play(3);
   }
   for (int32_t note = 0; note < 128; ++note) {

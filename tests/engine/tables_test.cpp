@@ -14,6 +14,7 @@
 #include "engine/parameter_commit.h"
 #include "engine/voco_process.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -130,7 +131,7 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   sound_values sound = plain_sound(2.0F);
   sound[value_internal_carrier] = 0.6F;
   const auto state = committed(sound);
-  for (const int32_t note : {45, 57, 64}) notes_on(note, state.get());
+  for (const int32_t note : {45, 57, 64}) notes_on(note, &state->synth, &state->note_mirror);
   state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
   const auto twin = std::make_unique<voco_state>();
   twin->synth = state->synth;
@@ -150,10 +151,10 @@ TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
   const auto play = [&](int samples) {
     for (int i = 0; i < samples; ++i) wsyn_next_sample(&state->synth);
   };
-  notes_on(60, state.get());
+  notes_on(60, &state->synth, &state->note_mirror);
   play(10000);
   EXPECT_NEAR(voice.level, 1.0F, 1e-4F);
-  notes_off(60, state.get());
+  notes_off(60, &state->synth, &state->note_mirror);
   play(3457);  // ln 1000 / -ln(500 / 501)
   EXPECT_EQ(voice.state, voice_releasing);
   EXPECT_NEAR(voice.level, 0.001F, 2e-6F);
