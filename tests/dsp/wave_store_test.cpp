@@ -113,10 +113,9 @@ TEST(VoiceWave, HoldsTheLoopOfItsNumberIfThereIsOneAndSilenceBehindIt) {
     std::vector<float> expected(wsyn_voice_wave_entries);
     if (exists) std::ranges::copy(loop_tables(*state)[number], expected.begin());
     std::ranges::fill(state->voice_wave2, 9.0f);
-    state->wave2 = wave;
-    wsyn_load_voice_wave2(state.get());
+    const int32_t wrap = wsyn_load_voice_wave(wave, *state, state->voice_wave2);
     EXPECT_TRUE(std::ranges::equal(state->voice_wave2, expected)) << "loop " << wave;
-    EXPECT_EQ(state->wrap2, exists ? sample_loops[number].loop_length : 10000);
+    EXPECT_EQ(wrap, exists ? sample_loops[number].loop_length : 10000);
   }
 }
 
