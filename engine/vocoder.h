@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "engine/sound_values.h"
+
 // One engine for one host sample rate. Every operation but `vocoder_destroy` takes the instance last and accepts null,
 // for which it does nothing and answers 1, null or nothing. None throws: where memory is exhausted the answer is a
 // refusal, and what the engine had before goes on.
@@ -39,8 +41,12 @@ int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_o
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
                               float* const* outputs, vocoder_instance* instance) noexcept;
 
-// Runs one block with the 37 values of a sound given in the call, in the order of a sound's value list. The sound that
-// `vocoder_process_sound` took stays as it is. Everything else as there.
+// Runs one block with the values of a sound. The sound that `vocoder_process_sound` took stays as it is. Everything
+// else as there.
+int32_t vocoder_process(const sound_values& values, int32_t chorus_on, int32_t reverb_on, int32_t frames,
+                        const float* const* inputs, float* const* outputs, vocoder_instance* instance) noexcept;
+
+// The same with the values one by one, in the order of `sound_values`.
 int32_t vocoder_process_values(int32_t curve, int32_t chorus_on, int32_t reverb_on,                              //
                                float wet_gain, float dry_carrier_gain, float dry_modulator_gain,                 // 0
                                float env_mix, float env_attack, float env_release, float env_average,            // 3

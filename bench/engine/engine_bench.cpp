@@ -32,7 +32,7 @@ struct session {
     if (position + left.size() > voice.size()) position = 0;
     const float* const inputs[4] = {voice.data() + position, nullptr, nullptr, nullptr};
     float* const outputs[2] = {left.data(), right.data()};
-    process_values(sound, static_cast<int32_t>(left.size()), inputs, outputs, instance.get());
+    vocoder_process(sound, 0, 0, static_cast<int32_t>(left.size()), inputs, outputs, instance.get());
     position += left.size();
   }
 

@@ -59,14 +59,6 @@ struct effect_switches {
   int32_t reverb = 0;
 };
 
-inline int32_t process_values(const sound_values& v, int32_t frames, const float* const* inputs, float* const* outputs,
-                              vocoder_instance* instance, effect_switches effects = {}) {
-  return vocoder_process_values(0, effects.chorus, effects.reverb, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8],
-                                v[9], v[10], v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20],
-                                v[21], v[22], v[23], v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32],
-                                v[33], v[34], v[35], v[36], frames, inputs, outputs, instance);
-}
-
 // Runs the two signals through `instance` in blocks of `block` samples. An empty carrier is a null input.
 inline stereo run(const sound_values& sound, const waveform& modulator, const waveform& carrier, int32_t block,
                   vocoder_instance* instance, effect_switches effects = {}) {
@@ -76,7 +68,8 @@ inline stereo run(const sound_values& sound, const waveform& modulator, const wa
     const float* const inputs[4] = {modulator.data() + start, nullptr,
                                     carrier.empty() ? nullptr : carrier.data() + start, nullptr};
     float* const outputs[2] = {out.left.data() + start, out.right.data() + start};
-    if (process_values(sound, frames, inputs, outputs, instance, effects) != 0) return {};
+    const int32_t refused = vocoder_process(sound, effects.chorus, effects.reverb, frames, inputs, outputs, instance);
+    if (refused != 0) return {};
   }
   return out;
 }

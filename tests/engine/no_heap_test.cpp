@@ -81,14 +81,15 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
     waveform right(1024);
     const float* const inputs[4] = {voice.data(), nullptr, nullptr, nullptr};
     float* const outputs[2] = {left.data(), right.data()};
-    process_values(plain_sound(2.0F), 1024, inputs, outputs, instance.get());  // the longest block sizes the buffers
+    // The longest block sizes the buffers.
+    vocoder_process(plain_sound(2.0F), 0, 0, 1024, inputs, outputs, instance.get());
     for (const int mode : all_modes) {
       sound_values sound = plain_sound(static_cast<float>(mode));
       sound[value_reverb_level] = 0.5F;
       sound[value_reverb_size] = static_cast<float>(mode) / 15.0F;
       const int64_t before = allocations.load();
       for (const int32_t frames : {1024, 64, 512, 1000, 1})
-        process_values(sound, frames, inputs, outputs, instance.get(), {.chorus = 1, .reverb = 1});
+        vocoder_process(sound, 1, 1, frames, inputs, outputs, instance.get());
       vocoder_note_off(52, 0, instance.get());
       vocoder_note_on(52, 1, instance.get());
       EXPECT_EQ(allocations.load(), before) << "mode " << mode << " at " << rate;

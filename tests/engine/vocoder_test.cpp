@@ -6,6 +6,7 @@
 #include <limits>
 #include <thread>
 
+#include "dsp/noise.h"
 #include "engine/block_framing.h"
 #include "engine/output_equaliser.h"
 #include "tests/engine/engine_words.h"
@@ -40,7 +41,7 @@ TEST(Vocoder, ToleratesANullInstance) {
   const float* const inputs[4] = {};
   float* const outputs[2] = {&sample, &sample};
   EXPECT_EQ(vocoder_process_sound(0, 0, 0, 0, key, 1, inputs, outputs, nullptr), 1);
-  EXPECT_EQ(process_values(plain_sound(0), 1, inputs, outputs, nullptr), 1);
+  EXPECT_EQ(vocoder_process(plain_sound(0), 0, 0, 1, inputs, outputs, nullptr), 1);
   EXPECT_EQ(vocoder_set_target_curve(0, 1, nullptr), 1);
   EXPECT_EQ(vocoder_get_note_list(&bytes, nullptr), nullptr);
   EXPECT_EQ(bytes, 0U);
@@ -255,16 +256,43 @@ TEST(Framing, TakesTheSameArraysForInputAndOutput) {
   const instance_ptr instance = make_instance();
   const float* const inputs[4] = {left.data(), right.data(), right.data(), nullptr};
   float* const outputs[2] = {right.data(), left.data()};
-  process_values(dry_sound(), static_cast<int32_t>(voice.size()), inputs, outputs, instance.get());
+  vocoder_process(dry_sound(), 0, 0, static_cast<int32_t>(voice.size()), inputs, outputs, instance.get());
   EXPECT_EQ(left, equalised_delay(voice));
 }
 
 TEST(Framing, AcceptsMissingBuffersAndEmptyBlocks) {
   const instance_ptr instance = make_instance(96000.0F);
-  EXPECT_EQ(process_values(dry_sound(), 100, nullptr, nullptr, instance.get()), 0);
-  EXPECT_EQ(process_values(dry_sound(), 0, nullptr, nullptr, instance.get()), 0);
-  EXPECT_EQ(process_values(dry_sound(), 1, nullptr, nullptr, instance.get()), 0);
-  EXPECT_EQ(process_values(dry_sound(), -1, nullptr, nullptr, instance.get()), 1);
+  EXPECT_EQ(vocoder_process(dry_sound(), 0, 0, 100, nullptr, nullptr, instance.get()), 0);
+  EXPECT_EQ(vocoder_process(dry_sound(), 0, 0, 0, nullptr, nullptr, instance.get()), 0);
+  EXPECT_EQ(vocoder_process(dry_sound(), 0, 0, 1, nullptr, nullptr, instance.get()), 0);
+  EXPECT_EQ(vocoder_process(dry_sound(), 0, 0, -1, nullptr, nullptr, instance.get()), 1);
+}
+
+TEST(ProcessValues, TakesTheValuesInTheirOrder) {
+  sound_values v = plain_sound(2.0F);
+  for (size_t i = 0; i < v.size(); ++i) v[i] += 0.01F * static_cast<float>(i % 7);
+  v[value_noise_on] = v[value_swap] = v[value_ring] = v[value_sync] = 1.0F;
+  v[value_pitch_source1] = 0.0F, v[value_pitch_source2] = 1.0F;
+  const waveform voice = noise(4096, 0.5F);
+  const float* const inputs[4] = {voice.data(), nullptr, voice.data(), nullptr};
+  waveform left[2] = {silence(4096), silence(4096)};
+  waveform right[2] = {silence(4096), silence(4096)};
+  for (const int call : {0, 1}) {
+    noise_state = 1;
+    const instance_ptr instance = make_instance();
+    vocoder_note_on(60, 1, instance.get());
+    float* const outputs[2] = {left[call].data(), right[call].data()};
+    const int32_t refused =
+        call == 0 ? vocoder_process(v, 1, 1, 4096, inputs, outputs, instance.get())
+                  : vocoder_process_values(0, 1, 1, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10],
+                                           v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20], v[21],
+                                           v[22], v[23], v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32],
+                                           v[33], v[34], v[35], v[36], 4096, inputs, outputs, instance.get());
+    EXPECT_EQ(refused, 0);
+  }
+  EXPECT_GT(peak(left[0]), 0.01F);
+  EXPECT_EQ(left[0], left[1]);
+  EXPECT_EQ(right[0], right[1]);
 }
 
 TEST(Framing, SilencesBadSamplesAloneInEveryMode) {
