@@ -84,9 +84,7 @@ void commit_first(voco_state* state) {
   fft_cos_table_init(&state->fft_log2_size, frame_size, state->fft_cos_table.data());
   build_windows(state);
   state->band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
-  for (distance_delay* const delay : {&state->chorus_left, &state->chorus_right}) {
-    if (delay->ready == 0) distance_delay_create(delay);
-  }
+  chorus_prepare(&state->chorus);
 }
 
 float clamp_to_unit(float value) {

@@ -142,6 +142,10 @@ void hold_modulator(voco_state* state) {
   std::copy_n(state->complex_frame.begin(), 2 * bin_count, state->held_spectrum.begin());
 }
 
+follower_settings settings_of(const voco_state& state) {
+  return follower_settings_of(state.env_attack, state.env_release, state.env_average, state.env_mix);
+}
+
 // Feeds bin k's magnitude to its followers and gives their blend.
 float follow(float level, const follower_settings& settings, int32_t k, voco_state* state) {
   const auto i = static_cast<size_t>(k);
@@ -159,7 +163,7 @@ void clear_used_bins(int32_t k, voco_state* state) {
 // the four bins from k on.
 template <typename Phases, typename Weigh>
 void analyse_bins(Phases phases, Weigh weigh, voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
+  const follower_settings settings = settings_of(*state);
   for (int32_t k = 0; k < bin_count; k += 4) {
     const bin_group modulator = bins_from(state->complex_frame.data(), k);
     const bin_group carrier = bins_from(state->carrier_spectrum.data(), k);
@@ -220,7 +224,7 @@ void transform_analyse(voco_state* state) {
 }
 
 void transform_geometric_mean(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
+  const follower_settings settings = settings_of(*state);
   float* const output = state->carrier_spectrum.data();
   for (int32_t k = 0; k < bin_count; ++k) {
     const auto i = static_cast<size_t>(k);
@@ -245,7 +249,7 @@ void transform_geometric_mean(voco_state* state) {
 // Bands of two bins, by an L1 measure that rises with frequency. Clearing the upper half runs ahead of the reading, so
 // the bands from 256 up find nothing: 256 live bands cover everything up to 22 kHz.
 void transform_two_bin_bands(voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
+  const follower_settings settings = settings_of(*state);
   float* const modulator = state->complex_frame.data();
   float* const carrier = state->carrier_spectrum.data();
   for (int32_t k = 0; k < bin_count; ++k) {

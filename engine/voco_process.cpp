@@ -6,7 +6,6 @@
 
 #include "dsp/oscillators.h"
 #include "engine/bad_samples.h"
-#include "engine/chorus.h"
 #include "engine/frame_step.h"
 #include "engine/voco_state.h"
 #include "engine/voices.h"
@@ -34,7 +33,7 @@ float delay_one_frame(float sample, voco_state::frame* ring, int32_t* index) {
 void take_wet(float* left, float* right, int32_t n, voco_state* state) {
   std::copy_n(state->ola_left.begin() + state->frame_pos - frame_hop, n, left);
   std::copy_n(state->ola_right.begin() + state->frame_pos - frame_hop, n, right);
-  if (state->chorus_on >= 1) chorus_process(left, right, n, state);
+  if (state->chorus_on >= 1) chorus_process(left, right, n, &state->chorus);
 }
 
 // Stores `n` samples in frames and rings, and mixes the wet signal in `left` and `right` with the dry ones.

@@ -70,7 +70,7 @@ void chorus_and_reverb(benchmark::State& state, bool with_chorus, bool with_reve
     waveform right = in;
     waveform out_left(in.size());
     waveform out_right(in.size());
-    if (with_chorus) chorus_process(left.data(), right.data(), n, voco.get());
+    if (with_chorus) chorus_process(left.data(), right.data(), n, &voco->chorus);
     if (with_reverb) {
       reverb_process_block(left.data(), right.data(), out_left.data(), out_right.data(), n, &voco->reverb);
     }

@@ -181,20 +181,14 @@ TEST(Motion, IsTheSameHoweverItIsCut) {
   }
 }
 
-std::unique_ptr<voco_state> state_with_chorus() {
-  auto state = std::make_unique<voco_state>();
-  distance_delay_create(&state->chorus_left);
-  distance_delay_create(&state->chorus_right);
-  return state;
-}
-
 TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
   const waveform in = noise(200000, 0.3F);
   const positions way = positions_from(chorus_motion, 0.0, in.size(), motion_span);
-  const auto state = state_with_chorus();
+  chorus_state state;
+  chorus_prepare(&state);
   waveform left = in;
   waveform right = in;
-  std::array<plain_delay, 2> plain{{{state->chorus_left.delay}, {state->chorus_right.delay}}};
+  std::array<plain_delay, 2> plain{{{state.left.delay}, {state.right.delay}}};
   waveform expected_left;
   waveform expected_right;
   float shortest = 1e6F;
@@ -207,7 +201,7 @@ TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
     longest = std::max({longest, plain[0].delay, plain[1].delay});
   }
   for (size_t i = 0, n = 1; i < in.size(); i += n, n = std::min(in.size() - i, (n * 7 + 3) % 600)) {
-    chorus_process(left.data() + i, right.data() + i, static_cast<int32_t>(n), state.get());
+    chorus_process(left.data() + i, right.data() + i, static_cast<int32_t>(n), &state);
   }
   EXPECT_EQ(left, expected_left);
   EXPECT_EQ(right, expected_right);
@@ -227,17 +221,17 @@ TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
     voco_params params = voco_params_from(external_carrier_sound(2.0F), chorus, 44100.0F);
     voco_commit(&params, state.get());
     voco_process(voice.data(), carrier.data(), left.data(), right.data(), 512, state.get());
-    return state->sample_counter;
+    return state->chorus.sample_counter;
   };
   EXPECT_EQ(run_block(0.9F), 0.0);
   EXPECT_EQ(run_block(1.0F), 512.0);
-  const float delay = state->chorus_left.delay;
+  const float delay = state->chorus.left.delay;
   EXPECT_EQ(run_block(0.0F), 512.0);
-  EXPECT_EQ(state->chorus_left.delay, delay);
-  distance_delay_release(&state->chorus_left);
-  distance_delay_release(&state->chorus_right);
+  EXPECT_EQ(state->chorus.left.delay, delay);
+  distance_delay_release(&state->chorus.left);
+  distance_delay_release(&state->chorus.right);
   waveform unchanged = voice;
-  chorus_process(unchanged.data(), right.data(), 512, state.get());
+  chorus_process(unchanged.data(), right.data(), 512, &state->chorus);
   EXPECT_EQ(unchanged, voice);
 }
 

@@ -8,9 +8,11 @@
 #include <cstdint>
 #include <memory>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 #include "dsp/fft.h"
+#include "engine/modes.h"
 #include "engine/sound_values.h"
 #include "engine/vocoder.h"
 
@@ -216,5 +218,8 @@ inline bool all_finite(const waveform& x) {
   return true;
 }
 
-// Seven spectral algorithms, two filter banks, three linear predictions, three wavelet transforms.
-constexpr std::array<int, 15> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+inline const std::array<int, vocoder_mode_count> all_modes = [] {
+  std::array<int, vocoder_mode_count> modes{};
+  std::iota(modes.begin(), modes.end(), 0);
+  return modes;
+}();
