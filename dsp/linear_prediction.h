@@ -14,7 +14,7 @@ constexpr int32_t lpc_max_length = 1024;  // samples that a fit with its pitch s
 // Whole cache lines, and an odd number of them, so that the rows of a column spread over the cache.
 constexpr int32_t lpc_matrix_stride = 136;
 
-// Rows and columns count from 1; what lies around the n rows and columns in use stays as it is.
+// Rows and columns count from 1; the entries outside the n rows and columns in use are not touched.
 struct lpc_matrix {
   alignas(64) std::array<std::array<double, lpc_matrix_stride>, lpc_max_order> entry{};
 };

@@ -135,7 +135,7 @@ float octave_divisor(int32_t octave) {
 }
 
 // Phase step of note 60 before tuning: 3.0375 entries at 440 Hz. The limits stop the reference pitch below 290 Hz and
-// above 579 Hz; they also give a pitch that isn't a number a meaning.
+// above 579 Hz; a pitch that isn't a number becomes the lower one.
 double base_step(float scaled_pitch) {
   constexpr double fourth_root_of_2 = 1.189207115002721;   // three semitones: from A up to C, octaves aside
   constexpr double entries_per_hz = 0.005804988662131519;  // 256 / 44100
@@ -231,7 +231,8 @@ double2 read(const float (&table)[entries], double2 phase) {
   return inside ? value : double2{};
 }
 
-// Moves two phases on, back by one wrap length where they pass it, and tells where they did.
+// Advances two phases and takes one wrap length off those that pass it.
+//   returns  which did
 long2 advance(double2 step, double wrap, double2* phase) {
   const double2 next = *phase + step;
   const long2 wrapped = next > wrap;
@@ -368,8 +369,8 @@ double pitch_modulation(float level, int32_t crossings, const oscillator& o, wsy
   return 1.0;
 }
 
-// A phase moves back by one wrap length per sample. Beyond this one, a hot modulator's level has thrown it so far that
-// the way back would take longer than 0.7 s, or, as the subtraction is lost in rounding, for ever.
+// Wrapping takes one wrap length off a phase per sample. From beyond this limit, which the level of a hot modulator can
+// reach, that would take longer than 0.7 s, or for ever where the subtraction is lost in rounding.
 constexpr float furthest_phase = 0x1p25f;
 
 float phase_or_start(float phase) {
@@ -456,7 +457,7 @@ void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
 
 bool wsyn_advance_filter(wsyn_state* state) {
   const float next = smoothed_cutoff(*state);
-  // Settled: the derived values would come out the same, and the power is dear at one a sample.
+  // Settled: the derived values would be the same, and a power per sample is expensive.
   if (std::bit_cast<uint32_t>(next) == std::bit_cast<uint32_t>(state->cutoff_now)) return false;
   state->cutoff_now = next;
   derive_filter(state);

@@ -101,8 +101,8 @@ void first_pass(const group_coefficients& c, const float* modulator, const float
   }
 }
 
-// The second pass over `n` rows that lie `step` floats apart, -group_lanes for backwards. Each result takes the place
-// of the input of two samples ago, which nothing reads again; two rows of zeros stand before the first.
+// The second pass over `n` rows that are `step` floats apart, -group_lanes for backwards. Each result takes the place
+// of the input of two samples ago, which nothing reads again; the first row follows two rows of zeros.
 void second_pass(const group_coefficients& c, int32_t n, int32_t step, float* first) {
   pass_memory memory;
   for (int32_t t = 0; t < n; ++t) {
@@ -139,10 +139,10 @@ lanes mean_levels(const float* rows, int32_t n) {
   return sums;
 }
 
-// What a group adds to the output: the gains of its lanes.
+// Gains of the lanes of a group.
 struct group_mix {
   std::array<float, group_bands> flatten{};    // 1 / level of the carrier's band
-  std::array<float, group_bands> envelope{};   // what the followers make of the modulator's band
+  std::array<float, group_bands> envelope{};   // the followers' blend for the modulator's band
   std::array<float, group_bands> sibilance{};  // of the modulator's band itself, 0 for none
 };
 
@@ -164,7 +164,7 @@ group_mix mix_of_group(const lanes& levels, const filter_gains& gains, int32_t f
 }
 
 // Adds the group's bands to the output, in ascending order for every sample. Four samples go together, with their bands
-// turned from rows into columns; up to three rows and outputs behind the last sample are read and written with them.
+// turned from rows into columns; up to three rows and outputs past the last sample are read and written with them.
 void add_group(const group_mix& mix, float carrier_gain, bool with_sibilance, size_t count, const float* rows,
                int32_t n, float* output) {
   for (int32_t t = 0; t < n; t += 4) {

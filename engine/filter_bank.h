@@ -10,5 +10,5 @@ struct voco_state;
 // Imposes the mean band levels of `modulator` on the bands of `carrier`. The result replaces `modulator`.
 //   shapes    modulator[n], carrier[n]; n is at most the frame size
 //   state     the followers and held levels of the bands, entries 0 to 24
-//   audio     takes its work buffers from the state's arena; when they can't be had, `modulator` stays unchanged
+//   audio     takes its work buffers from the state's arena; when it is exhausted, `modulator` stays unchanged
 void vocoder_filter_bank(band_filter filter, float* modulator, const float* carrier, int32_t n, voco_state* state);

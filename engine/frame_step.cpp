@@ -34,8 +34,8 @@ struct frame_measure {
   int32_t crossings = 0;
 };
 
-// Sums the modulator's magnitude and counts its changes of sign. The first sample always counts; so does each step to
-// or from an exact zero, whose sign is neither 1 nor -1 but what a conversion makes of an invalid number.
+// Sums the modulator's magnitude and counts its changes of sign. The first sample always counts; so does each change
+// to or from an exact zero, as its 0 / 0 converts to a third value besides 1 and -1.
 frame_measure measure(const voco_state::frame& modulator) {
   frame_measure result;
   int32_t last_sign = 0;

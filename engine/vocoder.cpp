@@ -82,11 +82,16 @@ int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t rev
                                float output_gain_db, int32_t frames, const float* const* inputs, float* const* outputs,
                                vocoder_instance* instance) noexcept {
   // clang-format off
-  const sound_values values = {wet_gain, dry_carrier_gain, dry_modulator_gain, env_mix, env_attack, env_release,
-                               env_average, mode, sibilance_on, noise_on, freeze_on, swap, reverb_level, reverb_size,
-                               cutoff, resonance, drive, internal_carrier, tuning, octave, unused, sampled, wave1, wave2,
-                               sync, ring, coarse1, fine1, pitch_source1, pitch_depth1, lfo_rate1, coarse2, fine2,
-                               pitch_source2, pitch_depth2, lfo_rate2, output_gain_db};
+  const sound_values values = {
+      wet_gain, dry_carrier_gain, dry_modulator_gain,                               // 0
+      env_mix, env_attack, env_release, env_average,                                // 3
+      mode, sibilance_on, noise_on, freeze_on, swap,                                // 7
+      reverb_level, reverb_size,                                                    // 12
+      cutoff, resonance, drive, internal_carrier, tuning, octave, unused, sampled,  // 14
+      wave1, wave2, sync, ring,                                                     // 22
+      coarse1, fine1, pitch_source1, pitch_depth1, lfo_rate1,                       // 26
+      coarse2, fine2, pitch_source2, pitch_depth2, lfo_rate2,                       // 31
+      output_gain_db};                                                              // 36
   // clang-format on
   return vocoder_process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
 }

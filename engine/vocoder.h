@@ -1,4 +1,4 @@
-// MIT License. The vocoder engine: sound values and audio blocks in, stereo out. This is its whole public face.
+// MIT License. The vocoder engine: sound values and audio blocks in, stereo out. This is its public interface.
 #pragma once
 
 #include <cstdint>
@@ -6,14 +6,15 @@
 #include "engine/sound_values.h"
 
 // One engine for one host sample rate. Every operation but `vocoder_destroy` takes the instance last and accepts null,
-// for which it does nothing and answers 1, null or nothing. None throws: where memory is exhausted the answer is a
-// refusal, and what the engine had before goes on.
+// for which it does nothing and returns 1, null or nothing. None throws: an operation that runs out of memory is
+// refused, and the engine continues with what it had.
 //
 // Threads: the process and note operations of one instance belong to one thread, the audio thread. Creation and
 // destruction must not overlap them. Two instances share nothing that is written.
 struct vocoder_instance;
 
-// Makes an engine for blocks at `sample_rate` Hz; 0 stands for 44100. Null when memory for the instance is exhausted.
+// Makes an engine for blocks at `sample_rate` Hz; 0 means 44100. Null when memory is exhausted, and for a rate that is
+// negative or not finite.
 vocoder_instance* vocoder_create(float sample_rate) noexcept;
 
 // Ends an engine; null is accepted.

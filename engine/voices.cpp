@@ -102,7 +102,7 @@ void filter_voices(const filter_run& filter, const sounding_group& group, const 
   }
 }
 
-// Adds `n` samples of the group's voices to `sums`, and lays those to rest that are done.
+// Adds `n` samples of the group's voices to `sums`, and clears those that are done.
 void add_group(const filter_run& filter, const sounding_group& group, int32_t n, wsyn_state* synth, float* sums) {
   lane_run samples{};
   lane_run levels{};

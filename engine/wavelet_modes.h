@@ -1,5 +1,5 @@
-// MIT License. The vocoders that work per octave: every level of the carrier's wavelet transform gets the loudness that
-// the modulator's has.
+// MIT License. The vocoders that work per octave: each level of the carrier's wavelet transform gets the loudness of
+// the modulator's.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ struct voco_state;
 // Mode 12: with the 4-tap filters, whose steps leak into each other. A level of the modulator passes while it is above
 // half of its own recent average, which keeps onsets and drops quiet passages. The result replaces `modulator`.
 //   shapes    modulator[n], carrier[n], samples within full scale; n is a power of two from 2 to 1024
-//   audio     takes its work buffers from the arena; when they can't be had, `modulator` stays unchanged
+//   audio     takes its work buffers from the arena; when it is exhausted, `modulator` stays unchanged
 //   state     reads and advances wavelet_level_avg
 void vocoder_wavelet(float* modulator, const float* carrier, int32_t n, voco_state* state);
 

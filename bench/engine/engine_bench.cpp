@@ -60,8 +60,8 @@ double thread_seconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// The longest of many blocks against the time that the host has for one. Interrupts still count, so the 99.9th
-// percentile stands beside the maximum.
+// The longest of many blocks against the duration of one. Interrupts still count, so the 99.9th percentile is reported
+// next to the maximum.
 void worst_block(benchmark::State& state) {
   const auto block = static_cast<int32_t>(state.range(1));
   session s(static_cast<int>(state.range(0)), block);

@@ -218,7 +218,7 @@ inline bool all_finite(const waveform& x) {
   return true;
 }
 
-inline const std::array<int, vocoder_mode_count> all_modes = [] {
+constexpr std::array<int, vocoder_mode_count> all_modes = [] {
   std::array<int, vocoder_mode_count> modes{};
   std::iota(modes.begin(), modes.end(), 0);
   return modes;
