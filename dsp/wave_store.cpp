@@ -80,7 +80,7 @@ float sine(float x) {
   return static_cast<float>(std::sin(static_cast<double>(x)));
 }
 
-// A saw of twelve harmonics with alternating sign, with a soft edge where the tangent has its pole.
+// A saw of twelve harmonics of alternating sign. Its edge is a tangent at its pole.
 float soft_saw(float x) {
   static constexpr std::array<float, 12> k_weights = {
       // 2 / n

@@ -13,7 +13,7 @@
 
 namespace {
 
-// The overlap-add outputs move on by one hop: what was built is played next.
+// Moves the overlap-add outputs on by one hop: the half that was built is played next.
 void advance_outputs(voco_state* state) {
   for (voco_state::frame* const output : {&state->ola_left, &state->ola_right}) {
     std::copy(output->begin() + frame_hop, output->end(), output->begin());

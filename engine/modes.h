@@ -27,7 +27,7 @@ enum vocoder_mode : int32_t {
 
 constexpr int32_t vocoder_mode_count = 15;
 
-// What an algorithm works on.
+// Domain in which an algorithm works.
 enum class vocoder_domain {
   bins,     // the spectra in `complex_frame` and `carrier_spectrum`; the result replaces `carrier_spectrum`
   samples,  // the frames `time_modulator` and `time_carrier`; the result replaces `time_modulator`

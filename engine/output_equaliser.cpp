@@ -34,8 +34,8 @@ constexpr std::array<curve_point, eq_bands> target_curve = {{
 constexpr float curve_q = 1.0F;
 
 // All twenty sections run side by side, one per lane, with lane 2 * band + channel. At step s band j works on sample
-// s - j, so that what a band made in one step is what the next band takes in the next. Each section sees its samples in
-// their order, and the processor sees twenty independent filters.
+// s - j, so that the output of a band in one step is the input of the next band in the next. Each section sees its
+// samples in their order, and the processor sees twenty independent filters.
 constexpr int32_t lane_count = eq_bands * eq_channels;
 constexpr size_t lane_vectors = lane_count / 4;
 

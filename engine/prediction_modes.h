@@ -1,5 +1,4 @@
-// MIT License. The vocoders by linear prediction: the envelope of the modulator's all-pole filter on the carrier's
-// residual.
+// MIT License. The linear-prediction vocoders: the carrier's residual through the modulator's all-pole filter.
 #pragma once
 
 #include <cstdint>

@@ -36,8 +36,9 @@ struct reverb_state {
 // the tail and restarts the motion; a smaller difference is ignored, so that a moving control doesn't do so in every
 // block.
 //   level     limited to 0..1; full from one half up
-//   size      limited to 0..1: rings of 422 to 22422 samples. Beyond 0.91 the decay time stays the same. NaN counts as
-//   0 in both audio     makes the two motion delays when they aren't ready; otherwise no heap
+//   size      limited to 0..1: rings of 422 to 22422 samples. Beyond 0.91 the decay time stays the same
+//   NaN       counts as 0 in both
+//   audio     makes the two motion delays when they aren't ready; otherwise no heap
 void reverb_configure(float level, float size, reverb_state* state);
 
 // Adds the tail to `*out_left` and `*out_right`, and the input to the tail. Nothing happens before the first configure.
@@ -46,8 +47,7 @@ void reverb_configure(float level, float size, reverb_state* state);
 void reverb_process(float in_left, float in_right, float* out_left, float* out_right, reverb_state* state);
 
 // Clears a tail that has overflowed. The taps rotate the channels into each other, so one bad number would spread over
-// both rings within a second and never leave. When it is called is part of the sound: the engine does so at every
-// frame.
+// both rings within a second and never leave. The time of the call is part of the sound: once per frame.
 void reverb_recover(reverb_state* state);
 
 // The same as reverb_process for `n` samples. The results don't depend on where a signal is cut into blocks.

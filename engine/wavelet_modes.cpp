@@ -23,8 +23,8 @@ constexpr double contrast = 1.1;             // exponent of the ratio
 constexpr float output_level = 0.16666667F;
 constexpr int32_t split_divisor = 32;  // levels above n / 32 are the four highest octaves
 
-// Both signals of a frame in the domain of one filter set. The transform points to the filters next to it, so
-// the record must not be copied or moved.
+// Both signals of a frame in the domain of one filter set. The transform points to the filters next to it, so the
+// record must not be copied or moved.
 struct decomposition {
   filter_set filters;
   wavelet transform;

@@ -1,5 +1,5 @@
-// MIT License. The vocoders that work per octave: each level of the carrier's wavelet transform gets the loudness of
-// the modulator's.
+// MIT License. The vocoders that work per octave: the carrier's wavelet transform gets the modulator's loudness
+// level by level.
 #pragma once
 
 #include <cstdint>
