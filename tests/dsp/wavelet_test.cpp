@@ -195,16 +195,6 @@ TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
   testing::internal::GetCapturedStdout();
 }
 
-// Periodic extension serves symmetric sets as well, at even lengths.
-TEST(Wavelet, TakesTheExtensionThatItIsTold) {
-  const wavelet transform = bound(15);
-  EXPECT_LT(reconstruction_error(transform, 1024, 9, wavelet_extension_periodic), 3e-6);
-  const signal x = noise(64);
-  EXPECT_EQ(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_symmetric));
-  EXPECT_NE(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_periodic));
-  EXPECT_EQ(forward(bound(2), x, 3), forward(bound(2), x, 3, wavelet_extension_periodic));
-}
-
 TEST(Wavelet, EqualsPlainLoopsToTheLastBit) {
   testing::internal::CaptureStdout();
   for (const int32_t number : numbers_at_hand()) {
@@ -253,23 +243,6 @@ TEST(Wavelet, EqualsPlainLoopsWithAnyFilters) {
       }
     }
   }
-}
-
-TEST(Wavelet, LaysBandsOutFromCoarseToFine) {
-  // The slowest alternation that only the highest band sees, and a constant that only the low band sees.
-  const signal alternating = {1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F};
-  const signal high = forward(bound(1), alternating, 3);
-  const signal low = forward(bound(1), signal(8, 1.0F), 3);
-  for (size_t i = 0; i < 8; ++i) {
-    EXPECT_NEAR(std::fabs(high[i]), i < 4 ? 0.0 : std::sqrt(2.0), 1e-6) << i;
-    EXPECT_NEAR(low[i], i == 0 ? std::sqrt(8.0) : 0.0, 1e-6) << i;
-  }
-}
-
-TEST(Wavelet, TurnsTheLowBandOverWithSet10) {
-  const signal constant(1024, 1.0F);
-  EXPECT_NEAR(forward(bound(10), constant, 1)[0], -std::sqrt(2.0), 1e-5);
-  EXPECT_NEAR(forward(bound(10), constant, 2)[0], 2.0, 1e-5);
 }
 
 TEST(Wavelet, WorksInPlace) {

@@ -71,18 +71,6 @@ TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
   }
 }
 
-TEST(DistanceDelay, GlidesWithATimeConstantOf3000Samples) {
-  distance_delay delay = fresh_delay(0.0F);
-  const float from = delay.delay;
-  distance_delay_set(1.0F, false, &delay);
-  EXPECT_EQ(delay.delay, from);
-  waveform samples = silence(60000);
-  distance_delay_process(samples.data(), samples.data(), 3000, &delay);
-  EXPECT_NEAR((delay.delay - from) / (delay.target_delay - from), 1.0 - std::exp(-1.0), 0.001);
-  distance_delay_process(samples.data(), samples.data(), 60000, &delay);
-  EXPECT_NEAR(delay.delay, delay.target_delay, 0.5);
-}
-
 TEST(DistanceDelay, FollowsPositionsAsSettingThemOneByOneDoes) {
   distance_delay followed = fresh_delay(0.2F);
   distance_delay stepped = fresh_delay(0.2F);
@@ -233,23 +221,6 @@ TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
   waveform unchanged = voice;
   chorus_process(unchanged.data(), right.data(), 512, &state->chorus);
   EXPECT_EQ(unchanged, voice);
-}
-
-TEST(Engine, PutsTheChorusOnTheVocodedSignalAlone) {
-  const waveform voice = vowel(44100, 700.0, 0.3);
-  const waveform carrier = noise(voice.size(), 0.3F);
-  sound_values sound = external_carrier_sound(6.0F);  // both channels alike
-  sound[value_dry_modulator_gain] = 1.0F;
-  const auto with = [&](effect_switches effects) {
-    return run(sound, voice, carrier, 300, make_instance().get(), effects);
-  };
-  const stereo plain = with({});
-  const stereo chorus = with({.chorus = 1});
-  EXPECT_EQ(plain.left, plain.right);
-  EXPECT_GT(largest_difference(chorus.left, plain.left), 0.01F);
-  EXPECT_GT(largest_difference(chorus.left, chorus.right), 0.01F);
-  sound[value_wet_gain] = 0.0F;
-  EXPECT_EQ(with({.chorus = 1}).left, with({}).left);
 }
 
 }  // namespace

@@ -79,21 +79,6 @@ TEST_F(Notes, RetriggerInTheirSlotAndGoOnFromTheirLevel) {
   EXPECT_EQ(slots_in_use(), 1);
 }
 
-TEST_F(Notes, RiseAndFallWithATimeConstantOf501Samples) {
-  notes_on(60, synth, mirror);
-  play(501);
-  EXPECT_NEAR(state.synth.voices[60].level, 1.0 - std::exp(-1.0), 0.001);
-  play(20000);
-  notes_off(60, synth, mirror);
-  play(501);
-  EXPECT_NEAR(state.synth.voices[60].level, std::exp(-1.0), 0.001);
-  play(3000);  // -60 dB after 6.9 time constants
-  EXPECT_EQ(voice(60), voice_idle);
-  EXPECT_EQ(state.synth.voices[60].phase1, 0.0F);
-  EXPECT_EQ(state.synth.voices[60].filter[4], 0.0F);
-  EXPECT_EQ(state.synth.sounding[0] | state.synth.sounding[1], 0U);
-}
-
 TEST_F(Notes, AreKeptByThePedal) {
   notes_on(60, synth, mirror);
   notes_on(64, synth, mirror);
@@ -149,14 +134,6 @@ TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
   }
   notes_off(61, synth, mirror);
   EXPECT_EQ(state.note_mirror[0], 60.0F);
-}
-
-TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
-  state.synth.cutoff_target = 0.1F;
-  const float before = state.synth.cutoff_now;
-  play(100);
-  EXPECT_EQ(last, 0.0F);
-  EXPECT_NE(state.synth.cutoff_now, before);
 }
 
 // One sample by plain loops, voice after voice.

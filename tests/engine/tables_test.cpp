@@ -100,31 +100,6 @@ TEST(Tables, ClearTheEnvelopesAloneWhenTheModeChanges) {
   EXPECT_EQ(state->frame_pos, 700);
 }
 
-// --- Windows ---
-
-TEST(Tables, HoldTheWindows) {
-  const auto state = committed(plain_sound(0.0F));
-  struct point {
-    size_t i;
-    double hann, trapezoid, welch;
-  };
-  const point points[] = {{0, 0.0, 0.0, 0.0},
-                          {1, 9.4124e-6, 0.01953125, 0.00390244},
-                          {64, 0.03806023, 1.25, 0.234375},
-                          {128, 0.14644661, 2.5, 0.4375},
-                          {256, 0.5, 2.5, 0.75},
-                          {512, 1.0, 2.5, 1.0},
-                          {768, 0.5, 2.5, 0.75},
-                          {896, 0.14644661, 2.5, 0.4375},
-                          {897, 0.14428390, 2.48046875, 0.43456650},
-                          {1023, 9.4124e-6, 0.01953125, 0.00390244}};
-  for (const point& p : points) {
-    EXPECT_NEAR(state->hann_window[p.i], p.hann, 3e-7) << p.i;
-    EXPECT_NEAR(state->trapezoid_window[p.i], p.trapezoid, 3e-7) << p.i;
-    EXPECT_NEAR(state->welch_window[p.i], p.welch, 3e-7) << p.i;
-  }
-}
-
 // --- The internal carrier ---
 
 TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
@@ -232,18 +207,6 @@ TEST(Tables, DrawTheTargetCurve) {
       EXPECT_EQ(section->flat_a2, static_cast<float>(1.0 - alpha)) << band;
       EXPECT_EQ(section->gain, static_cast<float>(std::pow(double{overall}, double{0.1F}))) << band;
     }
-  }
-}
-
-TEST(Tables, GiveEachSideItsOwnMemory) {
-  output_equaliser equaliser;
-  equaliser_prepare(44100.0F, nullptr, &equaliser);
-  equaliser_set_gain(0.0F, &equaliser);
-  waveform left(20, 1.0F), right(20, 0.0F);
-  equaliser_process(left.data(), right.data(), 20, &equaliser);
-  for (size_t band = 0; band < 10; ++band) {
-    EXPECT_NE(equaliser.left[band].y1, 0.0F) << band;
-    EXPECT_EQ(equaliser.right[band].y1, 0.0F) << band;
   }
 }
 
