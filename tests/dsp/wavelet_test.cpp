@@ -6,25 +6,21 @@
 
 #include <bit>
 #include <cmath>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "tests/dsp/plain_wavelet.h"
+#include "tests/words/signals.h"
 
 namespace {
 
 using signal = std::vector<float>;
 
-signal noise(int32_t count, unsigned seed = 1) {
-  std::mt19937 generator(seed);
-  std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
-  signal x(static_cast<size_t>(count));
-  for (float& sample : x) sample = distribution(generator);
-  return x;
+signal noise(int32_t count, uint32_t seed = 1) {
+  return ::noise(static_cast<size_t>(count), 1.0F, seed);
 }
 
-std::vector<int32_t> numbers_at_hand() {
+std::vector<int32_t> set_numbers() {
   std::vector<int32_t> numbers;
   for (int32_t number = 1; number <= filter_set_last_number; ++number) {
     if (filter_set_of_number(number) != nullptr) numbers.push_back(number);
@@ -110,11 +106,11 @@ double product(const wavelet_filter& a, const wavelet_filter& b, int32_t lag) {
 }
 
 TEST(FilterSets, HaveTheirKindAndSize) {
-  EXPECT_EQ(numbers_at_hand(),
+  EXPECT_EQ(set_numbers(),
             (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 16, 18, 19, 20, 21, 22, 23, 24, 25}));
   EXPECT_EQ(filter_set_of_number(0), nullptr);
   EXPECT_EQ(filter_set_of_number(filter_set_last_number + 1), nullptr);
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const filter_set& set = *filter_set_of_number(number);
     EXPECT_EQ(set.symmetric, number < 15 ? 0 : 1) << number;
     EXPECT_NEAR(tap_sum(set.analysis_low), number == 10 ? -std::sqrt(2.0) : std::sqrt(2.0), 2e-7) << number;
@@ -125,7 +121,7 @@ TEST(FilterSets, HaveTheirKindAndSize) {
 }
 
 TEST(FilterSets, AreOrthogonalToTheirShiftsByTwo) {
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const filter_set& set = *filter_set_of_number(number);
     for (int32_t lag = -100; lag <= 100; lag += 2) {
       const double expected = lag == 0 ? 1.0 : 0.0;
@@ -175,7 +171,7 @@ TEST(FilterSets, RefuseFiltersThatDoNotFit) {
 }
 
 TEST(Wavelet, ReconstructsWithEverySet) {
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     EXPECT_LT(reconstruction_error(transform, 1024, 9), 2e-6) << number;
   }
@@ -183,7 +179,7 @@ TEST(Wavelet, ReconstructsWithEverySet) {
 
 TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
   testing::internal::CaptureStdout();
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     if (transform.symmetric == 0) continue;
     for (const int32_t size : {1, 2, 3, 5, 6, 7, 13, 100, 1023}) {
@@ -197,10 +193,10 @@ TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
 
 TEST(Wavelet, EqualsPlainLoopsToTheLastBit) {
   testing::internal::CaptureStdout();
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     for (const int32_t size : {1, 2, 3, 4, 7, 8, 9, 31, 64, 100, 257, 1023, 1024}) {
-      const signal x = noise(size, static_cast<unsigned>(size));
+      const signal x = noise(size, static_cast<uint32_t>(size));
       for (const int32_t steps : {0, 1, 2, all_steps(size) - 1, all_steps(size) + 2}) {
         for (const int32_t extension : {-1, 0, 1}) {
           signal expected(x.size());

@@ -12,9 +12,13 @@
 #include <vector>
 
 #include "dsp/fft.h"
+#include "dsp/oscillators.h"
 #include "engine/modes.h"
+#include "engine/parameter_commit.h"
 #include "engine/sound_values.h"
+#include "engine/voco_state.h"
 #include "engine/vocoder.h"
+#include "tests/words/signals.h"
 
 using waveform = std::vector<float>;
 
@@ -55,7 +59,17 @@ inline sound_values external_carrier_sound(float mode) {
   return v;
 }
 
-// What is switched on beside the sound.
+// A signal state after the commit of `sound`, its synthesizer ready to render unmodulated.
+inline std::unique_ptr<voco_state> committed(const sound_values& sound, float core_rate = 44100.0F) {
+  auto state = std::make_unique<voco_state>();
+  voco_params params = voco_params_from(sound, 0.0F, core_rate);
+  voco_commit(&params, state.get());
+  wsyn_select_render(&state->synth);
+  state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
+  return state;
+}
+
+// Effects that are switched on in addition to the sound.
 struct effect_switches {
   int32_t chorus = 0;
   int32_t reverb = 0;
@@ -83,16 +97,6 @@ inline stereo run_fresh(const sound_values& sound, const waveform& modulator, co
 
 inline waveform silence(size_t count) {
   return waveform(count, 0.0F);
-}
-
-// White noise in -level..level from a fixed seed.
-inline waveform noise(size_t count, float level, uint32_t seed = 1) {
-  waveform out(count);
-  for (float& sample : out) {
-    seed = seed * 1664525U + 1013904223U;
-    sample = level * (static_cast<float>(seed >> 8) / 8388608.0F - 1.0F);
-  }
-  return out;
 }
 
 inline waveform sine(size_t count, double frequency_hz, double level, double rate_hz = 44100.0) {

@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "dsp/oscillators.h"
-#include "engine/parameter_commit.h"
 #include "engine/voco_state.h"
 #include "engine/voices.h"
 #include "tests/engine/engine_words.h"
@@ -15,15 +11,6 @@ namespace {
 
 class Notes : public testing::Test {
  protected:
-  static std::unique_ptr<voco_state> committed() {
-    auto voco = std::make_unique<voco_state>();
-    voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
-    voco_commit(&params, voco.get());
-    wsyn_select_render(&voco->synth);
-    voco->synth.pitch_mod1 = voco->synth.pitch_mod2 = 1.0;
-    return voco;
-  }
-
   int32_t voice(int32_t note) const { return state.synth.voices[note].state; }
   int slots_in_use() const {
     return static_cast<int>(std::count_if(std::begin(state.synth.note_slots), std::end(state.synth.note_slots),
@@ -33,7 +20,7 @@ class Notes : public testing::Test {
     for (int i = 0; i < samples; ++i) last = wsyn_next_sample(&state.synth);
   }
 
-  std::unique_ptr<voco_state> owner = committed();
+  std::unique_ptr<voco_state> owner = committed(plain_sound(2.0F));
   voco_state& state = *owner;
   wsyn_state* const synth = &state.synth;
   note_list* const mirror = &state.note_mirror;
@@ -134,48 +121,6 @@ TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
   }
   notes_off(61, synth, mirror);
   EXPECT_EQ(state.note_mirror[0], 60.0F);
-}
-
-// One sample by plain loops, voice after voice.
-float plain_next_sample(wsyn_state* synth) {
-  float sum = 0.0F;
-  for (int32_t note = 0; note < wsyn_voice_count; ++note) {
-    voice_record& voice = synth->voices[note];
-    if (voice.state == voice_idle) continue;
-    const bool releasing = voice.state == voice_releasing;
-    voice.level = (releasing ? voice.level * 500.0F : voice.level * 500.0F + 1.0F) * 0.001996008F;
-    const float x = synth->render(static_cast<float>(synth->note_ratio1[note]),
-                                  static_cast<float>(synth->note_ratio2[note]), &voice, synth);
-    float* const y = voice.filter;
-    const float k = synth->filter_feedback;
-    const float g = synth->filter_scale;
-    y[0] = (x - (y[4] - y[2] + y[1] - y[0]) * synth->filter_amount * 0.8205F + y[0] * k) * g;
-    for (int32_t stage = 1; stage < 5; ++stage) y[stage] = (y[stage] * k + y[stage - 1]) * g;
-    sum += y[4] * voice.level;
-    if (releasing && voice.level < 0.001F) voice = {};
-  }
-  wsyn_advance_filter(synth);
-  return sum * 0.75F / std::sqrt(10.0F);
-}
-
-TEST_F(Notes, SoundInRunsAsOneByOne) {
-  const auto plain = committed();
-  for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {
-    // From one to nine voices, some of them released: they end within the longest run.
-    for (voco_state* const voco : {&state, plain.get()}) {
-      notes_on(40 + run % 50, &voco->synth, &voco->note_mirror);
-      notes_on(100 - run % 60, &voco->synth, &voco->note_mirror);
-      notes_off(40 + run % 7, &voco->synth, &voco->note_mirror);
-      voco->synth.cutoff_target = 1.0F / static_cast<float>(run);
-      voco->synth.filter_gain = 1.5F;
-    }
-    std::vector<float> samples(static_cast<size_t>(run));
-    wsyn_next_samples(run, &state.synth, samples.data());
-    for (const float sample : samples) ASSERT_EQ(sample, plain_next_sample(&plain->synth)) << run;
-    ASSERT_EQ(std::memcmp(state.synth.voices, plain->synth.voices, sizeof state.synth.voices), 0) << run;
-    ASSERT_NE(samples.back(), 0.0F);
-  }
-  EXPECT_EQ(voice(41), voice_idle);
 }
 
 TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {

@@ -19,13 +19,6 @@
 
 namespace {
 
-std::unique_ptr<voco_state> committed(const sound_values& sound, float core_rate = 44100.0F) {
-  auto state = std::make_unique<voco_state>();
-  voco_params params = voco_params_from(sound, 0.0F, core_rate);
-  voco_commit(&params, state.get());
-  return state;
-}
-
 // --- Values ---
 
 // Every value is one more than its number, so that none can pass for another.
@@ -107,7 +100,6 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   sound[value_internal_carrier] = 0.6F;
   const auto state = committed(sound);
   for (const int32_t note : {45, 57, 64}) notes_on(note, &state->synth, &state->note_mirror);
-  state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
   const auto twin = std::make_unique<voco_state>();
   twin->synth = state->synth;
   wsyn_select_render(&twin->synth);
@@ -121,7 +113,6 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
 
 TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
   const auto state = committed(plain_sound(2.0F));
-  wsyn_select_render(&state->synth);
   const voice_record& voice = state->synth.voices[60];
   const auto play = [&](int samples) {
     for (int i = 0; i < samples; ++i) wsyn_next_sample(&state->synth);
