@@ -61,7 +61,7 @@ signal inverse(const wavelet& transform, const signal& x, int32_t steps, int32_t
   return out;
 }
 
-// What tells 0 from -0.
+// Distinguishes 0 from -0.
 std::vector<uint32_t> bits(const signal& x) {
   std::vector<uint32_t> result;
   for (const float sample : x) result.push_back(std::bit_cast<uint32_t>(sample));
@@ -255,7 +255,7 @@ TEST(Wavelet, WorksInPlace) {
   }
 }
 
-TEST(Wavelet, RefusesTooLittleRoom) {
+TEST(Wavelet, RefusesATooSmallWorkspace) {
   const wavelet transform = bound(3);
   const signal x = noise(16);
   signal out(16, 5.0F);

@@ -48,7 +48,7 @@ TEST(DistanceDelay, IsAsLongAsSoundNeedsForTheDistance) {
   for (const float far : {1.5F, 1e30F, infinite}) EXPECT_NEAR(fresh_delay(far).delay, 1285.71, 0.005) << far;
 }
 
-TEST(DistanceDelay, TellsTheLevelOfTheDistanceAndAppliesNone) {
+TEST(DistanceDelay, ComputesTheLevelOfItsDistanceWithoutApplyingIt) {
   EXPECT_FLOAT_EQ(distance_delay_gain(distance_delay{}), 1.0F);
   EXPECT_FLOAT_EQ(distance_delay_gain(fresh_delay(0.4F)), 0.5F);
   distance_delay delay = fresh_delay(1.0F);
@@ -71,7 +71,7 @@ TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
   }
 }
 
-TEST(DistanceDelay, FollowsPositionsAsSettingThemOneByOneDoes) {
+TEST(DistanceDelay, FollowsPositionsLikeSettingThemOneByOne) {
   distance_delay followed = fresh_delay(0.2F);
   distance_delay stepped = fresh_delay(0.2F);
   waveform samples = noise(5000, 1.0F);
@@ -142,7 +142,7 @@ positions positions_from(const motion_shape& shape, double counter, size_t count
   return all;
 }
 
-TEST(Motion, FollowsItsFormulaThroughWholeTurnsHoweverLateItIs) {
+TEST(Motion, FollowsItsFormulaThroughWholeTurnsAtAnyTime) {
   for (const motion_shape& shape : {chorus_motion, reverb_motion}) {
     for (const double start : {0.0, 176400.0 * 50, 1e9 - 100001.0}) {
       const size_t count = 230000;
@@ -160,7 +160,7 @@ TEST(Motion, FollowsItsFormulaThroughWholeTurnsHoweverLateItIs) {
   }
 }
 
-TEST(Motion, IsTheSameHoweverItIsCut) {
+TEST(Motion, DoesNotDependOnTheLengthOfCalls) {
   const positions whole = positions_from(chorus_motion, 176000.0, 1000, motion_span);
   for (const int32_t longest : {1, 7, 63}) {
     const positions cut = positions_from(chorus_motion, 176000.0, 1000, longest);
@@ -199,7 +199,7 @@ TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
   EXPECT_LT(longest, 322.0F);
 }
 
-TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
+TEST(Chorus, KeepsItsPositionWhileOffAndPassesSignalsWithoutItsDelays) {
   const auto state = std::make_unique<voco_state>();
   waveform voice = noise(512, 0.3F);
   waveform carrier = noise(512, 0.3F, 2);

@@ -1,4 +1,4 @@
-// MIT License. The words that the engine's tests are written in.
+// MIT License. Helpers of the engine's tests: sounds, signals and measurements.
 #pragma once
 
 #include <algorithm>
@@ -108,7 +108,7 @@ inline waveform sine(size_t count, double frequency_hz, double level, double rat
   return out;
 }
 
-// A voice-like source: harmonics of 110 Hz that stand out around `formant_hz`.
+// A voice-like source: harmonics of 110 Hz that are loudest around `formant_hz`.
 inline waveform vowel(size_t count, double formant_hz, double level) {
   waveform out(count, 0.0F);
   for (int harmonic = 1; harmonic < 150; ++harmonic) {

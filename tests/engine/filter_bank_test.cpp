@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(FilterBank, LeavesTheModulatorAsItCameWhenTheArenaIsExhausted) {
+TEST(FilterBank, LeavesTheModulatorUnchangedWhenTheArenaIsExhausted) {
   const auto state = std::make_unique<voco_state>();
   const waveform modulator = noise(frame_size, 1.0F);
   for (const int32_t capacity : {0, 1024, 16 * 1024}) {

@@ -94,7 +94,7 @@ sound_values sound_with_all_memories(int mode) {
   return sound;
 }
 
-TEST(HotSamples, LeaveEveryModeSoon) {
+TEST(HotSamples, DecayInEveryMode) {
   const std::pair<const char*, waveform> hot_samples[] = {
       {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"many of 3e38", waveform(700, 3e38F)}};
   for (const int mode : all_modes) {
@@ -107,7 +107,7 @@ TEST(HotSamples, LeaveEveryModeSoon) {
   }
 }
 
-TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
+TEST(HotSamples, DecayToTheSameBitsAtAnyBlockLength) {
   sound_values sound = sound_with_all_memories(2);
   sound[value_reverb_size] = 0.7F;
   const waveform hot(700, 3e38F);
@@ -115,7 +115,7 @@ TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
   for (const int32_t block : {1, 64, 4096}) EXPECT_EQ(after_hot_samples(sound, {1, 1}, hot, block), expected) << block;
 }
 
-TEST(HotSamples, LeaveTheOscillatorsThatFollowTheLevel) {
+TEST(HotSamples, DoNotStallOscillatorsThatFollowTheLevel) {
   for (const float sampled : {0.0F, 1.0F}) {
     sound_values sound = plain_sound(15.0F);  // the carrier alone
     sound[value_sampled] = sampled;

@@ -60,7 +60,7 @@ class ScarceMemory : public testing::TestWithParam<float> {
   instance_ptr instance;
 };
 
-TEST_P(ScarceMemory, IsRefusedAtTheStartWithoutAnException) {
+TEST_P(ScarceMemory, IsReportedAtTheStartWithoutAnException) {
   int64_t number = 0;
   const auto begin = [&] {
     instance = make_instance(GetParam());
@@ -79,7 +79,7 @@ TEST_P(ScarceMemory, IsRefusedAtTheStartWithoutAnException) {
   EXPECT_GT(number, 6);  // the instance, the sound, the buffers
 }
 
-TEST_P(ScarceMemory, LeavesTheSoundThatPlays) {
+TEST_P(ScarceMemory, KeepsThePreviousSound) {
   start();
   play(1, 512);
   const waveform steady = left;

@@ -81,7 +81,7 @@ TEST_F(Notes, AreKeptByThePedal) {
   EXPECT_EQ(slots_in_use(), 1);
 }
 
-TEST_F(Notes, ComeFromAListToo) {
+TEST_F(Notes, CanBeSetAsAList) {
   notes_on(40, synth, mirror);
   notes_on(41, synth, mirror);
   const std::array<float, 4> list = {10.0F, 72.9F, 26.0F, 200.0F};
@@ -123,7 +123,7 @@ TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
   EXPECT_EQ(state.note_mirror[0], 60.0F);
 }
 
-TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
+TEST_F(Notes, KeepTheBitsOfSoundingVoicesUpToDate) {
   uint32_t seed = 5;
   for (int i = 0; i < 20000; ++i) {
     seed = seed * 1664525U + 1013904223U;

@@ -65,7 +65,7 @@ waveform recover_plainly(std::array<eq_section, eq_bands>* sections, const wavef
   return out;
 }
 
-TEST(OutputEqualiser, RestsAfterAnOverflowAtAnyBlockLengthAndLeavesTheOtherChannelAlone) {
+TEST(OutputEqualiser, RecoversFromAnOverflowAtAnyBlockLengthWithoutTouchingTheOtherChannel) {
   waveform hot_left = noise(2000, 1.0F, 1);
   waveform hot_right = noise(2000, 1.0F, 2);
   for (const size_t at : {0U, 700U, 701U, 705U, 1990U, 1999U}) hot_left[at] = 3e38F;
@@ -89,7 +89,7 @@ TEST(OutputEqualiser, RestsAfterAnOverflowAtAnyBlockLengthAndLeavesTheOtherChann
   }
 }
 
-TEST(OutputEqualiser, AddsOffsetsToItsCurveWhenGivenAny) {
+TEST(OutputEqualiser, AddsOffsetsToItsCurve) {
   output_equaliser equaliser = fresh_equaliser(0.0F);
   const std::array<float, eq_bands> offsets = {0, 0, 0, 0, 0, -6.0F, 0, 0, 0, 0};
   equaliser_prepare(44100.0F, offsets.data(), &equaliser);

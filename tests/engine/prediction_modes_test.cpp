@@ -59,13 +59,13 @@ TEST(DcBlock, RoundsItsInputTowardsZeroAndItsOutputDown) {
   EXPECT_EQ(without_dc({-1.5F * quantum, -1.5F * quantum}), (waveform{-quantum, -quantum}));
 }
 
-TEST(DcBlock, TakesWhateverComes) {
+TEST(DcBlock, AcceptsAnySample) {
   waveform x = {1e30F, -1e30F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 1.0F,
                 -1.0F, 1.0F};
   EXPECT_TRUE(all_finite(without_dc(x)));
 }
 
-TEST(Prediction, OfASignalByItselfGivesAQuarterOfItWithoutDc) {
+TEST(Prediction, OfASignalWithItselfIsAQuarterOfItWithoutDc) {
   predictor p;
   const waveform x = windowed(vowel(frame_length, 800.0, 0.5));
   const waveform expected = without_dc(x);
@@ -97,7 +97,7 @@ TEST(Prediction, StaysFiniteOnPoorlyConditionedFrames) {
   }
 }
 
-TEST(Prediction, LeavesTheModulatorAsItCameWhenTheArenaIsExhausted) {
+TEST(Prediction, LeavesTheModulatorUnchangedWhenTheArenaIsExhausted) {
   predictor p;
   const waveform modulator = noise(frame_length, 1.0F);
   for (const int32_t capacity : {0, frame_length, 2 * frame_length - 1}) {

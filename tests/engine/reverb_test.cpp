@@ -131,7 +131,7 @@ TEST(Reverb, EqualsTheLoopOverItsTapsBitForBitAtAnySize) {
   }
 }
 
-TEST(Reverb, IsAsGoodAsNewOnceItHasRecoveredFromAnOverflow) {
+TEST(Reverb, IsLikeNewAfterRecoveringFromAnOverflow) {
   const reverb_ptr spoilt = fresh_reverb(0.5F, 0.3F);
   const reverb_ptr clean = fresh_reverb(0.5F, 0.3F);
   const waveform voice = noise(20000, 0.5F);
@@ -149,7 +149,7 @@ TEST(Reverb, IsAsGoodAsNewOnceItHasRecoveredFromAnOverflow) {
   EXPECT_EQ(clean->left, before);  // without an overflow the tail stays
 }
 
-TEST(Reverb, HasItsTapsInsideItsRing) {
+TEST(Reverb, KeepsItsTapsInsideItsRing) {
   EXPECT_EQ(fresh_reverb(1.0F, 0.0F)->limit, 421);
   EXPECT_EQ(fresh_reverb(1.0F, 1.0F)->limit, 22421);
   const tap_positions expected = {200,   2735,  4290, 7044,  9948,  11510, 14715, 16173, 8606,  9443,  17071,
@@ -165,7 +165,7 @@ TEST(Reverb, HasItsTapsInsideItsRing) {
   EXPECT_EQ(fresh_reverb(1.0F, infinite)->limit, 22421);
 }
 
-TEST(Reverb, IsFullFromALevelOfOneHalfOn) {
+TEST(Reverb, ReachesFullLevelAtOneHalf) {
   const waveform in = noise(20000, 0.5F);
   const auto tail = [&](float level) { return tail_of(in, in, fresh_reverb(level, 0.5F).get()).left; };
   const waveform full = tail(1.0F);
@@ -177,7 +177,7 @@ TEST(Reverb, IsFullFromALevelOfOneHalfOn) {
   for (const float silent : {0.0F, -1.0F, nan_value}) EXPECT_EQ(peak(tail(silent)), 0.0F) << silent;
 }
 
-TEST(Reverb, ClearsItsTailForAnotherSizeOnly) {
+TEST(Reverb, ClearsItsTailOnlyWhenTheSizeChanges) {
   const reverb_ptr state = fresh_reverb(0.5F, 0.5F);
   const waveform in = noise(20000, 0.5F);
   tail_of(in, in, state.get());

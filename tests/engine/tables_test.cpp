@@ -1,5 +1,5 @@
-// MIT License. The engine's figures, written or worked out once more. Those of the frame step, the spectral modes and
-// the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
+// MIT License. The engine's constants, stated or computed independently. Those of the frame step, the spectral modes
+// and the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -111,7 +111,7 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   EXPECT_GT(std::fabs(state->carrier_frame[1000]), 1e-4F);
 }
 
-TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
+TEST(Tables, FadeAReleasedNoteBy60Decibels) {
   const auto state = committed(plain_sound(2.0F));
   const voice_record& voice = state->synth.voices[60];
   const auto play = [&](int samples) {
@@ -150,7 +150,7 @@ TEST(Tables, SwitchAtTheirThresholds) {
 
 // --- Delays ---
 
-TEST(Tables, MoveTheDelays) {
+TEST(Tables, HoldTheMotionOfTheDelays) {
   EXPECT_EQ(chorus_motion.step, 3.561896432641489e-05);
   EXPECT_EQ(chorus_motion.reach, 0.25);
   EXPECT_EQ(reverb_motion.step, 2.849517146113191e-05);
@@ -175,7 +175,7 @@ TEST(Tables, ClearTheLargestRings) {
 
 // --- Equaliser ---
 
-TEST(Tables, DrawTheTargetCurve) {
+TEST(Tables, HoldTheTargetCurve) {
   constexpr float curve[10][2] = {{32, 3},   {64, 2},      {125, 1},    {250, 0},  {500, 0},
                                   {1000, 0}, {2000, 1.25}, {4000, 1.5}, {8000, 2}, {16000, 2.5}};
   output_equaliser equaliser;

@@ -54,14 +54,14 @@ TEST(Vocoder, ToleratesANullInstance) {
   vocoder_destroy(nullptr);
 }
 
-TEST(Vocoder, RefusesRatesThatAreNone) {
+TEST(Vocoder, RefusesNegativeAndNonFiniteRates) {
   for (const float rate :
        {-44100.0F, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
     EXPECT_EQ(vocoder_create(rate), nullptr) << rate;
   }
 }
 
-TEST(Vocoder, ReadsARateOfZeroAs44100) {
+TEST(Vocoder, TakesARateOfZeroAs44100) {
   const waveform voice = noise(8000, 0.3F);
   EXPECT_EQ(run(dry_sound(), voice, {}, 333, make_instance(0.0F).get()).left, run_fresh(dry_sound(), voice).left);
 }
@@ -99,7 +99,7 @@ TEST(Vocoder, ChangesItsSoundOnlyWithAKeyAndAText) {
   EXPECT_NE(play({{1, key}, {3, key}, {3, nullptr}, {3, nullptr}}), steady);
 }
 
-TEST(Vocoder, NamesACurveThatThereIsNot) {
+TEST(Vocoder, ReportsAnUnknownTargetCurve) {
   const instance_ptr instance = make_instance();
   testing::internal::CaptureStdout();
   EXPECT_EQ(vocoder_set_target_curve(0, 1, instance.get()), 0);
@@ -124,11 +124,11 @@ TEST(Vocoder, BendsAllNotesByTwoSemitones) {
   EXPECT_NEAR(cents(bent_hz(127), centre), 200.0 * 63 / 64, 1.0);
 }
 
-TEST(Vocoder, TellsAndTakesItsNotesAsAList) {
+TEST(Vocoder, ReturnsAndAcceptsItsNotesAsAList) {
   const instance_ptr instance = make_instance();
   vocoder_note_on(60, 1, instance.get());
   vocoder_note_on(64, 127, instance.get());
-  vocoder_note_on(60, 0, instance.get());  // velocity 0 lets go
+  vocoder_note_on(60, 0, instance.get());  // velocity 0 releases
   uint32_t bytes = 0;
   const float* const list = vocoder_get_note_list(&bytes, instance.get());
   ASSERT_EQ(bytes, 128U);
@@ -153,7 +153,7 @@ TEST(Framing, HalvesAndClampsTheDryCarrier) {
   EXPECT_EQ(run_fresh(sound, noise(6000, 0.5F, 9), carrier).left, equalised_delay(halved));
 }
 
-TEST(Framing, GivesTheSameBitsAtAnyBlockLength) {
+TEST(Framing, IsBitIdenticalAtAnyBlockLength) {
   const waveform voice = vowel(12000, 700.0, 0.05);
   const waveform carrier = noise(voice.size(), 0.3F);
   for (const int mode : all_modes) {
@@ -179,7 +179,7 @@ TEST(Framing, ConvertsEachBlockOnItsOwn) {
   EXPECT_EQ(two, (std::array<float, 2>{0.0F, 0.0F}));
 }
 
-TEST(Framing, StretchesTheTuningByWhatRoundingABlockCosts) {
+TEST(Framing, AppliesTheRoundingOfABlockToTheTuning) {
   vocoder_core core;
   block_framing framing;
   framing.sample_rate = 48000.0;
@@ -207,7 +207,7 @@ TEST(Framing, ShiftsThePitchByTwiceTheRoundingOfABlock) {
   EXPECT_NEAR(heard_cents(96000.0F, 160), 2400.0 * std::log2(74.0 / 73.5), 1.0);
 }
 
-TEST(Framing, TakesTheSameArraysForInputAndOutput) {
+TEST(Framing, AcceptsTheSameArraysForInputAndOutput) {
   const waveform voice = noise(4096, 0.5F);
   waveform left = voice;
   waveform right = silence(voice.size());
@@ -287,7 +287,7 @@ waveform play_chord(int mode, vocoder_instance* instance) {
   return run(plain_sound(static_cast<float>(mode)), vowel(16384, 900.0, 0.05), {}, 480, instance).left;
 }
 
-TEST(RepeatabilityThreads, InstancesOnTwoThreadsDisturbEachOtherNowhere) {
+TEST(RepeatabilityThreads, InstancesOnTwoThreadsDoNotDisturbEachOther) {
   waveform results[2];
   std::thread threads[2];
   for (size_t i = 0; i < 2; ++i) {

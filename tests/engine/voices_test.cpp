@@ -33,7 +33,7 @@ float plain_next_sample(wsyn_state* synth) {
   return sum * 0.75F / std::sqrt(10.0F);
 }
 
-TEST(Voices, SoundInRunsAsOneByOneInPlainLoops) {
+TEST(Voices, EqualPlainLoopsBitForBitInRunsOfAnyLength) {
   const auto state = committed(plain_sound(2.0F));
   const auto plain = committed(plain_sound(2.0F));
   for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {

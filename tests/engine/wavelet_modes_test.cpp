@@ -134,7 +134,7 @@ TEST(WaveletModes, EqualPlainLoopsToTheLastBit) {
   }
 }
 
-TEST(WaveletModes, LeaveTheModulatorAsItCameWhenTheArenaIsExhausted) {
+TEST(WaveletModes, LeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
   const waveform modulator = noise(n, 1.0F);
   for (const int mode : wavelet_modes) {
     vocoder_on_frames v;
