@@ -1,4 +1,4 @@
-// MIT License. Conversion of floating-point numbers to integers with a stated outcome for every input.
+// MIT License. Conversion of floating-point numbers to integers defined for every input.
 #pragma once
 
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <limits>
 
 // Truncates `value` towards zero.
-//   returns  INT32_MIN for NaN and for everything whose whole part lies outside int32, as the processor's conversion
+//   returns  INT32_MIN for NaN and for values whose integer part is outside int32, as the processor's conversion
 //            does; a bare cast would be undefined there
 constexpr int32_t truncate_to_int32(float value) {
   return std::fabs(value) < 0x1p31f ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();

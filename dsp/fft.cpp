@@ -144,7 +144,7 @@ struct twiddle {
   float4 sine;
 };
 
-// A quarter turn on.
+// Turned by another quarter.
 twiddle quarter_turned(const twiddle& w) {
   return {-w.sine, w.cosine};
 }
@@ -241,8 +241,8 @@ inline void radix8_butterfly(const twiddle_set& w, std::array<points, 8>& x) {
   butterfly<direction>(w.span4_three_eighths, x[3], x[7]);
 }
 
-// Where the four columns of one pass lie. From span 4 on they are neighbours in one block. Span 2 has two columns only,
-// so two blocks go together; in a signal of a single block (16 points) that block stands in for both.
+// Places of the four columns of one pass. From span 4 on they are neighbours in one block. Span 2 has two columns only,
+// so two blocks go together; in a signal of a single block (16 points) that block is used twice.
 struct column_layout {
   std::array<int32_t, 4> columns;  // relative to the pass's first column
   int32_t second_pair;             // floats from the first two columns to the other two

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 // Signals are 2N floats, real and imaginary parts alternating, in natural order before and after; N = 2^log2_size.
-// There is no other state than the caller's table, so transforms may run on any number of threads at once, and they use
+// There is no state other than the caller's table, so transforms may run on any number of threads at once, and they use
 // neither heap nor locks.
 
 constexpr int32_t fft_min_log2_size = 3;

@@ -1,4 +1,4 @@
-// MIT License. Filter sets of the wavelet transform, and the table of those at hand.
+// MIT License. Filter sets of the wavelet transform, and the table of the available ones.
 #pragma once
 
 #include <array>
@@ -45,5 +45,5 @@ constexpr int32_t filter_set_daubechies_76 = 10;
 constexpr int32_t filter_set_last_number = 26;
 
 // Looks a set up in the table. Sets have fixed numbers from 1 to filter_set_last_number, and some numbers have no set.
-//   returns   the set, constant and there before any code runs; null when the number has none
+//   returns   a constant set, initialised at compile time; null when the number has none
 const filter_set* filter_set_of_number(int32_t number);

@@ -49,7 +49,7 @@ void taper_lags(int32_t length, int32_t count, float* lags) {
   for (int32_t k = 0; k < count; ++k) lags[k] = static_cast<float>((zero_lag - k) * double{lags[k]} * scale);
 }
 
-// The highest of the lags behind the first slope, the earliest of equals.
+// The highest of the lags after the first slope; of equal ones the earliest.
 int32_t find_pitch_lag(int32_t length, const float* lags) {
   int32_t start = truncate_to_int32(length * 0.02);
   if (lags[0] > lags[start]) {
@@ -136,7 +136,7 @@ void eliminate_plainly(int32_t n, lpc_matrix* a_matrix, lpc_matrix* b_matrix) {
 
 // The same elimination in one matrix, in a quarter of the operations. Once column i of A has given its factors, nothing
 // reads it again; and column i of B is 0 but for its diagonal until then. So B's column takes the place of A's, and
-// every step works on rows of n columns where A and B share the room. Column 0 and some columns behind the last are
+// every step works on rows of n columns where A and B share the room. Column 0 and some columns after the last are
 // taken along as padding, so that rows are aligned and of a multiple of eight columns.
 
 constexpr int32_t row_lanes = 8;

@@ -14,7 +14,7 @@ constexpr int32_t lpc_max_length = 1024;  // samples that a fit with its pitch s
 // Whole cache lines, and an odd number of them, so that the rows of a column spread over the cache.
 constexpr int32_t lpc_matrix_stride = 136;
 
-// Rows and columns count from 1; what lies around the n rows and columns in use stays as it is.
+// Rows and columns count from 1; the entries outside the n rows and columns in use are not touched.
 struct lpc_matrix {
   alignas(64) std::array<std::array<double, lpc_matrix_stride>, lpc_max_order> entry{};
 };
@@ -48,7 +48,7 @@ float lpc_fit(int32_t order, int32_t length, const float* signal, float* coeffic
 void lpc_fit_without_pitch(int32_t order, int32_t length, const float* signal, float* coefficients,
                            lpc_workspace* workspace);
 
-// Takes the predictable part out of `input`, whose past is silence: what is left has a flat envelope.
+// Removes the predictable part of `input`, whose past is silence: the residual has a flat envelope.
 //   shapes    order up to lpc_max_order, coefficients[order], input[length], output[length]; may be the same array
 //   returns   sqrt(sum of output^2) / length, which is the root mean square over sqrt(length)
 float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output);

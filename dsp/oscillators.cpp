@@ -13,57 +13,110 @@
 
 namespace {
 
+// --- The two oscillators ---
+
+// One oscillator's parameters and its members of the synthesizer's record, which holds those of both side by side.
+struct oscillator {
+  wsyn_param wave_select_param;
+  wsyn_param coarse_param;
+  wsyn_param fine_param;
+  wsyn_param pitch_source_param;
+  wsyn_param pitch_depth_param;
+  wsyn_param lfo_rate_param;
+  int32_t wsyn_state::*wave;
+  int32_t wsyn_state::*wrap;
+  float wsyn_state::*coarse;
+  float wsyn_state::*fine;
+  float wsyn_state::*pitch_source;
+  float wsyn_state::*pitch_depth;
+  float wsyn_state::*lfo_control;
+  float wsyn_state::*lfo_step;
+  float wsyn_state::*lfo_phase;
+  double wsyn_state::*tune;
+  double wsyn_state::*pitch_mod;
+  double (wsyn_state::*note_ratio)[wsyn_voice_count];
+  float (wsyn_state::*shape)[wsyn_shape_entries];
+  float (wsyn_state::*voice_wave)[wsyn_voice_wave_entries];
+};
+
+constexpr oscillator oscillators[] = {
+    {.wave_select_param = wsyn_param_wave_select1,
+     .coarse_param = wsyn_param_coarse1,
+     .fine_param = wsyn_param_fine1,
+     .pitch_source_param = wsyn_param_pitch_source1,
+     .pitch_depth_param = wsyn_param_pitch_depth1,
+     .lfo_rate_param = wsyn_param_lfo_rate1,
+     .wave = &wsyn_state::wave1,
+     .wrap = &wsyn_state::wrap1,
+     .coarse = &wsyn_state::coarse1,
+     .fine = &wsyn_state::fine1,
+     .pitch_source = &wsyn_state::pitch_source1,
+     .pitch_depth = &wsyn_state::pitch_depth1,
+     .lfo_control = &wsyn_state::lfo_control1,
+     .lfo_step = &wsyn_state::lfo_step1,
+     .lfo_phase = &wsyn_state::lfo_phase1,
+     .tune = &wsyn_state::tune1,
+     .pitch_mod = &wsyn_state::pitch_mod1,
+     .note_ratio = &wsyn_state::note_ratio1,
+     .shape = &wsyn_state::shape1,
+     .voice_wave = &wsyn_state::voice_wave1},
+    {.wave_select_param = wsyn_param_wave_select2,
+     .coarse_param = wsyn_param_coarse2,
+     .fine_param = wsyn_param_fine2,
+     .pitch_source_param = wsyn_param_pitch_source2,
+     .pitch_depth_param = wsyn_param_pitch_depth2,
+     .lfo_rate_param = wsyn_param_lfo_rate2,
+     .wave = &wsyn_state::wave2,
+     .wrap = &wsyn_state::wrap2,
+     .coarse = &wsyn_state::coarse2,
+     .fine = &wsyn_state::fine2,
+     .pitch_source = &wsyn_state::pitch_source2,
+     .pitch_depth = &wsyn_state::pitch_depth2,
+     .lfo_control = &wsyn_state::lfo_control2,
+     .lfo_step = &wsyn_state::lfo_step2,
+     .lfo_phase = &wsyn_state::lfo_phase2,
+     .tune = &wsyn_state::tune2,
+     .pitch_mod = &wsyn_state::pitch_mod2,
+     .note_ratio = &wsyn_state::note_ratio2,
+     .shape = &wsyn_state::shape2,
+     .voice_wave = &wsyn_state::voice_wave2},
+};
+
 // --- Commit ---
+
+void load_voice_wave(const oscillator& o, wsyn_state* state) {
+  state->*o.wrap = wsyn_load_voice_wave(state->*o.wave, *state, state->*o.voice_wave);
+}
 
 // Everything that stays as it is for the life of the record.
 void first_commit(wsyn_state* state) {
   state->magic = wsyn_magic;
   state->bend = 1.0f;
   state->output_level = 1.0f;
-  wsyn_build_loop0(state);
-  wsyn_build_loop1(state);
-  wsyn_build_loop2(state);
-  wsyn_build_loop3(state);
-  wsyn_build_loop4(state);
-  wsyn_build_loop5(state);
-  wsyn_build_loop6(state);
-  wsyn_load_voice_wave1(state);
-  wsyn_load_voice_wave2(state);
+  wsyn_build_loops(state);
+  for (const oscillator& o : oscillators) load_voice_wave(o, state);
   wsyn_build_sine_table(state);
 }
 
 // Loads what has changed. A change of mode reloads both oscillators, as the tables of the other kind may be stale. A
 // mode that isn't a number loads nothing.
-void commit_tables(const float* params, bool mode_changed, wsyn_state* state) {
-  const bool reload = mode_changed || state->initialised == 0;
+void commit_table(const float* params, bool mode_changed, const oscillator& o, wsyn_state* state) {
   const bool loops = state->mode >= 0.5f;
   const bool shapes = state->mode < 0.5f;
-  const int32_t wanted1 = truncate_to_int32(params[wsyn_param_wave_select1]);
-  const int32_t wanted2 = truncate_to_int32(params[wsyn_param_wave_select2]);
-  if ((loops || shapes) && (reload || wanted1 != state->wave1)) {
-    state->wave1 = wanted1;
-    loops ? wsyn_load_voice_wave1(state) : wsyn_fill_shape(wanted1, state->shape1);
-  }
-  if ((loops || shapes) && (reload || wanted2 != state->wave2)) {
-    state->wave2 = wanted2;
-    loops ? wsyn_load_voice_wave2(state) : wsyn_fill_shape(wanted2, state->shape2);
-  }
+  const int32_t wanted = truncate_to_int32(params[o.wave_select_param]);
+  const bool reload = mode_changed || state->initialised == 0 || wanted != state->*o.wave;
+  if (!reload || !(loops || shapes)) return;
+  state->*o.wave = wanted;
+  loops ? load_voice_wave(o, state) : wsyn_fill_shape(wanted, state->*o.shape);
 }
 
-void copy_controls(const float* params, wsyn_state* state) {
-  state->rate_ratio = params[wsyn_param_rate_ratio];
-  state->sync = params[wsyn_param_sync];
-  state->ring = params[wsyn_param_ring];
-  state->coarse1 = params[wsyn_param_coarse1];
-  state->fine1 = params[wsyn_param_fine1];
-  state->pitch_source1 = params[wsyn_param_pitch_source1];
-  state->pitch_depth1 = params[wsyn_param_pitch_depth1];
-  state->lfo_control1 = params[wsyn_param_lfo_rate1];
-  state->coarse2 = params[wsyn_param_coarse2];
-  state->fine2 = params[wsyn_param_fine2];
-  state->pitch_source2 = params[wsyn_param_pitch_source2];
-  state->pitch_depth2 = params[wsyn_param_pitch_depth2];
-  state->lfo_control2 = params[wsyn_param_lfo_rate2];
+void commit_controls(const float* params, const oscillator& o, wsyn_state* state) {
+  state->*o.coarse = params[o.coarse_param];
+  state->*o.fine = params[o.fine_param];
+  state->*o.pitch_source = params[o.pitch_source_param];
+  state->*o.pitch_depth = params[o.pitch_depth_param];
+  state->*o.lfo_control = params[o.lfo_rate_param];
+  state->*o.lfo_step = state->*o.lfo_control * state->*o.lfo_control * 128.0f;
 }
 
 float octave_divisor(int32_t octave) {
@@ -82,7 +135,7 @@ float octave_divisor(int32_t octave) {
 }
 
 // Phase step of note 60 before tuning: 3.0375 entries at 440 Hz. The limits stop the reference pitch below 290 Hz and
-// above 579 Hz; they also give a pitch that isn't a number a meaning.
+// above 579 Hz; a pitch that isn't a number becomes the lower one.
 double base_step(float scaled_pitch) {
   constexpr double fourth_root_of_2 = 1.189207115002721;   // three semitones: from A up to C, octaves aside
   constexpr double entries_per_hz = 0.005804988662131519;  // 256 / 44100
@@ -110,16 +163,20 @@ void fill_note_ratios(double tune, std::span<double, wsyn_voice_count> ratios) {
   }
 }
 
-void commit_pitch(const float* params, wsyn_state* state) {
+void commit_tune(const float* params, const oscillator& o, wsyn_state* state) {
+  const double offset = tuning_offset(state->mode, params[o.wave_select_param]);
+  state->*o.tune = tune(state->*o.coarse, state->*o.fine, offset);
+  fill_note_ratios(state->*o.tune, state->*o.note_ratio);
+}
+
+// What both oscillators share.
+void commit_common(const float* params, wsyn_state* state) {
+  state->rate_ratio = params[wsyn_param_rate_ratio];
+  state->sync = params[wsyn_param_sync];
+  state->ring = params[wsyn_param_ring];
   state->scaled_pitch = params[wsyn_param_reference_pitch] * state->rate_ratio;
   state->base_step = base_step(state->scaled_pitch);
   state->octave_divisor = octave_divisor(truncate_to_int32(params[wsyn_param_octave]));
-  state->tune1 = tune(state->coarse1, state->fine1, tuning_offset(state->mode, params[wsyn_param_wave_select1]));
-  state->tune2 = tune(state->coarse2, state->fine2, tuning_offset(state->mode, params[wsyn_param_wave_select2]));
-  fill_note_ratios(state->tune1, state->note_ratio1);
-  fill_note_ratios(state->tune2, state->note_ratio2);
-  state->lfo_step1 = state->lfo_control1 * state->lfo_control1 * 128.0f;
-  state->lfo_step2 = state->lfo_control2 * state->lfo_control2 * 128.0f;
 }
 
 // --- Filter ---
@@ -174,7 +231,8 @@ double2 read(const float (&table)[entries], double2 phase) {
   return inside ? value : double2{};
 }
 
-// Moves two phases on, back by one wrap length where they pass it, and tells where they did.
+// Advances two phases and takes one wrap length off those that pass it.
+//   returns  which did
 long2 advance(double2 step, double wrap, double2* phase) {
   const double2 next = *phase + step;
   const long2 wrapped = next > wrap;
@@ -301,19 +359,18 @@ double lfo_value(const wsyn_state& state, float step, float* phase) {
   return inside ? static_cast<double>(state.sine_table[i]) : 0.0;
 }
 
-double pitch_modulation(float source, float depth, float lfo_step, float level, int32_t crossings,
-                        const wsyn_state& state, float* lfo_phase) {
+double pitch_modulation(float level, int32_t crossings, const oscillator& o, wsyn_state* state) {
   constexpr double per_crossing = 0.01594387755102041;  // 1 / 62.72
-  if (source == 0.0f) return lfo_value(state, lfo_step, lfo_phase) * static_cast<double>(depth) + 1.0;
-  if (source == 1.0f) return static_cast<double>(level) * static_cast<double>(depth) + 1.0;
-  if (source == 2.0f) {
-    return static_cast<double>(static_cast<float>(crossings * per_crossing)) * static_cast<double>(depth) + 1.0;
-  }
+  const float source = state->*o.pitch_source;
+  const double depth = double{state->*o.pitch_depth};
+  if (source == 0.0f) return lfo_value(*state, state->*o.lfo_step, &(state->*o.lfo_phase)) * depth + 1.0;
+  if (source == 1.0f) return static_cast<double>(level) * depth + 1.0;
+  if (source == 2.0f) return static_cast<double>(static_cast<float>(crossings * per_crossing)) * depth + 1.0;
   return 1.0;
 }
 
-// A phase moves back by one wrap length per sample. Beyond this one, a hot modulator's level has thrown it so far that
-// the way back would take longer than 0.7 s, or, as the subtraction is lost in rounding, for ever.
+// Wrapping takes one wrap length off a phase per sample. From beyond this limit, which the level of a hot modulator can
+// reach, that would take longer than 0.7 s, or for ever where the subtraction is lost in rounding.
 constexpr float furthest_phase = 0x1p25f;
 
 float phase_or_start(float phase) {
@@ -335,9 +392,12 @@ void wsyn_commit(const float* params, wsyn_state* state) {
   state->mode = mode;
   state->committing = 1;
   if (state->initialised == 0) first_commit(state);
-  commit_tables(params, mode_changed, state);
-  copy_controls(params, state);
-  commit_pitch(params, state);
+  commit_common(params, state);
+  for (const oscillator& o : oscillators) {
+    commit_table(params, mode_changed, o, state);
+    commit_controls(params, o, state);
+    commit_tune(params, o, state);
+  }
   commit_filter(params, state);
   state->initialised = 1;
   state->committing = 0;
@@ -392,15 +452,12 @@ void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_stat
 
 void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {
   restart_lost_phases(state);
-  state->pitch_mod1 = pitch_modulation(state->pitch_source1, state->pitch_depth1, state->lfo_step1, level, crossings,
-                                       *state, &state->lfo_phase1);
-  state->pitch_mod2 = pitch_modulation(state->pitch_source2, state->pitch_depth2, state->lfo_step2, level, crossings,
-                                       *state, &state->lfo_phase2);
+  for (const oscillator& o : oscillators) state->*o.pitch_mod = pitch_modulation(level, crossings, o, state);
 }
 
 bool wsyn_advance_filter(wsyn_state* state) {
   const float next = smoothed_cutoff(*state);
-  // Settled: the derived values would come out the same, and the power is dear at one a sample.
+  // Settled: the derived values would be the same, and a power per sample is expensive.
   if (std::bit_cast<uint32_t>(next) == std::bit_cast<uint32_t>(state->cutoff_now)) return false;
   state->cutoff_now = next;
   derive_filter(state);

@@ -5,9 +5,9 @@
 
 #include "dsp/wsyn.h"
 
-// Takes a block of parameters: rebuilds the tables whose number or kind has changed, and works out pitch and filter
-// targets anew. The first commit builds all loops, which takes milliseconds; later ones reach no heap and no lock.
-//   params  wsyn_param_count values; any value, NaN included, has a stated outcome
+// Takes a block of parameters: rebuilds the tables whose number or kind has changed, and computes pitch and filter
+// targets. The first commit builds all loops, which takes milliseconds; later ones use neither heap nor locks.
+//   params  wsyn_param_count values; any value is accepted, NaN included
 void wsyn_commit(const float* params, wsyn_state* state);
 
 // Chooses `render` from mode, sync and ring. A field of exactly 0.5 (or NaN) that counts leaves the choice as it was;
@@ -33,7 +33,7 @@ struct wsyn_voice_group {
 // Renders `n` samples of each voice of a group, the same as `n` calls of the state's render function for each, in less
 // time. A render function that isn't one of the five counts as render_sum.
 //   group    count from 0 to the number of lanes
-//   samples  n rows of wsyn_voice_group::lanes; what stands in lanes that are not in use means nothing
+//   samples  n rows of wsyn_voice_group::lanes; the contents of unused lanes are undefined
 void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples);
 
 // Sets pitch_mod1 and pitch_mod2 for one frame, and advances the LFO of an oscillator that uses it. Phases that are not

@@ -2,6 +2,7 @@
 #include "dsp/sample_loops.h"
 
 #include <algorithm>
+#include <iterator>
 
 // Declarations of what the build generates.
 extern const signed char kesrel_loop0[];
@@ -19,30 +20,22 @@ extern const unsigned int kesrel_loop5_size;
 
 namespace {
 
-std::span<const signed char> embedded_bytes(int32_t number) {
-  switch (number) {
-    case 0:
-      return {kesrel_loop0, kesrel_loop0_size};
-    case 1:
-      return {kesrel_loop1, kesrel_loop1_size};
-    case 2:
-      return {kesrel_loop2, kesrel_loop2_size};
-    case 3:
-      return {kesrel_loop3, kesrel_loop3_size};
-    case 4:
-      return {kesrel_loop4, kesrel_loop4_size};
-    case 5:
-      return {kesrel_loop5, kesrel_loop5_size};
-    default:
-      return {};
-  }
-}
+struct embedded_run {
+  const signed char* bytes;
+  const unsigned int* size;
+};
+
+constexpr embedded_run embedded_runs[] = {
+    {kesrel_loop0, &kesrel_loop0_size}, {kesrel_loop1, &kesrel_loop1_size}, {kesrel_loop2, &kesrel_loop2_size},
+    {kesrel_loop3, &kesrel_loop3_size}, {kesrel_loop4, &kesrel_loop4_size}, {kesrel_loop5, &kesrel_loop5_size},
+};
+static_assert(std::size(embedded_runs) == noise_loop);
 
 }  // namespace
 
 std::span<const signed char> sample_loop_source(int32_t number) {
-  const auto bytes = embedded_bytes(number);
-  if (bytes.empty()) return {};
+  if (number < 0 || number >= noise_loop) return {};
+  const embedded_run& run = embedded_runs[number];
   const auto length = static_cast<size_t>(sample_loops[static_cast<size_t>(number)].source_length);
-  return bytes.first(std::min(length, bytes.size()));
+  return {run.bytes, std::min<size_t>(length, *run.size)};
 }

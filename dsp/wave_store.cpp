@@ -13,6 +13,8 @@ namespace {
 
 constexpr double k_radians_per_entry = 0.006135923151542565;  // 2 pi / 1024
 constexpr float k_sample_scale = 6.1035156e-05f;              // 1 / 16384: 16-bit samples reach 2.0
+constexpr int32_t k_mirrored_loop = 0;                        // plays forwards and backwards
+constexpr int32_t k_crossfaded_loop = 4;                      // its head is cross-faded into its end
 constexpr int32_t k_crossfade_entries = 2048;                 // 46 ms at 44100 Hz
 constexpr int32_t k_silent_wrap = 10000;                      // wrap length of a number without a loop
 
@@ -35,45 +37,41 @@ void decode(int32_t number, std::span<float> table) {
   }
 }
 
-void store_loop_length(int32_t number, wsyn_state* state) {
+// The decoded half, then the same backwards. The sample at the turn isn't repeated.
+void mirror(std::span<float> table) {
+  constexpr auto length = sample_loops[k_mirrored_loop].source_length;
+  static_assert(sample_loops[k_mirrored_loop].entries == 2 * length - 1);
+  std::reverse_copy(table.begin(), table.begin() + length - 1, table.begin() + length);
+}
+
+// Fades the head in from what follows the wrap, so that the wrap isn't heard.
+void crossfade(std::span<float> table) {
+  constexpr auto wrap = static_cast<size_t>(sample_loops[k_crossfaded_loop].loop_length);
+  static_assert(wrap + k_crossfade_entries <= sample_loops[k_crossfaded_loop].entries);
+  for (size_t k = 0; k < k_crossfade_entries; ++k) {
+    const float weight = std::sqrt(static_cast<float>(k) * 0.00048828125f);  // 1 / 2048
+    table[k] = (1.0f - weight) * table[k + wrap] + weight * table[k];
+  }
+}
+
+void build_loop(int32_t number, std::span<float> table, wsyn_state* state) {
+  if (number == noise_loop) {
+    for (float& entry : table) entry = noise_value();
+  } else {
+    decode(number, table);
+  }
+  if (number == k_mirrored_loop) mirror(table);
+  if (number == k_crossfaded_loop) crossfade(table);
   const auto index = static_cast<size_t>(number);
   state->loop_length[index] = static_cast<float>(sample_loops[index].loop_length);
 }
 
-void build_plain_loop(int32_t number, std::span<float> table, wsyn_state* state) {
-  decode(number, table);
-  store_loop_length(number, state);
-}
-
 // The table of loop `number`; empty for a number without one.
 std::span<const float> loop_table(int32_t number, const wsyn_state& state) {
-  switch (number) {
-    case 0:
-      return state.loop_table0;
-    case 1:
-      return state.loop_table1;
-    case 2:
-      return state.loop_table2;
-    case 3:
-      return state.loop_table3;
-    case 4:
-      return state.loop_table4;
-    case 5:
-      return state.loop_table5;
-    case 6:
-      return state.loop_table6;
-    default:
-      return {};
-  }
-}
-
-// Fills `wave` with loop `number` and returns its wrap length. The last entry of `wave` is out of a phase's reach.
-int32_t load_voice_wave(int32_t number, const wsyn_state& state, std::span<float, wsyn_voice_wave_entries> wave) {
-  const std::span<const float> table = loop_table(number, state);
-  const size_t count = std::min(table.size(), wave.size() - 1);
-  std::copy_n(table.begin(), count, wave.begin());
-  std::fill(wave.begin() + static_cast<std::ptrdiff_t>(count), wave.end(), 0.0f);
-  return table.empty() ? k_silent_wrap : truncate_to_int32(state.loop_length[static_cast<size_t>(number)]);
+  const std::array<std::span<const float>, sample_loop_count> tables = {
+      state.loop_table0, state.loop_table1, state.loop_table2, state.loop_table3,
+      state.loop_table4, state.loop_table5, state.loop_table6};
+  return number >= 0 && number < sample_loop_count ? tables[static_cast<size_t>(number)] : std::span<const float>();
 }
 
 // --- Shapes ---
@@ -82,7 +80,7 @@ float sine(float x) {
   return static_cast<float>(std::sin(static_cast<double>(x)));
 }
 
-// A saw of twelve harmonics with alternating sign, softened by an edge that the tangent's pole gives.
+// A saw of twelve harmonics of alternating sign. Its edge is a tangent at its pole.
 float soft_saw(float x) {
   static constexpr std::array<float, 12> k_weights = {
       // 2 / n
@@ -125,42 +123,31 @@ double octave_feedback_sine(double x) {
 }  // namespace
 
 void wsyn_build_loop0(wsyn_state* state) {
-  constexpr auto length = static_cast<size_t>(sample_loops[0].source_length);
-  static_assert(sample_loops[0].entries == 2 * sample_loops[0].source_length - 1);
-  const std::span<float> table = state->loop_table0;
-  decode(0, table);
-  std::reverse_copy(table.begin(), table.begin() + length - 1, table.begin() + length);
-  store_loop_length(0, state);
+  build_loop(0, state->loop_table0, state);
 }
-
 void wsyn_build_loop1(wsyn_state* state) {
-  build_plain_loop(1, state->loop_table1, state);
+  build_loop(1, state->loop_table1, state);
 }
 void wsyn_build_loop2(wsyn_state* state) {
-  build_plain_loop(2, state->loop_table2, state);
+  build_loop(2, state->loop_table2, state);
 }
 void wsyn_build_loop3(wsyn_state* state) {
-  build_plain_loop(3, state->loop_table3, state);
+  build_loop(3, state->loop_table3, state);
 }
-
 void wsyn_build_loop4(wsyn_state* state) {
-  constexpr int32_t wrap = sample_loops[4].loop_length;
-  static_assert(wrap + k_crossfade_entries <= sample_loops[4].entries);
-  build_plain_loop(4, state->loop_table4, state);
-  float* const table = state->loop_table4;
-  for (int32_t k = 0; k < k_crossfade_entries; ++k) {
-    const float weight = std::sqrt(static_cast<float>(k) * 0.00048828125f);  // 1 / 2048
-    table[k] = (1.0f - weight) * table[k + wrap] + weight * table[k];
-  }
+  build_loop(4, state->loop_table4, state);
 }
-
 void wsyn_build_loop5(wsyn_state* state) {
-  build_plain_loop(5, state->loop_table5, state);
+  build_loop(5, state->loop_table5, state);
+}
+void wsyn_build_loop6(wsyn_state* state) {
+  build_loop(6, state->loop_table6, state);
 }
 
-void wsyn_build_loop6(wsyn_state* state) {
-  for (float& entry : state->loop_table6) entry = noise_value();
-  store_loop_length(noise_loop, state);
+void wsyn_build_loops(wsyn_state* state) {
+  constexpr void (*builders[])(wsyn_state*) = {wsyn_build_loop0, wsyn_build_loop1, wsyn_build_loop2, wsyn_build_loop3,
+                                               wsyn_build_loop4, wsyn_build_loop5, wsyn_build_loop6};
+  for (auto* const build : builders) build(state);
 }
 
 void wsyn_build_sine_table(wsyn_state* state) {
@@ -205,10 +192,10 @@ void wsyn_fill_shape(int32_t shape, std::span<float, wsyn_shape_entries> table) 
   }
 }
 
-void wsyn_load_voice_wave1(wsyn_state* state) {
-  state->wrap1 = load_voice_wave(state->wave1, *state, state->voice_wave1);
-}
-
-void wsyn_load_voice_wave2(wsyn_state* state) {
-  state->wrap2 = load_voice_wave(state->wave2, *state, state->voice_wave2);
+int32_t wsyn_load_voice_wave(int32_t number, const wsyn_state& state, std::span<float, wsyn_voice_wave_entries> wave) {
+  const std::span<const float> table = loop_table(number, state);
+  const size_t count = std::min(table.size(), wave.size() - 1);
+  std::copy_n(table.begin(), count, wave.begin());
+  std::fill(wave.begin() + static_cast<std::ptrdiff_t>(count), wave.end(), 0.0f);
+  return table.empty() ? k_silent_wrap : truncate_to_int32(state.loop_length[static_cast<size_t>(number)]);
 }

@@ -12,9 +12,12 @@ void wsyn_build_loop0(wsyn_state* state);  // reads the same forwards and backwa
 void wsyn_build_loop1(wsyn_state* state);
 void wsyn_build_loop2(wsyn_state* state);
 void wsyn_build_loop3(wsyn_state* state);
-void wsyn_build_loop4(wsyn_state* state);  // its first 2048 samples come out of those behind the wrap
+void wsyn_build_loop4(wsyn_state* state);  // its first 2048 samples are cross-faded with those past the wrap
 void wsyn_build_loop5(wsyn_state* state);
 void wsyn_build_loop6(wsyn_state* state);  // white noise from the calling thread's generator
+
+// All of them, in ascending order.
+void wsyn_build_loops(wsyn_state* state);
 
 // Fills sine_table with one cycle.
 void wsyn_build_sine_table(wsyn_state* state);
@@ -30,7 +33,6 @@ float wsyn_shape_value(int32_t shape, float t);
 // has no such guard.
 void wsyn_fill_shape(int32_t shape, std::span<float, wsyn_shape_entries> table);
 
-// Copies the loop of number wave1 (wave2) into voice_wave1 (voice_wave2) and sets wrap1 (wrap2). What the loop doesn't
-// fill is cleared. A number without a loop gives silence with a wrap length of 10000.
-void wsyn_load_voice_wave1(wsyn_state* state);
-void wsyn_load_voice_wave2(wsyn_state* state);
+// Copies loop `number` into `wave`; the last entry, which no phase reaches, and what the loop doesn't fill are cleared.
+//   returns  the wrap length of the loop. A number without a loop gives silence and 10000
+int32_t wsyn_load_voice_wave(int32_t number, const wsyn_state& state, std::span<float, wsyn_voice_wave_entries> wave);

@@ -25,7 +25,7 @@ int32_t high_size(int32_t size) {
   return size / 2;
 }
 
-// --- Extension: the signal starts at `pad` of a line that has `pad` more samples behind it as well ---
+// --- Extension: a line holds `pad` samples before the signal and as many after it ---
 
 void extend_periodically(int32_t size, int32_t pad, float* line) {
   for (int32_t i = pad - 1; i >= 0; --i) line[i] = line[i + size];
@@ -40,7 +40,7 @@ constexpr symmetry half_sample_if(bool half) {
 }
 
 // Beyond its mirror images the signal goes on periodically, so that it may be shorter than the pad. `sign` is that of
-// the images; where it is -1, a whole-sample end is an odd point, and 0 stands there.
+// the images; where it is -1, a whole-sample end is an odd point and therefore 0.
 void extend_symmetrically(symmetry left, symmetry right, float sign, int32_t size, int32_t pad, float* line) {
   const int32_t end = size + 2 * pad;
   if (size == 0) {
@@ -110,7 +110,7 @@ void split(const float* line, int32_t count, const split_line& parts) {
   for (; i < count; ++i) parts.planes[index(i % 2)][i / 2] = line[i];
 }
 
-// `group` outputs of every second sample, tap 0 of the first one at `start` in the line; stores `count` of them.
+// Computes `group` outputs, one for every second sample, the first with tap 0 at `start` of the line. Stores `count`.
 template <int32_t group>
 void correlate_group(const wavelet_filter& filter, const split_line& line, int32_t start, int32_t count, float* out) {
   group_sums<group> sums{};
@@ -153,8 +153,8 @@ int32_t band_line_size(const wavelet& transform, int32_t size) {
   return low_size(size) + 2 * transform.pad + wide_group;
 }
 
-// Adds what a band gives to every second output: to those of parity 0 or 1 in the pairs from `first_pair` on. Early
-// samples of the band come first, and they meet the late taps.
+// Adds a band's share to every second output: those of parity 0 or 1 in the pairs from `first_pair` on. Early samples
+// of the band are added first, and they meet the late taps.
 template <size_t lanes>
 void add_band(const wavelet_filter& filter, const float* band, int32_t first_pair, int32_t parity,
               std::array<float4, lanes>* sums) {
@@ -279,7 +279,7 @@ int32_t wavelet_inverse(const wavelet& transform, const float* input, float* out
     const int32_t whole = size_before_step(size, step);
     std::copy_n(output, low_size(whole), low);
     extend_low_band(transform, symmetric, whole, low_line);
-    // Periodic extension of no samples leaves a line as it is, and then the low band still stands there.
+    // Periodic extension of no samples leaves a line unchanged, so it would still hold the low band.
     if (high_size(whole) == 0) std::copy_n(low_line, low_size(whole) + 2 * transform.pad, high_line);
     std::copy_n(input + low_size(whole), high_size(whole), high);
     extend_high_band(transform, symmetric, whole, high_line);

@@ -10,10 +10,10 @@
 // single precision in the order of the taps, so that a frame has one result on every processor.
 //
 // A step splits a low band of n samples into (n + 1) / 2 low and n / 2 high ones. A transformed signal starts with the
-// last low band; behind it come the high bands from the coarsest to the finest. With 1024 samples and 9 steps these are
+// last low band, followed by the high bands from the coarsest to the finest. With 1024 samples and 9 steps these are
 // 2 low samples, then bands of 2, 4, 8 up to 512.
 
-// What the rules for the ends of a band may be. Symmetric extension reconstructs every length at every step; periodic
+// How a band is extended at its ends. Symmetric extension reconstructs every length at every step; periodic
 // extension needs even lengths.
 constexpr int32_t wavelet_extension_of_set = -1;
 constexpr int32_t wavelet_extension_periodic = 0;
@@ -35,7 +35,7 @@ void wavelet_bind(const filter_set& set, wavelet* transform);
 int32_t wavelet_workspace_size(const wavelet& transform, int32_t size);
 
 // Takes `steps` steps on `input`; none copies it. Two samples or fewer are too short for a step with a symmetric set:
-// the transform says so on standard output at each such step, and goes on.
+// the transform prints a line on standard output at each such step and continues.
 //   shapes     input[size], output[size], which may be the same array; workspace[wavelet_workspace_size] or more, of
 //              which nothing is kept between calls
 //   returns    0; 1 when the workspace is too small or the size below 1, and `output` stays as it was

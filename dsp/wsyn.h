@@ -58,9 +58,9 @@ constexpr uint32_t wsyn_magic = 0x7773796e;  // "wsyn"
 
 // Some 2.2 MB, so it belongs on the heap, zeroed; a zeroed record is one before its first commit. Owned by one thread.
 struct wsyn_state {
-  uint32_t magic = 0;       // wsyn_magic from the first commit on
+  uint32_t magic = 0;       // for a debugger: wsyn_magic from the first commit on
   int32_t initialised = 0;  // 1 from the end of the first commit on
-  int32_t committing = 0;   // 1 during a commit
+  int32_t committing = 0;   // for a debugger: 1 during a commit
 
   float rate_ratio = 0.0f;
   float scaled_pitch = 0.0f;    // reference pitch times rate ratio, Hz
@@ -99,12 +99,12 @@ struct wsyn_state {
   double tune1 = 0.0;      // octaves
   double tune2 = 0.0;
   float loop_length[sample_loop_count] = {};
-  float output_level = 0.0f;
-  float lfo_phase1 = 0.0f;  // entries of sine_table
+  float output_level = 0.0f;  // for a debugger: 1 after the first commit, 10 once samples have been rendered
+  float lfo_phase1 = 0.0f;    // entries of sine_table
   float lfo_phase2 = 0.0f;
   double note_ratio1[wsyn_voice_count] = {};  // pitch of each MIDI note against note 60 untuned
   double note_ratio2[wsyn_voice_count] = {};
-  double pitch_mod1 = 0.0;  // multipliers of the frame; 0 before the first frame, so that the oscillators stand
+  double pitch_mod1 = 0.0;  // multipliers of the frame; 0 before the first frame, so that the oscillators don't move
   double pitch_mod2 = 0.0;
 
   float shape1[wsyn_shape_entries] = {};

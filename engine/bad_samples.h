@@ -1,4 +1,4 @@
-// MIT License. What becomes of samples that are none.
+// MIT License. Replaces NaN and infinite samples by silence.
 #pragma once
 
 #include <cmath>
@@ -6,7 +6,7 @@
 
 #include "dsp/lanes.h"
 
-// NaN and infinity are silence: one of them in a recursion would stay for good.
+// A NaN or infinity in a recursion would never leave it.
 inline float finite_or_zero(float sample) {
   return std::isfinite(sample) ? sample : 0.0F;
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int32_t spare_frames = 128;  // behind each buffer, never used for signal
+constexpr int32_t spare_frames = 128;  // after each buffer, never used for signal
 
 // Clears room for `frames` samples in every buffer. 1 when memory is exhausted.
 int32_t clear_buffers(int32_t frames, block_buffers* buffers) {
@@ -46,8 +46,8 @@ int32_t process_converted(const sound_values& values, float chorus, int32_t fram
   const float ratio = static_cast<float>(core_sample_rate_hz / framing->sample_rate);
   const int32_t core_frames = truncate_to_int32(static_cast<float>(frames) * ratio + 0.5F);
   if (core_frames < 0 || clear_buffers(core_frames, &framing->core) != 0) return 1;
-  // The synthesizer's reference pitch is multiplied by this ratio, which doubles the shift that the rounding causes
-  // rather than undoing it: a block of 512 frames at 48000 Hz sounds 2.9 cents flat. Saved songs are tuned to that.
+  // The synthesizer's reference pitch is multiplied by this ratio, which doubles the shift caused by the rounding
+  // instead of undoing it: a block of 512 frames at 48000 Hz sounds 2.9 cents flat. Saved songs are tuned to that.
   if (frames > 0) {
     framing->rate_ratio = double{(static_cast<float>(core_frames) / static_cast<float>(frames)) / ratio};
     core->rate_ratio = framing->rate_ratio;

@@ -17,7 +17,7 @@ struct vocoder_core {
   double rate_ratio = 1.0;                 // of the last block, a copy of the framing's
   double core_rate = core_sample_rate_hz;  // the equaliser's rate, whatever the host's
   output_equaliser equaliser;
-  uint8_t busy = 0;  // 1 during `vocoder_core_process`
+  uint8_t busy = 0;  // for a debugger: 1 during `vocoder_core_process`
   voco_state state;
 };
 
@@ -39,12 +39,12 @@ struct block_framing {
 void convert_block(const float* source, int32_t n, float* destination, int32_t m);
 
 // Runs a block of `frames` host samples. See `vocoder_process_sound` for inputs and outputs.
-//   returns   0; 1 when the buffers can't be had, and nothing is written
+//   returns   0; 1 when there is no memory for the buffers, and nothing is written
 int32_t vocoder_process_block(const sound_values& values, float chorus, int32_t frames, const float* const* inputs,
                               float* const* outputs, block_framing* framing, vocoder_core* core);
 
 // Runs a block of `n` samples of the core grid: commit, signal path, equaliser.
 //   inputs            of which 0 and 2 are heard; changed in place where samples are not finite
-//   curve_offsets_db  when not null, the equaliser is prepared anew with these ten values added to its curve
+//   curve_offsets_db  when not null, the equaliser is prepared with these ten values added to its curve
 void vocoder_core_process(const sound_values& values, float chorus, const float* curve_offsets_db, int32_t n,
                           block_buffers* buffers, vocoder_core* core);

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// Takes DC out of a frame, in place and from rest, and leaves its samples on the steps of a 16-bit converter: a good
-// part of the grain of the modes that begin with it.
+// Removes DC from a frame, in place and from rest. Its samples end on the steps of a 16-bit converter, which gives the
+// modes that begin with it much of their grain.
 //   formula   y[t] = x[t] - x[t - 1] + (1 - 1 / 1024) y[t - 1]: a corner of 6.9 Hz at 44.1 kHz, fs / (2 pi 1024)
 //   range     samples within full scale; the sums of hotter ones wrap
 void dc_block(float* samples, int32_t n);

@@ -11,8 +11,8 @@ namespace {
 
 constexpr float seconds_per_metre = 0.002915452F;  // 1 / 343
 constexpr float nearest = 1.0F;                    // m
-constexpr int32_t spare_samples = 32;              // behind the ring, never used for signal
-constexpr int32_t longest_ring = 1 << 24;          // beyond, single precision doesn't tell sample from sample
+constexpr int32_t spare_samples = 32;              // after the ring, never used for signal
+constexpr int32_t longest_ring = 1 << 24;          // beyond it single precision can't count samples
 
 // One step of the glide is the mean of 3000 times the delay and once the target. Slow enough for the change of pitch
 // that a moving source brings to stay soft.
@@ -103,8 +103,8 @@ void distance_delay_set(float position, bool snap, distance_delay* delay) {
   if (snap) delay->delay = delay->target_delay;
 }
 
-// Formed when it is asked for: the chorus and the reverb move four delays with every sample, and a logarithm and a
-// power for each of them would cost more than all the rest.
+// Computed on demand: the chorus and the reverb move four delays with every sample, and a logarithm and a power for
+// each of them would cost more than the delays themselves.
 float distance_delay_gain(const distance_delay& delay) {
   const double level = std::log10(1.0 / std::sqrt(double{delay.distance}));
   return static_cast<float>(std::pow(10.0, level * 20.0 * 0.05));

@@ -1,10 +1,10 @@
-// MIT License. A delay line whose length is told as the distance to a sound source.
+// MIT License. A delay line whose length is given as the distance to a sound source.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 
-// A ring of `length` + 1 samples with a length that glides. Not `ready`, it passes its samples unchanged.
+// A ring of `length` + 1 samples with a delay that glides. While not `ready` it passes its samples unchanged.
 struct distance_delay {
   uint8_t ready = 0;             // storage exists
   float speed = 343.0F;          // of sound, m/s
@@ -19,18 +19,19 @@ struct distance_delay {
   int32_t length = 0;  // longest delay, samples
 };
 
-// Makes a delay of 10 m at 44100 Hz, which is 1286 samples, and prepares it. What `delay` held before is gone.
-//   heap      its storage; not `ready` afterwards when it can't be had
+// Makes a delay of 10 m at 44100 Hz, which is 1286 samples, and prepares it. Any earlier contents of `delay` are
+// released.
+//   heap      its storage; not `ready` afterwards when memory is exhausted
 void distance_delay_create(distance_delay* delay);
 
-// The same with a rate in Hz and a distance in metres. Not `ready` when these come to less than one sample or to more
-// than 2^24.
+// The same with a rate in Hz and a distance in metres. Not `ready` when these make less than one sample or more than
+// 2^24.
 void distance_delay_create(float sample_rate, int32_t max_distance, distance_delay* delay);
 
-// Does nothing with a delay that is `ready`. Otherwise gets its storage, clears it and sets the shortest distance.
+// Allocates and clears the storage and sets the shortest distance. Does nothing to a delay that is `ready`.
 void distance_delay_prepare(distance_delay* delay);
 
-// Silences what is on its way. Place and movement stay.
+// Clears the ring. Position and glide stay.
 void distance_delay_clear(distance_delay* delay);
 
 // Frees the storage; the delay isn't `ready` until it is prepared again.
@@ -38,7 +39,7 @@ void distance_delay_release(distance_delay* delay);
 
 // Moves the source.
 //   position  0..1 of the largest distance; nearer than 1 m and NaN are 1 m, beyond 1 is 1
-//   snap      true: the delay is there at once; false: it glides there, with a time constant of 3000 samples
+//   snap      true: the delay jumps there; false: it glides, with a time constant of 3000 samples
 void distance_delay_set(float position, bool snap, distance_delay* delay);
 
 // Level of the source by its distance, 1 at 1 m. The delay doesn't apply it: only the time moves.

@@ -3,7 +3,6 @@
 
 #include "dsp/lanes.h"
 #include "engine/bad_samples.h"
-#include "engine/voco_state.h"
 
 // Settings of a frame's followers. The time base is the frame: a weight of w gives a time constant of about w hops.
 struct follower_settings {
@@ -14,9 +13,9 @@ struct follower_settings {
   float mix;        // 1 peak follower, 0 average follower
 };
 
-inline follower_settings follower_settings_of(const voco_state& state) {
-  return {state.env_attack * 32.0F, state.env_release * 40.0F, state.env_average * 8.0F, state.env_attack * 2.0F + 1.0F,
-          state.env_mix};
+// The settings for a sound's values of the same names.
+inline follower_settings follower_settings_of(float env_attack, float env_release, float env_average, float env_mix) {
+  return {env_attack * 32.0F, env_release * 40.0F, env_average * 8.0F, env_attack * 2.0F + 1.0F, env_mix};
 }
 
 // Feeds `magnitude` to the two followers of one bin or band, or of four of them. A follower that an overflow has made

@@ -2,8 +2,8 @@
 #include "engine/filter_bank.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <numbers>
 
 #include "dsp/lanes.h"
 #include "engine/envelope_followers.h"
@@ -12,32 +12,14 @@
 namespace {
 
 // clang-format off
-// Centre frequencies: 100 Hz apart up to 600 Hz, from there a factor of 1.2, and the air band alone at the top.
-constexpr std::array<float, filter_bank_bands> band_frequency_hz = {
-    100.0F,     200.0F,     300.0F,     400.0F,     500.0F,      // 0
-    600.0F,     720.0F,     864.0F,     1036.8F,    1244.16F,    // 5
-    1492.992F,  1791.5905F, 2149.9084F, 2579.8901F, 3095.8682F,  // 10
-    3715.0417F, 4458.0503F, 5349.6602F, 6419.5923F, 7703.5107F,  // 15
-    9244.2129F, 11093.056F, 13311.667F, 15974.0F,   21000.0F,    // 20
-};
-
 // Levels. With their narrower bands and steady ringing the two forward passes need less.
 struct filter_gains { float carrier; float sibilance; };
 constexpr filter_gains forward_backward_gains = {1.125F, 2.025F};
 constexpr filter_gains twice_gains            = {0.375F, 0.6F};
 // clang-format on
 
-constexpr int32_t last_rising_q_band = 21;    // forward and backward: the bands above are wide, to catch all of the air
-constexpr float upper_q = 2.0F;               // their quality
 constexpr int32_t first_sibilance_band = 16;  // 4458 Hz
 constexpr float quietest_carrier = 0.001F;    // a band below this isn't raised to full level: it would be noise
-
-// The quality rises with the fourth root of the band number, so that low bands stay wide enough to speak.
-float band_quality(band_filter filter, int32_t band) {
-  const double root = std::pow(0.04 * band, 0.25);
-  if (filter == band_filter::bandpass_twice) return static_cast<float>(5.0 * root + 1.0);
-  return band <= last_rising_q_band ? static_cast<float>(10.0 * root + 0.8) : upper_q;
-}
 
 // Bands run side by side: modulator and carrier of a group of bands are interleaved sample by sample, so that the
 // processor's lanes each follow one filter, every one in its own order.
@@ -119,8 +101,8 @@ void first_pass(const group_coefficients& c, const float* modulator, const float
   }
 }
 
-// The second pass over `n` rows that lie `step` floats apart, -group_lanes for backwards. Each result takes the place
-// of the input of two samples ago, which nothing reads again; two rows of zeros stand before the first.
+// The second pass over `n` rows that are `step` floats apart, -group_lanes for backwards. Each result takes the place
+// of the input of two samples ago, which nothing reads again; the first row follows two rows of zeros.
 void second_pass(const group_coefficients& c, int32_t n, int32_t step, float* first) {
   pass_memory memory;
   for (int32_t t = 0; t < n; ++t) {
@@ -157,15 +139,16 @@ lanes mean_levels(const float* rows, int32_t n) {
   return sums;
 }
 
-// What a group adds to the output: the gains of its lanes.
+// Gains of the lanes of a group.
 struct group_mix {
   std::array<float, group_bands> flatten{};    // 1 / level of the carrier's band
-  std::array<float, group_bands> envelope{};   // what the followers make of the modulator's band
+  std::array<float, group_bands> envelope{};   // the followers' blend for the modulator's band
   std::array<float, group_bands> sibilance{};  // of the modulator's band itself, 0 for none
 };
 
 group_mix mix_of_group(const lanes& levels, const filter_gains& gains, int32_t first_band, voco_state* state) {
-  const follower_settings settings = follower_settings_of(*state);
+  const follower_settings settings =
+      follower_settings_of(state->env_attack, state->env_release, state->env_average, state->env_mix);
   group_mix mix;
   const int32_t count = std::min(group_bands, filter_bank_bands - first_band);
   for (int32_t i = 0; i < count; ++i) {
@@ -181,7 +164,7 @@ group_mix mix_of_group(const lanes& levels, const filter_gains& gains, int32_t f
 }
 
 // Adds the group's bands to the output, in ascending order for every sample. Four samples go together, with their bands
-// turned from rows into columns; up to three rows and outputs behind the last sample are read and written with them.
+// turned from rows into columns; up to three rows and outputs past the last sample are read and written with them.
 void add_group(const group_mix& mix, float carrier_gain, bool with_sibilance, size_t count, const float* rows,
                int32_t n, float* output) {
   for (int32_t t = 0; t < n; t += 4) {
@@ -208,26 +191,6 @@ void add_group(const group_mix& mix, float carrier_gain, bool with_sibilance, si
 }
 
 }  // namespace
-
-bandpass_coefficients bandpass_of(float frequency, float q, float sample_rate) {
-  const double limited = std::max(10.0, std::min<double>(frequency, sample_rate * 0.5 - 10.0));
-  const double w = limited * 2.0 * std::numbers::pi / sample_rate;
-  const double alpha = std::sin(w) / (2.0 * q);
-  const double d = 1.0 / (alpha + 1.0);
-  return {static_cast<float>(alpha * d), static_cast<float>(-alpha * d), static_cast<float>(-2.0 * std::cos(w) * d),
-          static_cast<float>((1.0 - alpha) * d)};
-}
-
-filter_bank_coefficients filter_bank_coefficients_of(float sample_rate) {
-  filter_bank_coefficients bank;
-  for (int32_t band = 0; band < filter_bank_bands; ++band) {
-    const auto i = static_cast<size_t>(band);
-    bank.forward_backward[i] =
-        bandpass_of(band_frequency_hz[i], band_quality(band_filter::bandpass_forward_backward, band), sample_rate);
-    bank.twice[i] = bandpass_of(band_frequency_hz[i], band_quality(band_filter::bandpass_twice, band), sample_rate);
-  }
-  return bank;
-}
 
 void vocoder_filter_bank(band_filter filter, float* modulator, const float* carrier, int32_t n, voco_state* state) {
   const int32_t arena_used = state->arena.used;

@@ -1,10 +1,10 @@
-// MIT License. Work memory of one frame: taken piece by piece, given back all at once, without the heap.
+// MIT License. Work memory of one frame, allocated as a stack without the heap.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
-// Floats that the hungriest algorithm takes in one frame, with room to align each piece.
+// Floats that the largest algorithm takes in one frame, with room to align each piece.
 constexpr int32_t frame_arena_capacity = 20 * 1024;
 
 struct frame_arena {
@@ -13,9 +13,9 @@ struct frame_arena {
   int32_t used = 0;
 };
 
-// Takes `count` floats, at least 1, aligned to 64 bytes and with whatever values they last had.
+// Takes `count` floats, at least 1, aligned to 64 bytes and uninitialised.
 //   returns   null when the arena hasn't that many left
 float* frame_arena_take(int32_t count, frame_arena* arena);
 
-// Gives everything back that was taken since `used` had this value.
+// Rewinds to `used`, read from the arena earlier: frees everything taken since.
 void frame_arena_release(int32_t used, frame_arena* arena);

@@ -7,41 +7,13 @@
 #include "dsp/convert.h"
 #include "dsp/noise.h"
 #include "dsp/oscillators.h"
-#include "engine/prediction_modes.h"
+#include "engine/modes.h"
 #include "engine/transform_modes.h"
 #include "engine/voco_state.h"
-#include "engine/wavelet_modes.h"
 
 namespace {
 
-// The algorithms that work on the normalised frame in the time domain, with the window and the gain under which their
-// result joins the overlap-add outputs.
-struct time_domain_mode {
-  int32_t mode;
-  voco_state::frame voco_state::*window;
-  float gain;
-};
-
-// clang-format off
-constexpr time_domain_mode time_domain_modes[] = {
-    {6,  &voco_state::welch_window, 1.0F},  // filter bank, zero phase
-    {7,  &voco_state::welch_window, 5.5F},  // filter bank, two forward passes
-    {8,  &voco_state::welch_window, 5.5F},  // linear prediction, order 10
-    {9,  &voco_state::welch_window, 5.5F},  // linear prediction, order 35
-    {10, &voco_state::welch_window, 5.5F},  // linear prediction, order 80
-    {12, &voco_state::hann_window,  5.5F},  // wavelet, 4 taps
-    {13, &voco_state::hann_window,  5.5F},  // wavelet pair, split by level
-    {14, &voco_state::welch_window, 5.5F},  // wavelet pair, 76 taps only
-};
-// clang-format on
-
-const time_domain_mode* time_domain_mode_of(int32_t mode) {
-  const auto* const found = std::find_if(std::begin(time_domain_modes), std::end(time_domain_modes),
-                                         [mode](const time_domain_mode& entry) { return entry.mode == mode; });
-  return found == std::end(time_domain_modes) ? nullptr : found;
-}
-
-// The overlap-add outputs move on by one hop: what was built is played next.
+// Moves the overlap-add outputs on by one hop: the half that was built is played next.
 void advance_outputs(voco_state* state) {
   for (voco_state::frame* const output : {&state->ola_left, &state->ola_right}) {
     std::copy(output->begin() + frame_hop, output->end(), output->begin());
@@ -62,8 +34,8 @@ struct frame_measure {
   int32_t crossings = 0;
 };
 
-// Sums the modulator's magnitude and counts its changes of sign. The first sample always counts; so does each step to
-// or from an exact zero, whose sign is neither 1 nor -1 but what a conversion makes of an invalid number.
+// Sums the modulator's magnitude and counts its changes of sign. The first sample always counts; so does each change
+// to or from an exact zero, as its 0 / 0 converts to a third value besides 1 and -1.
 frame_measure measure(const voco_state::frame& modulator) {
   frame_measure result;
   int32_t last_sign = 0;
@@ -91,40 +63,6 @@ void shift_frames(voco_state* state) {
   }
 }
 
-// Leaves the result in `time_modulator`.
-void vocode_in_time_domain(voco_state* state) {
-  float* const modulator = state->time_modulator.data();
-  const float* const carrier = state->time_carrier.data();
-  switch (state->mode) {
-    case 6:
-      vocoder_filter_bank(band_filter::bandpass_forward_backward, modulator, carrier, frame_size, state);
-      break;
-    case 7:
-      vocoder_filter_bank(band_filter::bandpass_twice, modulator, carrier, frame_size, state);
-      break;
-    case 8:
-      vocoder_prediction(prediction_order_low, modulator, carrier, frame_size, &state->prediction, &state->arena);
-      break;
-    case 9:
-      vocoder_prediction(prediction_order_medium, modulator, carrier, frame_size, &state->prediction, &state->arena);
-      break;
-    case 10:
-      vocoder_prediction(prediction_order_high, modulator, carrier, frame_size, &state->prediction, &state->arena);
-      break;
-    case 12:
-      vocoder_wavelet(modulator, carrier, frame_size, state);
-      break;
-    case 13:
-      vocoder_wavelet_pair(wavelet_pair::split_by_level, modulator, carrier, frame_size, state);
-      break;
-    case 14:
-      vocoder_wavelet_pair(wavelet_pair::long_only, modulator, carrier, frame_size, state);
-      break;
-    default:
-      break;
-  }
-}
-
 void overlap_add_mono(const voco_state::frame& window, float gain, voco_state* state) {
   for (size_t i = 0; i < frame_size; ++i) {
     const float y = state->time_modulator[i] * window[i] * gain;
@@ -147,10 +85,14 @@ void voco_frame_step(voco_state* state) {
   shift_frames(state);
   wsyn_modulate_pitch(modulator.level_sum * 0.0078125F, modulator.crossings, &state->synth);
 
-  if (const time_domain_mode* const entry = time_domain_mode_of(state->mode); entry != nullptr) {
-    vocode_in_time_domain(state);
-    overlap_add_mono(state->*entry->window, entry->gain, state);
+  const vocoder_algorithm& algorithm = vocoder_algorithm_of(state->mode);
+  const voco_state::frame& window = state->*algorithm.window;
+  if (algorithm.domain == vocoder_domain::bins) {
+    transform_analyse(state);
+    algorithm.vocode(state);
+    transform_synthesise(window, algorithm.gain, state);
   } else {
-    transform_vocode(state);
+    algorithm.vocode(state);
+    overlap_add_mono(window, algorithm.gain, state);
   }
 }

@@ -17,8 +17,8 @@ void place_anchor(double counter, double step, motion_anchor* anchor) {
   anchor->cosine = std::cos(anchor->turn / 2.0);
 }
 
-// Radians from the anchor to a sample behind it. The product rounds as the formula's does; two products so near to each
-// other differ by an exact number, so that neither the remainder nor where it starts anew depends on the anchor.
+// Radians from the anchor to a later sample. The product rounds as the formula's does, and two products this close
+// differ by an exact number, so neither the remainder nor the sample at which it wraps depends on the anchor.
 inline double way_to(double counter, double step, const motion_anchor& from) {
   return counter * step - from.phase;
 }
@@ -27,7 +27,7 @@ bool in_next_turn(double counter, double step, const motion_anchor& from) {
   return from.turn + way_to(counter, step, from) >= full_turn;
 }
 
-// How many of the `n` samples from `first` on lie in the same turn as that.
+// How many of the `n` samples from `first` on are in the same turn as the first.
 int32_t samples_in_one_turn(double first, int32_t n, double step, const motion_anchor& from) {
   const bool turn = in_next_turn(first, step, from);
   while (in_next_turn(first + (n - 1), step, from) != turn) --n;

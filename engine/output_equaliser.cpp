@@ -34,8 +34,8 @@ constexpr std::array<curve_point, eq_bands> target_curve = {{
 constexpr float curve_q = 1.0F;
 
 // All twenty sections run side by side, one per lane, with lane 2 * band + channel. At step s band j works on sample
-// s - j, so that what a band made in one step is what the next band takes in the next. Each section sees its samples in
-// their order, and the processor sees twenty independent filters.
+// s - j, so that the output of a band in one step is the input of the next band in the next. Each section sees its
+// samples in their order, and the processor sees twenty independent filters.
 constexpr int32_t lane_count = eq_bands * eq_channels;
 constexpr size_t lane_vectors = lane_count / 4;
 
@@ -81,7 +81,7 @@ void store_memory(const section_lanes& lane, output_equaliser* equaliser) {
   }
 }
 
-// What the lanes take next: the first band the new samples, each other band the output of the band before it.
+// The next input of every lane: new samples for the first band, for the others the output of the band before.
 inline lanes next_inputs(float left, float right, const lanes& output) {
   lanes x;
   x[0] = __builtin_shufflevector(float4{left, right, 0.0F, 0.0F}, output[0], 0, 1, 4, 5);
@@ -119,7 +119,7 @@ void step_of_bands(float left, float right, int32_t first, int32_t last, section
   }
 }
 
-// Where a channel's results go. An overflow stays in the memory, so behind the first sample that isn't finite no other
+// The results of a channel. An overflow stays in the memory, so after the first sample that isn't finite no other
 // is either: nothing is written from there on, and the inputs wait for `recover`.
 struct channel_output {
   float* samples;
@@ -135,8 +135,8 @@ struct channel_output {
   }
 };
 
-// Silences the lost sample of a block of `n` and runs the rest, sample by sample, from memory at rest. A further sample
-// that isn't finite becomes 0 as well and brings the memory to rest again.
+// Silences the lost sample of a block of `n` and runs the rest sample by sample from cleared memory. Each further
+// sample that isn't finite becomes 0 as well and clears the memory again.
 void recover(const channel_output& output, int32_t n, std::array<eq_section, eq_bands>* sections) {
   const auto rest = [&] {
     for (eq_section& s : *sections) s.x1 = s.x2 = s.y1 = s.y2 = 0.0F;

@@ -1,4 +1,4 @@
-// MIT License. The fixed ten-band equaliser behind the vocoder, which also carries the sound's output gain.
+// MIT License. The fixed ten-band equaliser after the vocoder, which also carries the sound's output gain.
 #pragma once
 
 #include <array>

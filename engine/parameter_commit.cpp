@@ -1,8 +1,8 @@
 // MIT License.
 #include "engine/parameter_commit.h"
 
-#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "dsp/convert.h"
 #include "dsp/fft.h"
@@ -21,16 +21,43 @@ void clear_envelopes(voco_state* state) {
   }
 }
 
+struct synthesizer_place {
+  wsyn_param synth;
+  voco_param param;
+};
+
+// All of the synthesizer's parameters but its rate ratio.
+// clang-format off
+constexpr synthesizer_place synthesizer_places[] = {
+    {wsyn_param_reference_pitch,  param_tuning},
+    {wsyn_param_octave,           param_octave},
+    {wsyn_param_sampled,          param_sampled},
+    {wsyn_param_wave_select1,     param_wave1},
+    {wsyn_param_wave_select2,     param_wave2},
+    {wsyn_param_sync,             param_sync},
+    {wsyn_param_ring,             param_ring},
+    {wsyn_param_coarse1,          param_coarse1},
+    {wsyn_param_fine1,            param_fine1},
+    {wsyn_param_pitch_source1,    param_pitch_source1},
+    {wsyn_param_pitch_depth1,     param_pitch_depth1},
+    {wsyn_param_lfo_rate1,        param_lfo_rate1},
+    {wsyn_param_coarse2,          param_coarse2},
+    {wsyn_param_fine2,            param_fine2},
+    {wsyn_param_pitch_source2,    param_pitch_source2},
+    {wsyn_param_pitch_depth2,     param_pitch_depth2},
+    {wsyn_param_lfo_rate2,        param_lfo_rate2},
+    {wsyn_param_cutoff,           param_cutoff},
+    {wsyn_param_resonance,        param_resonance},
+    {wsyn_param_drive,            param_drive},
+};
+// clang-format on
+static_assert(std::size(synthesizer_places) == wsyn_param_count - 1);
+
 void commit_synthesizer(const voco_params& params, voco_state* state) {
-  const float core_rate = params[param_core_rate];
   auto& synth = state->synth_params;
-  synth[0] = core_rate <= 0.0F ? 1.0F : static_cast<float>(core_sample_rate_hz) / core_rate;
-  synth[1] = params[param_tuning];
-  synth[2] = params[param_octave];
-  std::copy(params.begin() + param_sampled, params.begin() + param_lfo_rate2 + 1, synth.begin() + 3);
-  synth[18] = params[param_cutoff];
-  synth[19] = params[param_resonance];
-  synth[20] = params[param_drive];
+  const float core_rate = params[param_core_rate];
+  synth[wsyn_param_rate_ratio] = core_rate <= 0.0F ? 1.0F : static_cast<float>(core_sample_rate_hz) / core_rate;
+  for (const synthesizer_place& entry : synthesizer_places) synth[entry.synth] = params[entry.param];
   wsyn_commit(synth.data(), &state->synth);
 }
 
@@ -57,9 +84,7 @@ void commit_first(voco_state* state) {
   fft_cos_table_init(&state->fft_log2_size, frame_size, state->fft_cos_table.data());
   build_windows(state);
   state->band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
-  for (distance_delay* const delay : {&state->chorus_left, &state->chorus_right}) {
-    if (delay->ready == 0) distance_delay_create(delay);
-  }
+  chorus_prepare(&state->chorus);
 }
 
 float clamp_to_unit(float value) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double residual_gain = 0.25;
 
-// A frame taken apart: its filter, and what the filter leaves in the frame's place.
+// The filter of a frame, and the level of the residual that replaces the frame.
 struct prediction {
   std::array<float, lpc_max_order> coefficients{};
   float residual_level = 0.0F;
@@ -28,7 +28,7 @@ prediction analyse(int32_t order, int32_t n, float* samples, lpc_workspace* work
   return result;
 }
 
-// A silent carrier's level is 0, and 0 / 0 is no sample.
+// A silent carrier's level is 0, and 0 / 0 is NaN.
 float scaled_or_zero(float sample, float modulator_level, float carrier_level) {
   return finite_or_zero(static_cast<float>(double{sample} * modulator_level * residual_gain / carrier_level));
 }

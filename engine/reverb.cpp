@@ -24,7 +24,7 @@ constexpr std::array<int32_t, reverb_tap_count> tap_base = {
 };
 constexpr float tap_scale = 7.462686e-05F;  // 1 / 13400
 
-// What a channel's output takes from its own ring, in the order of the sum.
+// The taps of a channel's own ring that its output sums, in this order.
 struct weighted_tap { size_t tap; float weight; };
 constexpr std::array<weighted_tap, 12> left_taps = {{
     { 1,  0.025F }, { 3,  0.1F  }, { 5,  0.2F   }, { 7,  0.3F },
@@ -40,12 +40,12 @@ constexpr size_t first_equal_tap = 16;  // both channels have all taps from here
 constexpr float equal_weight = 0.1F;
 // clang-format on
 
-constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly end
+constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly decay
 constexpr float output_level = 0.75F;
 constexpr size_t cleared_samples = 24000;  // of each ring; the largest has 22422
 
-// Samples are run in groups of consecutive ones, one per lane, as long as no two positions come so near to each other
-// that a lane would take what another has just written. Each lane then does exactly what a single sample does.
+// Consecutive samples run side by side, one per lane, while any two positions are far enough apart that no lane reads
+// what another of the group writes. Each lane then computes exactly what a single sample does.
 constexpr int32_t group_size = sizeof(float4) / sizeof(float);
 
 struct reverb_gains {
@@ -54,7 +54,7 @@ struct reverb_gains {
   float turn;  // of the rotations
 };
 
-// What belongs to the samples of a stretch in which no position wraps.
+// Sums and motion of the samples of a stretch in which no position wraps.
 struct stretch {
   std::array<float, motion_span> left_sum;
   std::array<float, motion_span> right_sum;
@@ -130,7 +130,7 @@ void store(lanes value, float* to) {
   std::memcpy(to, &value, sizeof value);
 }
 
-// What both channels take from their rings. The sums run side by side, each in the order of its taps.
+// The outputs of both channels. The sums run side by side, each in the order of its taps.
 template <typename lanes>
 void sum_taps(float gain, const tap_positions& at, const float* left, const float* right, float* left_sum,
               float* right_sum) {
@@ -190,7 +190,7 @@ void feed(float feedback, const float* in, const double* positions, float* slots
   for (int32_t i = 0; i < n; ++i) slots[i] = finite_or_zero(samples[static_cast<size_t>(i)]);
 }
 
-// The sample, or the group of `n`, that lies `offset` samples into a stretch.
+// Runs one sample, or a group of `n`, from `offset` of a stretch on.
 template <typename lanes, int32_t n>
 void advance(const reverb_gains& gains, int32_t offset, const float* in_left, const float* in_right, stretch* samples,
              reverb_state* state) {
@@ -217,7 +217,8 @@ int32_t samples_to_wrap(const reverb_state& state) {
   return state.limit + 1 - furthest;
 }
 
-// Runs samples up to a wrap, or to the end of what the motion gives at once. Returns how many.
+// Runs samples up to a wrap, or as many as the motion computes in one call.
+//   returns  how many
 int32_t process_stretch(const reverb_gains& gains, const float* in_left, const float* in_right, float* out_left,
                         float* out_right, int32_t n, reverb_state* state) {
   stretch samples;

@@ -1,4 +1,4 @@
-// MIT License. The reverb: a ring of samples per channel, read at 32 taps that turn the channels into each other.
+// MIT License. The reverb: a ring of samples per channel, read at 32 taps that rotate the channels into each other.
 #pragma once
 
 #include <array>
@@ -32,11 +32,12 @@ struct reverb_state {
   uint8_t overflowed = 0;  // the tail has become infinite or not a number since it was last clear
 };
 
-// Takes the values of a block. A size that differs by 1/128 or more from the one in use builds the taps anew, clears
-// the tail and starts the motion from its beginning; a smaller difference is ignored, so that a moving control doesn't
-// do so in every block.
-//   level     limited to 0..1; it acts up to one half, and from there on is full
-//   size      limited to 0..1: rings of 422 to 22422 samples. Beyond 0.91 the decay grows no longer. NaN is 0, both
+// Takes the values of a block. A size that differs by 1/128 or more from the one in use rebuilds the taps, clears
+// the tail and restarts the motion; a smaller difference is ignored, so that a moving control doesn't do so in every
+// block.
+//   level     limited to 0..1; full from one half up
+//   size      limited to 0..1: rings of 422 to 22422 samples. Beyond 0.91 the decay time stays the same
+//   NaN       counts as 0 in both
 //   audio     makes the two motion delays when they aren't ready; otherwise no heap
 void reverb_configure(float level, float size, reverb_state* state);
 
@@ -45,9 +46,8 @@ void reverb_configure(float level, float size, reverb_state* state);
 //   audio     no heap
 void reverb_process(float in_left, float in_right, float* out_left, float* out_right, reverb_state* state);
 
-// Clears a tail that has overflowed. The taps turn the channels into each other, so that one bad number in the rings
-// would be everywhere within a second and never leave. When it is called is part of the sound: the engine does so at
-// every frame.
+// Clears a tail that has overflowed. The taps rotate the channels into each other, so one bad number would spread over
+// both rings within a second and never leave. The time of the call is part of the sound: once per frame.
 void reverb_recover(reverb_state* state);
 
 // The same as reverb_process for `n` samples. The results don't depend on where a signal is cut into blocks.

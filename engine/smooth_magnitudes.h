@@ -7,7 +7,7 @@
 
 constexpr int32_t smoothing_size = 1024;  // points of the transform
 
-// Tables of one engine. Each has its own, so that engines on different threads don't meet here.
+// Tables of one engine. They aren't shared, as a change of width rewrites them.
 struct smoothing_tables {
   int32_t initialised = 0;
   int32_t fft_log2_size = 0;
@@ -18,9 +18,9 @@ struct smoothing_tables {
   int32_t window_width = 0;  // the width that `window` was made for
 };
 
-// Smooths `magnitudes` into `result`; the smaller `width`, the coarser the outcome.
+// Smooths `magnitudes` into `result`; the smaller `width`, the coarser the result.
 //   shapes    magnitudes[n / 2 + 1], result[n / 2 + 1]; they may be the same array. n is `smoothing_size`
 //   width     even, 2 to n - 2: samples that the Blackman window keeps around the middle
-//   scale     a constant spectrum comes out about as it went in
+//   scale     a constant spectrum stays about the same
 //   audio     no heap; the first call and each change of width build tables
 void smooth_magnitudes(const float* magnitudes, int32_t n, int32_t width, float* result, smoothing_tables* tables);

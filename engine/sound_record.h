@@ -27,5 +27,5 @@ std::vector<float> parse_value_list(std::string_view text);
 //             leaves the later values as they were
 int32_t sound_record_take(int32_t number, std::string_view text, sound_record* record);
 
-// The text of a factory sound, or an empty view when there is none of this number.
+// The text of a factory sound, or an empty view when the number has none.
 std::string_view sound_text(int32_t number);

@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdint>
 
-// What each value does, with its range. Flags are on above 0.5 or, where noted, from 1 up; out-of-range values are
-// taken as they come unless a clamp is named.
+// What each value does, with its range. Flags are on above 0.5 or, where noted, from 1 up; out-of-range values
+// are used unchanged unless a clamp is named.
 enum sound_value : int32_t {
   // mix
   value_wet_gain = 0,            // level of the vocoded signal, clamped to 0..1

@@ -1,23 +1,25 @@
-// MIT License. The vocoders that work on the spectrum of a frame: modes 0 to 5 and 11.
+// MIT License. The vocoders that work on the spectrum of a frame.
 #pragma once
 
 #include <cstdint>
 
-struct voco_state;
+#include "engine/voco_state.h"
 
-// Numbers of the spectral algorithms. Any other number leaves the carrier's spectrum as it is.
-enum transform_mode : int32_t {
-  mode_geometric_mean = 0,   // geometric mean of modulator and carrier, with a rising tilt
-  mode_two_bin_bands = 1,    // 256 bands of two bins
-  mode_carrier_phase = 2,    // modulator's envelope at the carrier's phase
-  mode_smooth_512 = 3,       // smoothed envelopes, fine
-  mode_smooth_128 = 4,       // smoothed envelopes, medium
-  mode_smooth_32 = 5,        // smoothed envelopes, coarse
-  mode_modulator_phase = 11  // both magnitudes at the modulator's phase
-};
+// Transforms the windowed frame in `complex_frame`, modulator real and carrier imaginary. The modulator's spectrum
+// replaces it, the carrier's goes to `carrier_spectrum`: noise for a consonant, where the sound asks for that.
+void transform_analyse(voco_state* state);
 
-// Vocodes the windowed frame in `complex_frame` (modulator real, carrier imaginary) and adds the result to the
-// overlap-add outputs. The output's spectrum is one-sided, so the inverse transform is a quadrature pair: its two
-// parts, mixed crosswise, become left and right, which widens the mono result at no further cost.
-//   audio     no heap
-void transform_vocode(voco_state* state);
+// The algorithms. Each takes bins 0 to 511 of the two spectra, replaces those of `carrier_spectrum` by its result and
+// clears the upper half.
+void transform_geometric_mean(voco_state* state);   // of both magnitudes, with a tilt towards the highs
+void transform_two_bin_bands(voco_state* state);    // 256 bands of two bins, weighted by the modulator's
+void transform_carrier_phase(voco_state* state);    // the modulator's envelope at the carrier's phase
+void transform_modulator_phase(voco_state* state);  // the product of both magnitudes at the modulator's phase
+// The carrier is flattened by its own smoothed envelope and given the modulator's.
+//   width     as smooth_magnitudes takes it: the smaller, the coarser the envelopes
+void transform_smoothed(int32_t width, voco_state* state);
+
+// Adds sibilance to the spectrum in `carrier_spectrum`, transforms it back and adds it to the overlap-add outputs. The
+// spectrum is one-sided, so the inverse transform is a quadrature pair: its two parts, mixed crosswise, become left and
+// right, which widens the mono result at no further cost.
+void transform_synthesise(const voco_state::frame& window, float gain, voco_state* state);

@@ -30,7 +30,20 @@ enum voco_param : int32_t {
   param_octave = 20,
   param_unused = 21,  // always 0
   param_sampled = 22,
-  param_lfo_rate2 = 36,  // 22 to 36 are the synthesizer's values from `value_sampled` on, in order
+  param_wave1 = 23,
+  param_wave2 = 24,
+  param_sync = 25,
+  param_ring = 26,
+  param_coarse1 = 27,
+  param_fine1 = 28,
+  param_pitch_source1 = 29,
+  param_pitch_depth1 = 30,
+  param_lfo_rate1 = 31,
+  param_coarse2 = 32,
+  param_fine2 = 33,
+  param_pitch_source2 = 34,
+  param_pitch_depth2 = 35,
+  param_lfo_rate2 = 36,
   param_core_rate = 37,  // 44100 divided by the block's rate ratio
 };
 

@@ -6,10 +6,9 @@
 
 #include "dsp/oscillators.h"
 #include "engine/bad_samples.h"
-#include "engine/chorus.h"
 #include "engine/frame_step.h"
-#include "engine/notes.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 
 namespace {
 
@@ -21,7 +20,8 @@ void remove_bad_samples(float* samples, int32_t n) {
   for (int32_t i = 0; i < n; ++i) samples[i] = finite_or_zero(samples[i]);
 }
 
-// Stores `sample` in a ring of one frame and gives the one it replaces: the sample of 1024 samples ago.
+// Stores `sample` in a ring of one frame.
+//   returns  the sample it replaces, from 1024 samples ago
 float delay_one_frame(float sample, voco_state::frame* ring, int32_t* index) {
   float& slot = (*ring)[static_cast<size_t>(*index)];
   const float delayed = slot;
@@ -30,11 +30,11 @@ float delay_one_frame(float sample, voco_state::frame* ring, int32_t* index) {
   return delayed;
 }
 
-// The wet signal of `n` samples from frame_pos on. Both channels lie complete in the overlap-add outputs.
+// The wet signal of `n` samples from frame_pos on. Both channels are complete in the overlap-add outputs.
 void take_wet(float* left, float* right, int32_t n, voco_state* state) {
   std::copy_n(state->ola_left.begin() + state->frame_pos - frame_hop, n, left);
   std::copy_n(state->ola_right.begin() + state->frame_pos - frame_hop, n, right);
-  if (state->chorus_on >= 1) chorus_process(left, right, n, state);
+  if (state->chorus_on >= 1) chorus_process(left, right, n, &state->chorus);
 }
 
 // Stores `n` samples in frames and rings, and mixes the wet signal in `left` and `right` with the dry ones.

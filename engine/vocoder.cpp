@@ -34,13 +34,6 @@ int32_t take_sound(int32_t number, const uint8_t* key, sound_record* sound) {
   return 0;
 }
 
-int32_t process(sound_values values, int32_t chorus_on, int32_t reverb_on, int32_t frames, const float* const* inputs,
-                float* const* outputs, vocoder_instance* instance) {
-  if (reverb_on == 0) values[value_reverb_level] = 0.0F;
-  return vocoder_process_block(values, static_cast<float>(chorus_on), frames, inputs, outputs, &instance->framing,
-                               &instance->core);
-}
-
 }  // namespace
 
 vocoder_instance* vocoder_create(float sample_rate) noexcept {
@@ -65,8 +58,17 @@ int32_t vocoder_process_sound(int32_t /*curve*/, int32_t chorus_on, int32_t reve
   if (instance->sound.number < 0) return 1;
   sound_values values;
   std::copy_n(instance->sound.values.begin(), values.size(), values.begin());
-  const int32_t failed = process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
+  const int32_t failed = vocoder_process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
   return refused | failed;
+}
+
+int32_t vocoder_process(const sound_values& values, int32_t chorus_on, int32_t reverb_on, int32_t frames,
+                        const float* const* inputs, float* const* outputs, vocoder_instance* instance) noexcept {
+  if (instance == nullptr) return 1;
+  sound_values gated = values;
+  if (reverb_on == 0) gated[value_reverb_level] = 0.0F;
+  return vocoder_process_block(gated, static_cast<float>(chorus_on), frames, inputs, outputs, &instance->framing,
+                               &instance->core);
 }
 
 int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t reverb_on, float wet_gain,
@@ -79,59 +81,33 @@ int32_t vocoder_process_values(int32_t /*curve*/, int32_t chorus_on, int32_t rev
                                float coarse2, float fine2, float pitch_source2, float pitch_depth2, float lfo_rate2,
                                float output_gain_db, int32_t frames, const float* const* inputs, float* const* outputs,
                                vocoder_instance* instance) noexcept {
-  if (instance == nullptr) return 1;
-  const sound_values values = {wet_gain,
-                               dry_carrier_gain,
-                               dry_modulator_gain,
-                               env_mix,
-                               env_attack,
-                               env_release,
-                               env_average,
-                               mode,
-                               sibilance_on,
-                               noise_on,
-                               freeze_on,
-                               swap,
-                               reverb_level,
-                               reverb_size,
-                               cutoff,
-                               resonance,
-                               drive,
-                               internal_carrier,
-                               tuning,
-                               octave,
-                               unused,
-                               sampled,
-                               wave1,
-                               wave2,
-                               sync,
-                               ring,
-                               coarse1,
-                               fine1,
-                               pitch_source1,
-                               pitch_depth1,
-                               lfo_rate1,
-                               coarse2,
-                               fine2,
-                               pitch_source2,
-                               pitch_depth2,
-                               lfo_rate2,
-                               output_gain_db};
-  return process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
+  // clang-format off
+  const sound_values values = {
+      wet_gain, dry_carrier_gain, dry_modulator_gain,                               // 0
+      env_mix, env_attack, env_release, env_average,                                // 3
+      mode, sibilance_on, noise_on, freeze_on, swap,                                // 7
+      reverb_level, reverb_size,                                                    // 12
+      cutoff, resonance, drive, internal_carrier, tuning, octave, unused, sampled,  // 14
+      wave1, wave2, sync, ring,                                                     // 22
+      coarse1, fine1, pitch_source1, pitch_depth1, lfo_rate1,                       // 26
+      coarse2, fine2, pitch_source2, pitch_depth2, lfo_rate2,                       // 31
+      output_gain_db};                                                              // 36
+  // clang-format on
+  return vocoder_process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
 }
 
 void vocoder_note_on(int32_t note, int32_t velocity, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return;
-  if (velocity == 0) return notes_off(note, &instance->core.state);
-  notes_on(note, &instance->core.state);
+  if (velocity == 0) return notes_off(note, &instance->core.state.synth, &instance->core.state.note_mirror);
+  notes_on(note, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_note_off(int32_t note, int32_t /*velocity*/, vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_off(note, &instance->core.state);
+  if (instance != nullptr) notes_off(note, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_all_notes_off(vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_all_off(&instance->core.state);
+  if (instance != nullptr) notes_all_off(&instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept {
@@ -141,12 +117,12 @@ void vocoder_set_pitch_bend(int32_t value, vocoder_instance* instance) noexcept 
 }
 
 void vocoder_set_sustain(int32_t on, vocoder_instance* instance) noexcept {
-  if (instance != nullptr) notes_set_sustain(on, &instance->core.state);
+  if (instance != nullptr) notes_set_sustain(on, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 void vocoder_set_note_list(const float* notes, uint32_t byte_count, vocoder_instance* instance) noexcept {
   if (notes == nullptr || byte_count == 0 || instance == nullptr) return;
-  notes_set_list(notes, byte_count, &instance->core.state);
+  notes_set_list(notes, byte_count, &instance->core.state.synth, &instance->core.state.note_mirror);
 }
 
 float* vocoder_get_note_list(uint32_t* byte_count, vocoder_instance* instance) noexcept {

@@ -1,28 +1,31 @@
-// MIT License. The vocoder engine: sound values and audio blocks in, stereo out. This is its whole public face.
+// MIT License. The vocoder engine: sound values and audio blocks in, stereo out. This is its public interface.
 #pragma once
 
 #include <cstdint>
 
+#include "engine/sound_values.h"
+
 // One engine for one host sample rate. Every operation but `vocoder_destroy` takes the instance last and accepts null,
-// for which it does nothing and answers 1, null or nothing. None throws: where memory is exhausted the answer is a
-// refusal, and what the engine had before goes on.
+// for which it does nothing and returns 1, null or nothing. None throws: an operation that runs out of memory is
+// refused, and the engine continues with what it had.
 //
 // Threads: the process and note operations of one instance belong to one thread, the audio thread. Creation and
 // destruction must not overlap them. Two instances share nothing that is written.
 struct vocoder_instance;
 
-// Makes an engine for blocks at `sample_rate` Hz; 0 stands for 44100. Null when memory for the instance is exhausted.
+// Makes an engine for blocks at `sample_rate` Hz; 0 means 44100. Null when memory is exhausted, and for a rate that is
+// negative or not finite.
 vocoder_instance* vocoder_create(float sample_rate) noexcept;
 
-// Ends an engine; null is accepted.
+// Destroys an engine; null is accepted.
 void vocoder_destroy(vocoder_instance* instance) noexcept;
 
 // Runs one block with the sound `sound_number`.
 //   curve         carried along and ignored: there is one target curve
 //   chorus_on     0 off, 1 on
 //   reverb_on     0 forces the sound's reverb level to 0, any other value leaves it
-//   sound_key     a non-null key lets the engine take a new sound; with null the sound taken before plays on, whatever
-//                 `sound_number` says. Taking a sound parses its text and uses the heap; a number without a text and a
+//   sound_key     a non-null key lets the engine take a new sound; with null the previous sound continues, whatever
+//                 `sound_number` is. Taking a sound parses its text and uses the heap; a number without a text and a
 //                 list of more than 512 values leave the earlier sound in place, and so does exhausted memory
 //   frames        samples per channel, any length from 0
 //   inputs        four arrays of `frames` samples, of which [0] is the first (voice) and [2] the second input; [1] and
@@ -39,23 +42,26 @@ int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_o
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
                               float* const* outputs, vocoder_instance* instance) noexcept;
 
-// Runs one block with the 37 values of a sound given in the call, in the order of a sound's value list. The sound that
-// `vocoder_process_sound` took stays as it is. Everything else as there.
-int32_t vocoder_process_values(int32_t curve, int32_t chorus_on, int32_t reverb_on,                              //
-                               float wet_gain, float dry_carrier_gain, float dry_modulator_gain,                 // 0
-                               float env_mix, float env_attack, float env_release, float env_average,            // 3
-                               float mode, float sibilance_on, float noise_on, float freeze_on, float swap,      // 7
-                               float reverb_level, float reverb_size,                                            // 12
-                               float cutoff, float resonance, float drive,                                       // 14
-                               float internal_carrier, float tuning, float octave, float unused, float sampled,  // 17
-                               float wave1, float wave2, float sync, float ring,                                 // 22
-                               float coarse1, float fine1, float pitch_source1, float pitch_depth1,
-                               float lfo_rate1,  // 26
-                               float coarse2, float fine2, float pitch_source2, float pitch_depth2,
-                               float lfo_rate2,       // 31
-                               float output_gain_db,  // 36
-                               int32_t frames, const float* const* inputs, float* const* outputs,
-                               vocoder_instance* instance) noexcept;
+// Runs one block with the values of a sound, whatever sound `vocoder_process_sound` has taken. All else as there.
+int32_t vocoder_process(const sound_values& values, int32_t chorus_on, int32_t reverb_on, int32_t frames,
+                        const float* const* inputs, float* const* outputs, vocoder_instance* instance) noexcept;
+
+// The same with the values one by one, in the order of `sound_values`.
+// clang-format off
+int32_t vocoder_process_values(
+    int32_t curve, int32_t chorus_on, int32_t reverb_on,
+    float wet_gain, float dry_carrier_gain, float dry_modulator_gain,                                   // 0
+    float env_mix, float env_attack, float env_release, float env_average,                              // 3
+    float mode, float sibilance_on, float noise_on, float freeze_on, float swap,                        // 7
+    float reverb_level, float reverb_size,                                                              // 12
+    float cutoff, float resonance, float drive,                                                         // 14
+    float internal_carrier, float tuning, float octave, float unused, float sampled,                    // 17
+    float wave1, float wave2, float sync, float ring,                                                   // 22
+    float coarse1, float fine1, float pitch_source1, float pitch_depth1, float lfo_rate1,               // 26
+    float coarse2, float fine2, float pitch_source2, float pitch_depth2, float lfo_rate2,               // 31
+    float output_gain_db,                                                                               // 36
+    int32_t frames, const float* const* inputs, float* const* outputs, vocoder_instance* instance) noexcept;
+// clang-format on
 
 // Starts or retriggers a note. Notes outside 27 to 108 and a 33rd held note are ignored. Velocity 0 is a note off; all
 // other velocities are alike.

@@ -23,8 +23,8 @@ constexpr double contrast = 1.1;             // exponent of the ratio
 constexpr float output_level = 0.16666667F;
 constexpr int32_t split_divisor = 32;  // levels above n / 32 are the four highest octaves
 
-// Both signals of a frame in the domain of one filter set. The transform points to the filters beside it, so it stays
-// where it was made.
+// Both signals of a frame in the domain of one filter set. The transform points to the filters next to it, so the
+// record must not be copied or moved.
 struct decomposition {
   filter_set filters;
   wavelet transform;
@@ -74,7 +74,7 @@ struct level_sums {
   float carrier = 0.0F;
 };
 
-// Of the level that lies in entries s to 2 s - 1.
+// Of the level in entries s to 2 s - 1.
 level_sums sum_level(const decomposition& d, int32_t s) {
   level_sums sums;
   for (int32_t j = s; j < 2 * s; ++j) {

@@ -1,18 +1,15 @@
-// MIT License. The vocoders that work per octave: every level of the carrier's wavelet transform gets the loudness that
-// the modulator's has.
+// MIT License. The vocoders that work per octave: the carrier's wavelet transform gets the modulator's loudness
+// level by level.
 #pragma once
 
 #include <cstdint>
 
 struct voco_state;
 
-// Levels of a frame: octaves and, at the end, the second of the two samples that are left of the lowest band.
-constexpr int32_t wavelet_level_count = 10;
-
 // Mode 12: with the 4-tap filters, whose steps leak into each other. A level of the modulator passes while it is above
 // half of its own recent average, which keeps onsets and drops quiet passages. The result replaces `modulator`.
 //   shapes    modulator[n], carrier[n], samples within full scale; n is a power of two from 2 to 1024
-//   audio     takes its work buffers from the arena; when they can't be had, `modulator` stays as it came
+//   audio     takes its work buffers from the arena; when it is exhausted, `modulator` stays unchanged
 //   state     reads and advances wavelet_level_avg
 void vocoder_wavelet(float* modulator, const float* carrier, int32_t n, voco_state* state);
 

@@ -11,6 +11,7 @@
 #include "engine/parameter_commit.h"
 #include "engine/reverb.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -23,7 +24,7 @@ void carrier(benchmark::State& state) {
   wsyn_select_render(&voco->synth);
   voco->synth.pitch_mod1 = 1.0;
   voco->synth.pitch_mod2 = 1.0;
-  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, voco.get());
+  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, &voco->synth, &voco->note_mirror);
   waveform run(512);
   const auto length = static_cast<int32_t>(run.size());
   for (int i = 0; i < 400; ++i) wsyn_next_samples(length, &voco->synth, run.data());
@@ -69,7 +70,7 @@ void chorus_and_reverb(benchmark::State& state, bool with_chorus, bool with_reve
     waveform right = in;
     waveform out_left(in.size());
     waveform out_right(in.size());
-    if (with_chorus) chorus_process(left.data(), right.data(), n, voco.get());
+    if (with_chorus) chorus_process(left.data(), right.data(), n, &voco->chorus);
     if (with_reverb) {
       reverb_process_block(left.data(), right.data(), out_left.data(), out_right.data(), n, &voco->reverb);
     }

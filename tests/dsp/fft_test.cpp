@@ -59,7 +59,7 @@ double largest_error(const std::vector<float>& actual, const signal& expected, d
   return error;
 }
 
-TEST(Fft, TransformsNoiseOfEverySizeAsTheDefinitionSaysAndBack) {
+TEST(Fft, TransformsNoiseOfEverySizeByItsDefinitionAndBack) {
   for (int32_t size = 8; size <= 8192; size *= 2) {
     const prepared fft(size);
     const std::vector<float> input = noise(size);
@@ -89,7 +89,7 @@ TEST(Fft, LargestSizeKeepsATone) {
   EXPECT_LT(largest_error(data, expected), 1e-6 * size);
 }
 
-TEST(FftCosTable, HoldsTheQuarterWaveAndNothingMoreAndStaysUnderARefusedSize) {
+TEST(FftCosTable, HoldsTheQuarterWaveAndIsUntouchedForARefusedSize) {
   constexpr int32_t unlogged = std::numeric_limits<int32_t>::min();  // the logarithm of nothing
   const struct {
     int32_t size, log2_size;

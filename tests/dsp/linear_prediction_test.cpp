@@ -8,20 +8,13 @@
 #include <functional>
 #include <memory>
 #include <numbers>
-#include <random>
 #include <vector>
+
+#include "tests/words/signals.h"
 
 namespace {
 
 using signal = std::vector<float>;
-
-signal noise(size_t count) {
-  std::mt19937 generator(1);
-  std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
-  signal x(count);
-  for (float& sample : x) sample = distribution(generator);
-  return x;
-}
 
 // What the process with these coefficients makes of noise, after its start.
 signal autoregressive(const std::vector<double>& a) {

@@ -79,7 +79,7 @@ TEST(Commit, AModeOfOneHalfLoadsLoopsButKeepsTuningAndRender) {
   EXPECT_EQ(state->render, &render_ring);
 }
 
-TEST(Commit, TakesParametersThatAreNoNumbers) {
+TEST(Commit, AcceptsParametersThatAreNotNumbers) {
   params p{};
   for (const float value : {NAN, INFINITY, -INFINITY, 3e38f}) {
     p.fill(value);
@@ -119,7 +119,7 @@ TEST(Pitch, FollowsReferenceAndRateBetweenLimitsAndOctavesSemitonesAndCents) {
   EXPECT_NEAR(state->note_ratio2[0], std::exp2(-5.0 - 2.0 / 1200), 1e-12);
 }
 
-TEST(Pitch, ShapesStandBeforeTheFirstFrameAndThenSoundAnOctaveBelowTheKeyboard) {
+TEST(Pitch, ShapesDoNotMoveBeforeTheFirstFrameAndThenSoundAnOctaveBelowTheKeyboard) {
   const auto state = std::make_unique<wsyn_state>();
   commit({}, state);
   const auto middle_c = static_cast<float>(state->note_ratio1[60]);
@@ -133,7 +133,7 @@ TEST(Pitch, ShapesStandBeforeTheFirstFrameAndThenSoundAnOctaveBelowTheKeyboard) 
 
 // --- Rendering ---
 
-TEST(SelectRender, TakesModeThenSyncAndRingAndNothingFromAFieldInTheMiddle) {
+TEST(SelectRender, ChoosesByModeThenSyncAndRingAndKeepsTheChoiceForAFieldOfOneHalf) {
   const struct {
     float mode, sync, ring;
     wsyn_render_fn expected;  // null leaves what there is, or takes the sum
@@ -233,7 +233,7 @@ TEST(Render, LoopsWrapAtTheirOwnLengthsAndNeverSync) {
   EXPECT_EQ(voice.phase2, 3.0f);
 }
 
-TEST(Render, TheShaperLeavesQuartersAlone) {
+TEST(Render, TheShaperLeavesQuartersUnchanged) {
   const auto state = committed({{wsyn_param_wave_select2, 10.0f}, {wsyn_param_drive, 0.5f}});
   const auto shaped = [&](float y) {
     state->shape1[0] = y;

@@ -40,7 +40,7 @@ inline void extend_symmetrically(int32_t left, int32_t right, float sign, int32_
       if (sign < 0.0F && ((left == 1 && t == -1) || (right == 1 && t == size))) {
         odd_point = true;
       } else {
-        // With a negative sign, a whole-sample end lies one sample beyond the signal.
+        // With a negative sign, a whole-sample end is one sample beyond the signal.
         const int32_t left_sum = left == 2 ? -1 : (sign < 0.0F ? -2 : 0);
         const int32_t right_sum = right == 2 ? 2 * size - 1 : (sign < 0.0F ? 2 * size : 2 * size - 2);
         if (left_sum == 0 && right_sum == 0 && size == 1) {

@@ -1,4 +1,4 @@
-// MIT License. The figures of the synthesizer and the wavelet transform, written once more.
+// MIT License. The constants of the synthesizer and the wavelet transform, stated independently.
 #include <gtest/gtest.h>
 
 #include <cmath>

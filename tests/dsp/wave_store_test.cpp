@@ -70,7 +70,7 @@ TEST(SampleLoops, DecodeToTheSumOfTheirStepsRoundedAtEachAndPlayTheirRootKeyAtTh
       sum = static_cast<float>(source[i] * (loop.largest_step / 127.0) + static_cast<double>(sum));
       peak = std::max(peak, std::fabs(table[i]));
       float expected = sum / 16384.0f;
-      if (wave == 4 && i < 2048) {  // fades in from what lies behind the wrap
+      if (wave == 4 && i < 2048) {  // fades in from what follows the wrap
         const float weight = std::sqrt(static_cast<float>(i) / 2048.0f);
         expected = (1.0f - weight) * table[i + 62052] + weight * expected;
       }
@@ -105,7 +105,7 @@ TEST(SampleLoops, LoopSixIsEvenWhiteNoise) {
 
 // --- Voice buffers ---
 
-TEST(VoiceWave, HoldsTheLoopOfItsNumberIfThereIsOneAndSilenceBehindIt) {
+TEST(VoiceWave, HoldsTheLoopOfItsNumberFollowedBySilence) {
   const auto state = with_all_loops();
   for (const int32_t wave : {0, 1, 2, 3, 4, 5, 6, -1, 7, std::numeric_limits<int32_t>::min()}) {
     const auto number = static_cast<size_t>(wave);
@@ -113,10 +113,9 @@ TEST(VoiceWave, HoldsTheLoopOfItsNumberIfThereIsOneAndSilenceBehindIt) {
     std::vector<float> expected(wsyn_voice_wave_entries);
     if (exists) std::ranges::copy(loop_tables(*state)[number], expected.begin());
     std::ranges::fill(state->voice_wave2, 9.0f);
-    state->wave2 = wave;
-    wsyn_load_voice_wave2(state.get());
+    const int32_t wrap = wsyn_load_voice_wave(wave, *state, state->voice_wave2);
     EXPECT_TRUE(std::ranges::equal(state->voice_wave2, expected)) << "loop " << wave;
-    EXPECT_EQ(state->wrap2, exists ? sample_loops[number].loop_length : 10000);
+    EXPECT_EQ(wrap, exists ? sample_loops[number].loop_length : 10000);
   }
 }
 
@@ -160,7 +159,7 @@ TEST(Shape, FollowsItsDefinitionOverTheWholeCycle) {
   }
 }
 
-TEST(Shape, NumberNineIsNewNoiseAtEveryFill) {
+TEST(Shape, NumberNineIsNewNoiseEveryTime) {
   std::vector<float> first(wsyn_shape_entries), second(wsyn_shape_entries);
   wsyn_fill_shape(9, std::span<float, wsyn_shape_entries>(first));
   wsyn_fill_shape(9, std::span<float, wsyn_shape_entries>(second));

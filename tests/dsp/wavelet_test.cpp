@@ -6,25 +6,21 @@
 
 #include <bit>
 #include <cmath>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "tests/dsp/plain_wavelet.h"
+#include "tests/words/signals.h"
 
 namespace {
 
 using signal = std::vector<float>;
 
-signal noise(int32_t count, unsigned seed = 1) {
-  std::mt19937 generator(seed);
-  std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
-  signal x(static_cast<size_t>(count));
-  for (float& sample : x) sample = distribution(generator);
-  return x;
+signal noise(int32_t count, uint32_t seed = 1) {
+  return ::noise(static_cast<size_t>(count), 1.0F, seed);
 }
 
-std::vector<int32_t> numbers_at_hand() {
+std::vector<int32_t> set_numbers() {
   std::vector<int32_t> numbers;
   for (int32_t number = 1; number <= filter_set_last_number; ++number) {
     if (filter_set_of_number(number) != nullptr) numbers.push_back(number);
@@ -65,7 +61,7 @@ signal inverse(const wavelet& transform, const signal& x, int32_t steps, int32_t
   return out;
 }
 
-// What tells 0 from -0.
+// Distinguishes 0 from -0.
 std::vector<uint32_t> bits(const signal& x) {
   std::vector<uint32_t> result;
   for (const float sample : x) result.push_back(std::bit_cast<uint32_t>(sample));
@@ -110,11 +106,11 @@ double product(const wavelet_filter& a, const wavelet_filter& b, int32_t lag) {
 }
 
 TEST(FilterSets, HaveTheirKindAndSize) {
-  EXPECT_EQ(numbers_at_hand(),
+  EXPECT_EQ(set_numbers(),
             (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 16, 18, 19, 20, 21, 22, 23, 24, 25}));
   EXPECT_EQ(filter_set_of_number(0), nullptr);
   EXPECT_EQ(filter_set_of_number(filter_set_last_number + 1), nullptr);
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const filter_set& set = *filter_set_of_number(number);
     EXPECT_EQ(set.symmetric, number < 15 ? 0 : 1) << number;
     EXPECT_NEAR(tap_sum(set.analysis_low), number == 10 ? -std::sqrt(2.0) : std::sqrt(2.0), 2e-7) << number;
@@ -125,7 +121,7 @@ TEST(FilterSets, HaveTheirKindAndSize) {
 }
 
 TEST(FilterSets, AreOrthogonalToTheirShiftsByTwo) {
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const filter_set& set = *filter_set_of_number(number);
     for (int32_t lag = -100; lag <= 100; lag += 2) {
       const double expected = lag == 0 ? 1.0 : 0.0;
@@ -175,7 +171,7 @@ TEST(FilterSets, RefuseFiltersThatDoNotFit) {
 }
 
 TEST(Wavelet, ReconstructsWithEverySet) {
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     EXPECT_LT(reconstruction_error(transform, 1024, 9), 2e-6) << number;
   }
@@ -183,7 +179,7 @@ TEST(Wavelet, ReconstructsWithEverySet) {
 
 TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
   testing::internal::CaptureStdout();
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     if (transform.symmetric == 0) continue;
     for (const int32_t size : {1, 2, 3, 5, 6, 7, 13, 100, 1023}) {
@@ -195,22 +191,12 @@ TEST(Wavelet, ReconstructsOddLengthsWithSymmetricSets) {
   testing::internal::GetCapturedStdout();
 }
 
-// Periodic extension serves symmetric sets as well, at even lengths.
-TEST(Wavelet, TakesTheExtensionThatItIsTold) {
-  const wavelet transform = bound(15);
-  EXPECT_LT(reconstruction_error(transform, 1024, 9, wavelet_extension_periodic), 3e-6);
-  const signal x = noise(64);
-  EXPECT_EQ(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_symmetric));
-  EXPECT_NE(forward(transform, x, 3), forward(transform, x, 3, wavelet_extension_periodic));
-  EXPECT_EQ(forward(bound(2), x, 3), forward(bound(2), x, 3, wavelet_extension_periodic));
-}
-
 TEST(Wavelet, EqualsPlainLoopsToTheLastBit) {
   testing::internal::CaptureStdout();
-  for (const int32_t number : numbers_at_hand()) {
+  for (const int32_t number : set_numbers()) {
     const wavelet transform = bound(number);
     for (const int32_t size : {1, 2, 3, 4, 7, 8, 9, 31, 64, 100, 257, 1023, 1024}) {
-      const signal x = noise(size, static_cast<unsigned>(size));
+      const signal x = noise(size, static_cast<uint32_t>(size));
       for (const int32_t steps : {0, 1, 2, all_steps(size) - 1, all_steps(size) + 2}) {
         for (const int32_t extension : {-1, 0, 1}) {
           signal expected(x.size());
@@ -255,23 +241,6 @@ TEST(Wavelet, EqualsPlainLoopsWithAnyFilters) {
   }
 }
 
-TEST(Wavelet, LaysBandsOutFromCoarseToFine) {
-  // The slowest alternation that only the highest band sees, and a constant that only the low band sees.
-  const signal alternating = {1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F};
-  const signal high = forward(bound(1), alternating, 3);
-  const signal low = forward(bound(1), signal(8, 1.0F), 3);
-  for (size_t i = 0; i < 8; ++i) {
-    EXPECT_NEAR(std::fabs(high[i]), i < 4 ? 0.0 : std::sqrt(2.0), 1e-6) << i;
-    EXPECT_NEAR(low[i], i == 0 ? std::sqrt(8.0) : 0.0, 1e-6) << i;
-  }
-}
-
-TEST(Wavelet, TurnsTheLowBandOverWithSet10) {
-  const signal constant(1024, 1.0F);
-  EXPECT_NEAR(forward(bound(10), constant, 1)[0], -std::sqrt(2.0), 1e-5);
-  EXPECT_NEAR(forward(bound(10), constant, 2)[0], 2.0, 1e-5);
-}
-
 TEST(Wavelet, WorksInPlace) {
   for (const int32_t number : {2, 10, 15}) {
     const wavelet transform = bound(number);
@@ -286,7 +255,7 @@ TEST(Wavelet, WorksInPlace) {
   }
 }
 
-TEST(Wavelet, RefusesTooLittleRoom) {
+TEST(Wavelet, RefusesATooSmallWorkspace) {
   const wavelet transform = bound(3);
   const signal x = noise(16);
   signal out(16, 5.0F);

@@ -48,7 +48,7 @@ TEST(DistanceDelay, IsAsLongAsSoundNeedsForTheDistance) {
   for (const float far : {1.5F, 1e30F, infinite}) EXPECT_NEAR(fresh_delay(far).delay, 1285.71, 0.005) << far;
 }
 
-TEST(DistanceDelay, TellsTheLevelOfTheDistanceAndAppliesNone) {
+TEST(DistanceDelay, ComputesTheLevelOfItsDistanceWithoutApplyingIt) {
   EXPECT_FLOAT_EQ(distance_delay_gain(distance_delay{}), 1.0F);
   EXPECT_FLOAT_EQ(distance_delay_gain(fresh_delay(0.4F)), 0.5F);
   distance_delay delay = fresh_delay(1.0F);
@@ -71,19 +71,7 @@ TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
   }
 }
 
-TEST(DistanceDelay, GlidesWithATimeConstantOf3000Samples) {
-  distance_delay delay = fresh_delay(0.0F);
-  const float from = delay.delay;
-  distance_delay_set(1.0F, false, &delay);
-  EXPECT_EQ(delay.delay, from);
-  waveform samples = silence(60000);
-  distance_delay_process(samples.data(), samples.data(), 3000, &delay);
-  EXPECT_NEAR((delay.delay - from) / (delay.target_delay - from), 1.0 - std::exp(-1.0), 0.001);
-  distance_delay_process(samples.data(), samples.data(), 60000, &delay);
-  EXPECT_NEAR(delay.delay, delay.target_delay, 0.5);
-}
-
-TEST(DistanceDelay, FollowsPositionsAsSettingThemOneByOneDoes) {
+TEST(DistanceDelay, FollowsPositionsLikeSettingThemOneByOne) {
   distance_delay followed = fresh_delay(0.2F);
   distance_delay stepped = fresh_delay(0.2F);
   waveform samples = noise(5000, 1.0F);
@@ -154,7 +142,7 @@ positions positions_from(const motion_shape& shape, double counter, size_t count
   return all;
 }
 
-TEST(Motion, FollowsItsFormulaThroughWholeTurnsHoweverLateItIs) {
+TEST(Motion, FollowsItsFormulaThroughWholeTurnsAtAnyTime) {
   for (const motion_shape& shape : {chorus_motion, reverb_motion}) {
     for (const double start : {0.0, 176400.0 * 50, 1e9 - 100001.0}) {
       const size_t count = 230000;
@@ -172,7 +160,7 @@ TEST(Motion, FollowsItsFormulaThroughWholeTurnsHoweverLateItIs) {
   }
 }
 
-TEST(Motion, IsTheSameHoweverItIsCut) {
+TEST(Motion, DoesNotDependOnTheLengthOfCalls) {
   const positions whole = positions_from(chorus_motion, 176000.0, 1000, motion_span);
   for (const int32_t longest : {1, 7, 63}) {
     const positions cut = positions_from(chorus_motion, 176000.0, 1000, longest);
@@ -181,20 +169,14 @@ TEST(Motion, IsTheSameHoweverItIsCut) {
   }
 }
 
-std::unique_ptr<voco_state> state_with_chorus() {
-  auto state = std::make_unique<voco_state>();
-  distance_delay_create(&state->chorus_left);
-  distance_delay_create(&state->chorus_right);
-  return state;
-}
-
 TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
   const waveform in = noise(200000, 0.3F);
   const positions way = positions_from(chorus_motion, 0.0, in.size(), motion_span);
-  const auto state = state_with_chorus();
+  chorus_state state;
+  chorus_prepare(&state);
   waveform left = in;
   waveform right = in;
-  std::array<plain_delay, 2> plain{{{state->chorus_left.delay}, {state->chorus_right.delay}}};
+  std::array<plain_delay, 2> plain{{{state.left.delay}, {state.right.delay}}};
   waveform expected_left;
   waveform expected_right;
   float shortest = 1e6F;
@@ -207,7 +189,7 @@ TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
     longest = std::max({longest, plain[0].delay, plain[1].delay});
   }
   for (size_t i = 0, n = 1; i < in.size(); i += n, n = std::min(in.size() - i, (n * 7 + 3) % 600)) {
-    chorus_process(left.data() + i, right.data() + i, static_cast<int32_t>(n), state.get());
+    chorus_process(left.data() + i, right.data() + i, static_cast<int32_t>(n), &state);
   }
   EXPECT_EQ(left, expected_left);
   EXPECT_EQ(right, expected_right);
@@ -217,7 +199,7 @@ TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
   EXPECT_LT(longest, 322.0F);
 }
 
-TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
+TEST(Chorus, KeepsItsPositionWhileOffAndPassesSignalsWithoutItsDelays) {
   const auto state = std::make_unique<voco_state>();
   waveform voice = noise(512, 0.3F);
   waveform carrier = noise(512, 0.3F, 2);
@@ -227,35 +209,18 @@ TEST(Chorus, StandsStillWhileItIsOffAndPassesSignalsWithoutItsDelays) {
     voco_params params = voco_params_from(external_carrier_sound(2.0F), chorus, 44100.0F);
     voco_commit(&params, state.get());
     voco_process(voice.data(), carrier.data(), left.data(), right.data(), 512, state.get());
-    return state->sample_counter;
+    return state->chorus.sample_counter;
   };
   EXPECT_EQ(run_block(0.9F), 0.0);
   EXPECT_EQ(run_block(1.0F), 512.0);
-  const float delay = state->chorus_left.delay;
+  const float delay = state->chorus.left.delay;
   EXPECT_EQ(run_block(0.0F), 512.0);
-  EXPECT_EQ(state->chorus_left.delay, delay);
-  distance_delay_release(&state->chorus_left);
-  distance_delay_release(&state->chorus_right);
+  EXPECT_EQ(state->chorus.left.delay, delay);
+  distance_delay_release(&state->chorus.left);
+  distance_delay_release(&state->chorus.right);
   waveform unchanged = voice;
-  chorus_process(unchanged.data(), right.data(), 512, state.get());
+  chorus_process(unchanged.data(), right.data(), 512, &state->chorus);
   EXPECT_EQ(unchanged, voice);
-}
-
-TEST(Engine, PutsTheChorusOnTheVocodedSignalAlone) {
-  const waveform voice = vowel(44100, 700.0, 0.3);
-  const waveform carrier = noise(voice.size(), 0.3F);
-  sound_values sound = external_carrier_sound(6.0F);  // both channels alike
-  sound[value_dry_modulator_gain] = 1.0F;
-  const auto with = [&](effect_switches effects) {
-    return run(sound, voice, carrier, 300, make_instance().get(), effects);
-  };
-  const stereo plain = with({});
-  const stereo chorus = with({.chorus = 1});
-  EXPECT_EQ(plain.left, plain.right);
-  EXPECT_GT(largest_difference(chorus.left, plain.left), 0.01F);
-  EXPECT_GT(largest_difference(chorus.left, chorus.right), 0.01F);
-  sound[value_wet_gain] = 0.0F;
-  EXPECT_EQ(with({.chorus = 1}).left, with({}).left);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// MIT License. The words that the engine's tests are written in.
+// MIT License. Helpers of the engine's tests: sounds, signals and measurements.
 #pragma once
 
 #include <algorithm>
@@ -8,11 +8,17 @@
 #include <cstdint>
 #include <memory>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 #include "dsp/fft.h"
+#include "dsp/oscillators.h"
+#include "engine/modes.h"
+#include "engine/parameter_commit.h"
 #include "engine/sound_values.h"
+#include "engine/voco_state.h"
 #include "engine/vocoder.h"
+#include "tests/words/signals.h"
 
 using waveform = std::vector<float>;
 
@@ -53,19 +59,21 @@ inline sound_values external_carrier_sound(float mode) {
   return v;
 }
 
-// What is switched on beside the sound.
+// A signal state after the commit of `sound`, its synthesizer ready to render unmodulated.
+inline std::unique_ptr<voco_state> committed(const sound_values& sound, float core_rate = 44100.0F) {
+  auto state = std::make_unique<voco_state>();
+  voco_params params = voco_params_from(sound, 0.0F, core_rate);
+  voco_commit(&params, state.get());
+  wsyn_select_render(&state->synth);
+  state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
+  return state;
+}
+
+// Effects that are switched on in addition to the sound.
 struct effect_switches {
   int32_t chorus = 0;
   int32_t reverb = 0;
 };
-
-inline int32_t process_values(const sound_values& v, int32_t frames, const float* const* inputs, float* const* outputs,
-                              vocoder_instance* instance, effect_switches effects = {}) {
-  return vocoder_process_values(0, effects.chorus, effects.reverb, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8],
-                                v[9], v[10], v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19], v[20],
-                                v[21], v[22], v[23], v[24], v[25], v[26], v[27], v[28], v[29], v[30], v[31], v[32],
-                                v[33], v[34], v[35], v[36], frames, inputs, outputs, instance);
-}
 
 // Runs the two signals through `instance` in blocks of `block` samples. An empty carrier is a null input.
 inline stereo run(const sound_values& sound, const waveform& modulator, const waveform& carrier, int32_t block,
@@ -76,7 +84,8 @@ inline stereo run(const sound_values& sound, const waveform& modulator, const wa
     const float* const inputs[4] = {modulator.data() + start, nullptr,
                                     carrier.empty() ? nullptr : carrier.data() + start, nullptr};
     float* const outputs[2] = {out.left.data() + start, out.right.data() + start};
-    if (process_values(sound, frames, inputs, outputs, instance, effects) != 0) return {};
+    const int32_t refused = vocoder_process(sound, effects.chorus, effects.reverb, frames, inputs, outputs, instance);
+    if (refused != 0) return {};
   }
   return out;
 }
@@ -90,16 +99,6 @@ inline waveform silence(size_t count) {
   return waveform(count, 0.0F);
 }
 
-// White noise in -level..level from a fixed seed.
-inline waveform noise(size_t count, float level, uint32_t seed = 1) {
-  waveform out(count);
-  for (float& sample : out) {
-    seed = seed * 1664525U + 1013904223U;
-    sample = level * (static_cast<float>(seed >> 8) / 8388608.0F - 1.0F);
-  }
-  return out;
-}
-
 inline waveform sine(size_t count, double frequency_hz, double level, double rate_hz = 44100.0) {
   waveform out(count);
   for (size_t i = 0; i < count; ++i) {
@@ -109,7 +108,7 @@ inline waveform sine(size_t count, double frequency_hz, double level, double rat
   return out;
 }
 
-// A voice-like source: harmonics of 110 Hz that stand out around `formant_hz`.
+// A voice-like source: harmonics of 110 Hz that are loudest around `formant_hz`.
 inline waveform vowel(size_t count, double formant_hz, double level) {
   waveform out(count, 0.0F);
   for (int harmonic = 1; harmonic < 150; ++harmonic) {
@@ -223,5 +222,8 @@ inline bool all_finite(const waveform& x) {
   return true;
 }
 
-// Seven spectral algorithms, two filter banks, three linear predictions, three wavelet transforms.
-constexpr std::array<int, 15> all_modes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+constexpr std::array<int, vocoder_mode_count> all_modes = [] {
+  std::array<int, vocoder_mode_count> modes{};
+  std::iota(modes.begin(), modes.end(), 0);
+  return modes;
+}();

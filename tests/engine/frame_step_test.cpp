@@ -1,4 +1,4 @@
-// MIT License. The signal path from the two inputs to the mix against its judge in plain loops, to the last bit.
+// MIT License. The signal path from the two inputs to the mix against a plain engine in simple loops, bit for bit.
 #include "engine/frame_step.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ waveform carrier(float level) {
   return noise(hop, level, ++carrier_seed * 104729);
 }
 
-// The engine beside its judge, hop by hop.
+// The engine and the plain engine side by side, hop by hop.
 class side_by_side {
  public:
   explicit side_by_side(float mode) : sound(external_carrier_sound(mode)) {
@@ -99,7 +99,7 @@ class side_by_side {
 
 class EveryMode : public testing::TestWithParam<int> {};
 
-TEST_P(EveryMode, EqualsItsJudgeBitForBit) {
+TEST_P(EveryMode, EqualsThePlainEngineBitForBit) {
   side_by_side both(static_cast<float>(GetParam()));
   for (int i = 0; i < 3; ++i) both.hear(dull(voice(0.7F)), carrier(0.5F));
 
@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(Numbers, EveryMode, testing::Range(0, 16));
 
 // Many frames whose upper bins are about as loud as their lower ones, then some that are about as quiet as those that
 // never count.
-TEST(FrameStep, FindsTheUnvoicedFramesThatItsJudgeFinds) {
+TEST(FrameStep, FindsTheUnvoicedFramesThatThePlainEngineFinds) {
   side_by_side both(2.0F);
   both.sound[value_noise_on] = 1.0F;
   for (int i = 0; i < 80; ++i) both.hear(voice(0.5F), carrier(0.1F));

@@ -3,9 +3,7 @@
 
 #include <limits>
 
-#include "engine/envelope_followers.h"
 #include "engine/fast_atan2.h"
-#include "engine/smooth_magnitudes.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -34,47 +32,6 @@ TEST(Modes, ImposeTheFormantOfTheModulatorOnTheCarrier) {
   }
 }
 
-TEST(Modes, SingTheNotesOfTheirCarrier) {
-  for (const int mode : {0, 1, 2, 3, 4, 5, 6, 7}) {
-    const instance_ptr instance = make_instance();
-    vocoder_note_on(57, 127, instance.get());
-    const waveform out =
-        run(plain_sound(static_cast<float>(mode)), noise(2 * second, 0.3F), {}, 512, instance.get()).left;
-    // A3 is 220 Hz: energy stands on its harmonics, not between them.
-    EXPECT_GT(level_at(out, second, second / 2, 440.0), 3.0 * level_at(out, second, second / 2, 550.0)) << mode;
-  }
-}
-
-// One transform serves both signals, so rounding leaks some -140 dB of the carrier into the modulator's spectrum, of
-// which the geometric mean takes the square root.
-TEST(Modes, AreSilentForASilentModulator) {
-  const waveform carrier = noise(second / 4, 0.3F);
-  for (const int mode : all_modes) {
-    const sound_values sound = external_carrier_sound(static_cast<float>(mode));
-    EXPECT_LT(peak(run_fresh(sound, silence(carrier.size()), carrier).left), mode == 0 ? 1e-4F : 1e-6F) << mode;
-  }
-}
-
-TEST(Modes, AreSilentForASilentCarrier) {
-  const waveform voice = noise(second / 4, 0.3F);
-  for (const int mode : all_modes) {
-    EXPECT_LT(peak(run_fresh(external_carrier_sound(static_cast<float>(mode)), voice).left), 1e-4F) << mode;
-  }
-}
-
-TEST(Modes, PassSibilanceEvenWithoutACarrier) {
-  const waveform voice = noise(second / 4, 0.3F);
-  for (const int mode : {0, 1, 2, 3, 4, 5, 6, 7, 11}) {
-    sound_values sound = external_carrier_sound(static_cast<float>(mode));
-    sound[value_sibilance_on] = 1.0F;
-    const waveform hiss = run_fresh(sound, voice).left;
-    EXPECT_GT(decibels(band_power(hiss, 4096, 7000.0, 12000.0) / band_power(hiss, 4096, 200.0, 3000.0)), 20.0) << mode;
-    sound[value_sibilance_on] = 2.0F;
-    const bool filter_bank = mode == 6 || mode == 7;
-    EXPECT_EQ(peak(run_fresh(sound, voice).left) > 1e-4F, !filter_bank) << mode;
-  }
-}
-
 TEST(Modes, OutsideTheTablePassTheCarrier) {
   const waveform carrier = sine(second, 1000.0, 0.25);
   for (const float mode : {15.0F, -1.0F, 1e9F}) {
@@ -84,88 +41,12 @@ TEST(Modes, OutsideTheTablePassTheCarrier) {
   }
 }
 
-TEST(Modes, AreChosenByTheTruncatedValue) {
-  const waveform voice = vowel(8192, 900.0, 0.1);
-  const waveform carrier = noise(voice.size(), 0.3F);
-  EXPECT_EQ(run_fresh(external_carrier_sound(2.9F), voice, carrier).left,
-            run_fresh(external_carrier_sound(2.0F), voice, carrier).left);
-}
-
-TEST(Modes, OpenTheStereoImageWithAQuadraturePair) {
-  const stereo out = run_fresh(external_carrier_sound(2.0F), vowel(second, 900.0, 0.1), noise(second, 0.3F));
-  double cross = 0.0;
-  double left = 0.0;
-  double right = 0.0;
-  for (size_t i = second / 4; i < second; ++i) {
-    cross += double{out.left[i]} * out.right[i];
-    left += double{out.left[i]} * out.left[i];
-    right += double{out.right[i]} * out.right[i];
-  }
-  EXPECT_NEAR(decibels(left / right), 0.0, 0.5);
-  EXPECT_LT(std::fabs(cross) / std::sqrt(left * right), 0.6);
-}
-
-// Largest step from sample to sample, of those that end in `first` to `end` - 1.
-float largest_step(const waveform& x, size_t first, size_t end) {
-  float result = 0.0F;
-  for (size_t i = first; i < end; ++i) result = std::max(result, std::fabs(x[i] - x[i - 1]));
-  return result;
-}
-
-// The tail of the old mode and the onset of the new one overlap, so that no step is larger than those of the louder
-// one.
-TEST(Modes, ChangeInMidStreamWithoutAJump) {
-  constexpr size_t part = 8820;  // whole periods of the voice and the carrier
-  const waveform voice = vowel(part, 440.0, 0.1);
-  const waveform carrier = vowel(part, 330.0, 0.3);
-  for (const int apart : {1, 4, 7}) {
-    const instance_ptr instance = make_instance();
-    waveform out;
-    std::vector<float> steps;
-    int mode = 0;
-    for (size_t i = 0; i <= all_modes.size(); ++i, mode = (mode + apart) % 15) {
-      const sound_values sound = external_carrier_sound(static_cast<float>(mode));
-      const stereo result = run(sound, voice, carrier, 490, instance.get());
-      out.insert(out.end(), result.left.begin(), result.left.end());
-      steps.push_back(largest_step(out, i * part + part / 2, (i + 1) * part));
-      EXPECT_GT(steps.back(), 1e-4F) << mode;
-      if (i == 0) continue;
-      EXPECT_LT(largest_step(out, i * part, i * part + part / 2), 1.2F * std::max(steps[i - 1], steps[i])) << mode;
-    }
-  }
-}
-
-TEST(Modes, StartWithoutTheEnvelopesOfAnother) {
-  const auto end_of_release = [](float next_mode) {
-    const instance_ptr instance = make_instance();
-    sound_values sound = external_carrier_sound(2.0F);
-    sound[value_env_mix] = 1.0F;
-    sound[value_env_release] = 1.0F;
-    run(sound, vowel(8192, 900.0, 0.1), noise(8192, 0.3F), 512, instance.get());
-    run(sound, silence(1024), noise(1024, 0.3F), 512, instance.get());  // the voice has left the frame
-    sound[value_mode] = next_mode;
-    return peak(run(sound, silence(8192), noise(8192, 0.3F), 512, instance.get()).left, 3072);
-  };
-  EXPECT_GT(end_of_release(2.0F), 0.01F);
-  EXPECT_LT(end_of_release(4.0F), 1e-4F);
-}
-
 TEST(Modes, SurviveAnyValues) {
   const float inf = std::numeric_limits<float>::infinity();
-  const float extremes[] = {std::numeric_limits<float>::quiet_NaN(),
-                            inf,
-                            -inf,
-                            1e30F,
-                            -1e30F,
-                            4e9F,
-                            -4e9F,
-                            1000.0F,
-                            -1.0F,
-                            0.0F,
-                            0.5F,
-                            1.0F,
-                            2.5F,
-                            7.0F};
+  // clang-format off
+  const float extremes[] = {std::numeric_limits<float>::quiet_NaN(), inf, -inf, 1e30F, -1e30F, 4e9F, -4e9F,
+                            1000.0F, -1.0F, 0.0F, 0.5F, 1.0F, 2.5F, 7.0F};
+  // clang-format on
   uint32_t seed = 11;
   for (int round = 0; round < 300; ++round) {
     const instance_ptr instance = make_instance(round % 3 == 0 ? 48000.0F : 44100.0F);
@@ -213,7 +94,7 @@ sound_values sound_with_all_memories(int mode) {
   return sound;
 }
 
-TEST(HotSamples, LeaveEveryModeSoon) {
+TEST(HotSamples, DecayInEveryMode) {
   const std::pair<const char*, waveform> hot_samples[] = {
       {"1e20", {1e20F}}, {"-1e30", {-1e30F}}, {"two of 2e38", {2e38F, 2e38F}}, {"many of 3e38", waveform(700, 3e38F)}};
   for (const int mode : all_modes) {
@@ -226,7 +107,7 @@ TEST(HotSamples, LeaveEveryModeSoon) {
   }
 }
 
-TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
+TEST(HotSamples, DecayToTheSameBitsAtAnyBlockLength) {
   sound_values sound = sound_with_all_memories(2);
   sound[value_reverb_size] = 0.7F;
   const waveform hot(700, 3e38F);
@@ -234,7 +115,7 @@ TEST(HotSamples, LeaveTheSameBitsAtAnyBlockLength) {
   for (const int32_t block : {1, 64, 4096}) EXPECT_EQ(after_hot_samples(sound, {1, 1}, hot, block), expected) << block;
 }
 
-TEST(HotSamples, LeaveTheOscillatorsThatFollowTheLevel) {
+TEST(HotSamples, DoNotStallOscillatorsThatFollowTheLevel) {
   for (const float sampled : {0.0F, 1.0F}) {
     sound_values sound = plain_sound(15.0F);  // the carrier alone
     sound[value_sampled] = sampled;
@@ -247,63 +128,6 @@ TEST(HotSamples, LeaveTheOscillatorsThatFollowTheLevel) {
       EXPECT_NEAR(level, expected, 0.3F * expected) << hot;
     }
   }
-}
-
-TEST(Freeze, HoldsTheEnvelopeWhileTheCarrierMoves) {
-  for (const int mode : {0, 1, 2, 3, 4, 5, 11}) {
-    const auto frozen_end = [mode](const waveform& later_voice, const waveform& later_carrier) {
-      const instance_ptr instance = make_instance();
-      sound_values sound = external_carrier_sound(static_cast<float>(mode));
-      run(sound, vowel(16384, 700.0, 0.1), noise(16384, 0.3F, 1), 512, instance.get());
-      sound[value_freeze_on] = 1.0F;
-      return run(sound, later_voice, later_carrier, 512, instance.get()).left;
-    };
-    const waveform held = frozen_end(vowel(8192, 2500.0, 0.1), noise(8192, 0.3F, 2));
-    EXPECT_LT(largest_difference(held, frozen_end(silence(8192), noise(8192, 0.3F, 2))), 1e-3F * peak(held)) << mode;
-    EXPECT_GT(peak(held, 4096), 0.001F) << mode;
-    if (mode != 11) {
-      EXPECT_GT(largest_difference(held, frozen_end(silence(8192), noise(8192, 0.3F, 3))), 0.1F * peak(held)) << mode;
-    }
-  }
-}
-
-TEST(Noise, ReplacesTheCarrierInUnvoicedFramesOnly) {
-  const waveform carrier = sine(second / 2, 220.0, 0.3);
-  sound_values sound = external_carrier_sound(2.0F);
-  const waveform hiss = [] {  // a first difference: rising by 6 dB an octave
-    waveform x = noise(second / 2, 0.3F);
-    for (size_t i = x.size() - 1; i > 0; --i) x[i] -= x[i - 1];
-    return x;
-  }();
-  const waveform vowel_plain = run_fresh(sound, vowel(second / 2, 700.0, 0.1), carrier).left;
-  const waveform hiss_plain = run_fresh(sound, hiss, carrier).left;
-  sound[value_noise_on] = 1.0F;
-  EXPECT_EQ(run_fresh(sound, vowel(second / 2, 700.0, 0.1), carrier).left, vowel_plain);
-  EXPECT_NE(run_fresh(sound, hiss, carrier).left, hiss_plain);
-}
-
-TEST(Followers, SettleAtTheStatedLevels) {
-  const auto settled = [](float mix, float attack) {
-    const follower_settings settings{attack * 32.0F, 0.0F, 8.0F, attack * 2.0F + 1.0F, mix};
-    float fast = 0.0F;
-    float slow = 0.0F;
-    for (int i = 0; i < 2000; ++i) followers_advance(0.7F, settings, &fast, &slow);
-    return followers_value(settings, fast, slow);
-  };
-  EXPECT_NEAR(settled(1.0F, 0.5F), 0.7F, 1e-4F);
-  EXPECT_NEAR(settled(0.0F, 0.5F), 0.7F, 1e-4F);
-  EXPECT_NEAR(settled(1.0F, 0.0F), 0.35F, 1e-4F);
-}
-
-TEST(Followers, RiseByTheAttackAndFallByTheRelease) {
-  const follower_settings settings{3.0F, 1.0F, 0.0F, 1.0F, 1.0F};
-  float fast = 0.0F;
-  float slow = 0.0F;
-  followers_advance(1.0F, settings, &fast, &slow);
-  EXPECT_FLOAT_EQ(fast, 0.25F);
-  followers_advance(0.05F, settings, &fast, &slow);
-  EXPECT_FLOAT_EQ(fast, 0.15F);
-  EXPECT_FLOAT_EQ(slow, 0.05F);
 }
 
 TEST(FastAtan2, StaysWithinItsErrorAndHandlesTheAxes) {
@@ -325,26 +149,6 @@ TEST(FastAtan2, StaysWithinItsErrorAndHandlesTheAxes) {
   EXPECT_EQ(angle_of(2.0F, 0.0F), 1.5707964F);
   EXPECT_EQ(angle_of(-2.0F, 0.0F), -1.5707964F);
   EXPECT_EQ(angle_of(0.0F, -1.0F), 3.1415927F);
-}
-
-TEST(SmoothMagnitudes, FlattensRipplesTheMoreTheNarrowerItIs) {
-  auto tables = std::make_unique<smoothing_tables>();
-  std::array<float, 513> ripple;
-  for (size_t k = 0; k < ripple.size(); ++k) {
-    ripple[k] = 1.0F + 0.5F * std::cos(2.0F * std::numbers::pi_v<float> * static_cast<float>(k) / 20.0F);
-  }
-  const auto depth = [&](int32_t width) {
-    std::array<float, 513> result;
-    smooth_magnitudes(ripple.data(), 1024, width, result.data(), tables.get());
-    const auto [low, high] = std::minmax_element(result.begin() + 100, result.begin() + 400);
-    EXPECT_NEAR((*low + *high) / 2.0F, 1.0F, 0.1F) << width;
-    return *high - *low;
-  };
-  const float fine = depth(512);
-  const float coarse = depth(32);
-  EXPECT_GT(fine, 0.5F);
-  EXPECT_LT(coarse, 0.1F);
-  EXPECT_EQ(depth(512), fine);  // the window follows the width back
 }
 
 }  // namespace

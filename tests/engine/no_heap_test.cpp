@@ -1,74 +1,8 @@
 // MIT License. Counts what reaches the heap while blocks run, and makes it fail.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "tests/engine/engine_words.h"
-
-namespace {
-
-std::atomic<int64_t> allocations{0};
-std::atomic<int64_t> failing{-1};  // the number of the allocation that fails
-
-// Whether the allocation that is about to be made may succeed.
-bool counted() {
-  return allocations.fetch_add(1, std::memory_order_relaxed) != failing.load(std::memory_order_relaxed);
-}
-
-void* memory_or_null(std::size_t size) {
-  return counted() ? std::malloc(size == 0 ? 1 : size) : nullptr;
-}
-
-void* memory_or_null(std::size_t size, std::align_val_t alignment) {
-  const auto unit = static_cast<std::size_t>(alignment);
-  return counted() ? std::aligned_alloc(unit, (size + unit - 1) / unit * unit) : nullptr;
-}
-
-void* or_throw(void* memory) {
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  return or_throw(memory_or_null(size));
-}
-void* operator new[](std::size_t size) {
-  return or_throw(memory_or_null(size));
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return or_throw(memory_or_null(size, alignment));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return memory_or_null(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return memory_or_null(size);
-}
-void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-  return memory_or_null(size, alignment);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
-}
+#include "tests/words/heap.h"
 
 namespace {
 
@@ -81,17 +15,18 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
     waveform right(1024);
     const float* const inputs[4] = {voice.data(), nullptr, nullptr, nullptr};
     float* const outputs[2] = {left.data(), right.data()};
-    process_values(plain_sound(2.0F), 1024, inputs, outputs, instance.get());  // the longest block sizes the buffers
+    // The longest block sizes the buffers.
+    vocoder_process(plain_sound(2.0F), 0, 0, 1024, inputs, outputs, instance.get());
     for (const int mode : all_modes) {
       sound_values sound = plain_sound(static_cast<float>(mode));
       sound[value_reverb_level] = 0.5F;
       sound[value_reverb_size] = static_cast<float>(mode) / 15.0F;
-      const int64_t before = allocations.load();
+      const int64_t before = allocation_count();
       for (const int32_t frames : {1024, 64, 512, 1000, 1})
-        process_values(sound, frames, inputs, outputs, instance.get(), {.chorus = 1, .reverb = 1});
+        vocoder_process(sound, 1, 1, frames, inputs, outputs, instance.get());
       vocoder_note_off(52, 0, instance.get());
       vocoder_note_on(52, 1, instance.get());
-      EXPECT_EQ(allocations.load(), before) << "mode " << mode << " at " << rate;
+      EXPECT_EQ(allocation_count(), before) << "mode " << mode << " at " << rate;
     }
   }
 }
@@ -100,11 +35,9 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
 //   returns  whether it came to that
 template <typename Use>
 bool with_failing_allocation(int64_t number, Use use) {
-  const int64_t doomed = allocations.load() + number;
-  failing.store(doomed);
+  const failing_allocation failure(number);
   use();
-  failing.store(-1);
-  return allocations.load() > doomed;
+  return failure.has_failed();
 }
 
 class ScarceMemory : public testing::TestWithParam<float> {
@@ -127,7 +60,7 @@ class ScarceMemory : public testing::TestWithParam<float> {
   instance_ptr instance;
 };
 
-TEST_P(ScarceMemory, IsRefusedAtTheStartWithoutAnException) {
+TEST_P(ScarceMemory, IsReportedAtTheStartWithoutAnException) {
   int64_t number = 0;
   const auto begin = [&] {
     instance = make_instance(GetParam());
@@ -146,7 +79,7 @@ TEST_P(ScarceMemory, IsRefusedAtTheStartWithoutAnException) {
   EXPECT_GT(number, 6);  // the instance, the sound, the buffers
 }
 
-TEST_P(ScarceMemory, LeavesTheSoundThatPlays) {
+TEST_P(ScarceMemory, KeepsThePreviousSound) {
   start();
   play(1, 512);
   const waveform steady = left;

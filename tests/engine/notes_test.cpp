@@ -3,26 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "dsp/oscillators.h"
-#include "engine/parameter_commit.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
 
 class Notes : public testing::Test {
  protected:
-  static std::unique_ptr<voco_state> committed() {
-    auto voco = std::make_unique<voco_state>();
-    voco_params params = voco_params_from(plain_sound(2.0F), 0.0F, 44100.0F);
-    voco_commit(&params, voco.get());
-    wsyn_select_render(&voco->synth);
-    voco->synth.pitch_mod1 = voco->synth.pitch_mod2 = 1.0;
-    return voco;
-  }
-
   int32_t voice(int32_t note) const { return state.synth.voices[note].state; }
   int slots_in_use() const {
     return static_cast<int>(std::count_if(std::begin(state.synth.note_slots), std::end(state.synth.note_slots),
@@ -32,19 +20,21 @@ class Notes : public testing::Test {
     for (int i = 0; i < samples; ++i) last = wsyn_next_sample(&state.synth);
   }
 
-  std::unique_ptr<voco_state> owner = committed();
+  std::unique_ptr<voco_state> owner = committed(plain_sound(2.0F));
   voco_state& state = *owner;
+  wsyn_state* const synth = &state.synth;
+  note_list* const mirror = &state.note_mirror;
   float last = 0.0F;
 };
 
 TEST_F(Notes, SoundFrom27To108Only) {
   for (const int32_t note : {26, 109, -1, 128, INT32_MAX, INT32_MIN}) {
-    notes_on(note, &state);
-    notes_off(note, &state);
+    notes_on(note, synth, mirror);
+    notes_off(note, synth, mirror);
   }
   EXPECT_EQ(slots_in_use(), 0);
-  notes_on(27, &state);
-  notes_on(108, &state);
+  notes_on(27, synth, mirror);
+  notes_on(108, synth, mirror);
   EXPECT_EQ(voice(27), voice_held);
   EXPECT_EQ(voice(108), voice_held);
   EXPECT_EQ(state.note_mirror[0], 27.0F);
@@ -52,163 +42,98 @@ TEST_F(Notes, SoundFrom27To108Only) {
 }
 
 TEST_F(Notes, DropTheThirtyThird) {
-  for (int32_t note = 30; note < 63; ++note) notes_on(note, &state);
+  for (int32_t note = 30; note < 63; ++note) notes_on(note, synth, mirror);
   EXPECT_EQ(slots_in_use(), 32);
   EXPECT_EQ(voice(62), voice_idle);
-  notes_off(62, &state);
+  notes_off(62, synth, mirror);
   EXPECT_EQ(voice(62), voice_idle);
-  notes_off(40, &state);
-  notes_on(62, &state);
+  notes_off(40, synth, mirror);
+  notes_on(62, synth, mirror);
   EXPECT_EQ(voice(62), voice_held);
 }
 
 TEST_F(Notes, RetriggerInTheirSlotAndGoOnFromTheirLevel) {
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   play(300);
   const float level = state.synth.voices[60].level;
   const float phase = state.synth.voices[60].phase1;
-  notes_off(60, &state);
-  notes_on(60, &state);
+  notes_off(60, synth, mirror);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(slots_in_use(), 1);
   EXPECT_EQ(state.synth.voices[60].level, level);
   EXPECT_EQ(state.synth.voices[60].phase1, phase);
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
-TEST_F(Notes, RiseAndFallWithATimeConstantOf501Samples) {
-  notes_on(60, &state);
-  play(501);
-  EXPECT_NEAR(state.synth.voices[60].level, 1.0 - std::exp(-1.0), 0.001);
-  play(20000);
-  notes_off(60, &state);
-  play(501);
-  EXPECT_NEAR(state.synth.voices[60].level, std::exp(-1.0), 0.001);
-  play(3000);  // -60 dB after 6.9 time constants
-  EXPECT_EQ(voice(60), voice_idle);
-  EXPECT_EQ(state.synth.voices[60].phase1, 0.0F);
-  EXPECT_EQ(state.synth.voices[60].filter[4], 0.0F);
-  EXPECT_EQ(state.synth.sounding[0] | state.synth.sounding[1], 0U);
-}
-
 TEST_F(Notes, AreKeptByThePedal) {
-  notes_on(60, &state);
-  notes_on(64, &state);
-  notes_set_sustain(1, &state);
-  notes_off(60, &state);
+  notes_on(60, synth, mirror);
+  notes_on(64, synth, mirror);
+  notes_set_sustain(1, synth, mirror);
+  notes_off(60, synth, mirror);
   EXPECT_EQ(voice(60), voice_sustained);
   EXPECT_EQ(slots_in_use(), 2);
-  notes_set_sustain(1, &state);
+  notes_set_sustain(1, synth, mirror);
   EXPECT_EQ(voice(60), voice_sustained);
-  notes_set_sustain(0, &state);
+  notes_set_sustain(0, synth, mirror);
   EXPECT_EQ(voice(60), voice_releasing);
   EXPECT_EQ(voice(64), voice_held);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
-TEST_F(Notes, ComeFromAListToo) {
-  notes_on(40, &state);
-  notes_on(41, &state);
+TEST_F(Notes, CanBeSetAsAList) {
+  notes_on(40, synth, mirror);
+  notes_on(41, synth, mirror);
   const std::array<float, 4> list = {10.0F, 72.9F, 26.0F, 200.0F};
-  notes_set_list(list.data(), sizeof(list), &state);
+  notes_set_list(list.data(), sizeof(list), synth, mirror);
   EXPECT_EQ(voice(40), voice_releasing);
   EXPECT_EQ(voice(72), voice_held);
   EXPECT_EQ(state.synth.note_slots[0], 40);  // entries outside the range leave their slot
   EXPECT_EQ(state.synth.note_slots[1], 72);
 
   const std::vector<float> too_long(100, 60.0F);
-  notes_set_list(too_long.data(), 400, &state);
+  notes_set_list(too_long.data(), 400, synth, mirror);
   EXPECT_EQ(voice(60), voice_held);
   EXPECT_EQ(voice(72), voice_releasing);
 }
 
 TEST_F(Notes, AllOffReleasesAndCentresTheBend) {
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   play(10);
   state.synth.bend = 1.5F;
-  notes_all_off(&state);
+  notes_all_off(synth, mirror);
   EXPECT_EQ(voice(60), voice_releasing);
   EXPECT_EQ(state.synth.bend, 1.0F);
   EXPECT_EQ(state.synth.note_slots[0], 60);
-  notes_on(60, &state);
+  notes_on(60, synth, mirror);
   EXPECT_EQ(voice(60), voice_held);
   EXPECT_EQ(slots_in_use(), 1);
 }
 
 // After all-off the mirror is empty while the slots keep their numbers, so a refresh would show.
 TEST_F(Notes, OutsideTheRangeLeaveTheMirrorAlone) {
-  notes_on(60, &state);
-  notes_all_off(&state);
+  notes_on(60, synth, mirror);
+  notes_all_off(synth, mirror);
   for (const int32_t note : {26, 109}) {
-    notes_on(note, &state);
-    notes_off(note, &state);
+    notes_on(note, synth, mirror);
+    notes_off(note, synth, mirror);
     EXPECT_EQ(state.note_mirror[0], 0.0F) << note;
   }
-  notes_off(61, &state);
+  notes_off(61, synth, mirror);
   EXPECT_EQ(state.note_mirror[0], 60.0F);
 }
 
-TEST_F(Notes, AreSilentWhenNoneSoundsAndTheFilterStillMoves) {
-  state.synth.cutoff_target = 0.1F;
-  const float before = state.synth.cutoff_now;
-  play(100);
-  EXPECT_EQ(last, 0.0F);
-  EXPECT_NE(state.synth.cutoff_now, before);
-}
-
-// One sample by plain loops, voice after voice.
-float plain_next_sample(wsyn_state* synth) {
-  float sum = 0.0F;
-  for (int32_t note = 0; note < wsyn_voice_count; ++note) {
-    voice_record& voice = synth->voices[note];
-    if (voice.state == voice_idle) continue;
-    const bool releasing = voice.state == voice_releasing;
-    voice.level = (releasing ? voice.level * 500.0F : voice.level * 500.0F + 1.0F) * 0.001996008F;
-    const float x = synth->render(static_cast<float>(synth->note_ratio1[note]),
-                                  static_cast<float>(synth->note_ratio2[note]), &voice, synth);
-    float* const y = voice.filter;
-    const float k = synth->filter_feedback;
-    const float g = synth->filter_scale;
-    y[0] = (x - (y[4] - y[2] + y[1] - y[0]) * synth->filter_amount * 0.8205F + y[0] * k) * g;
-    for (int32_t stage = 1; stage < 5; ++stage) y[stage] = (y[stage] * k + y[stage - 1]) * g;
-    sum += y[4] * voice.level;
-    if (releasing && voice.level < 0.001F) voice = {};
-  }
-  wsyn_advance_filter(synth);
-  return sum * 0.75F / std::sqrt(10.0F);
-}
-
-TEST_F(Notes, SoundInRunsAsOneByOne) {
-  const auto plain = committed();
-  for (const int32_t run : {1, 63, 64, 65, 512, 4000}) {
-    // From one to nine voices, some of them released: they end within the longest run.
-    for (voco_state* const voco : {&state, plain.get()}) {
-      notes_on(40 + run % 50, voco);
-      notes_on(100 - run % 60, voco);
-      notes_off(40 + run % 7, voco);
-      voco->synth.cutoff_target = 1.0F / static_cast<float>(run);
-      voco->synth.filter_gain = 1.5F;
-    }
-    std::vector<float> samples(static_cast<size_t>(run));
-    wsyn_next_samples(run, &state.synth, samples.data());
-    for (const float sample : samples) ASSERT_EQ(sample, plain_next_sample(&plain->synth)) << run;
-    ASSERT_EQ(std::memcmp(state.synth.voices, plain->synth.voices, sizeof state.synth.voices), 0) << run;
-    ASSERT_NE(samples.back(), 0.0F);
-  }
-  EXPECT_EQ(voice(41), voice_idle);
-}
-
-TEST_F(Notes, MatchTheirRecordsOfWhoSounds) {
+TEST_F(Notes, KeepTheBitsOfSoundingVoicesUpToDate) {
   uint32_t seed = 5;
   for (int i = 0; i < 20000; ++i) {
     seed = seed * 1664525U + 1013904223U;
     const auto note = static_cast<int32_t>(20 + (seed >> 24) % 95);
     if (seed & 0x100) {
-      notes_on(note, &state);
+      notes_on(note, synth, mirror);
     } else {
-      notes_off(note, &state);
+      notes_off(note, synth, mirror);
     }
-    if (i % 500 == 0) notes_set_sustain(i / 500 % 2, &state);
+    if (i % 500 == 0) notes_set_sustain(i / 500 % 2, synth, mirror);
     play(3);
   }
   for (int32_t note = 0; note < 128; ++note) {

@@ -33,15 +33,6 @@ void filter_plainly(std::array<eq_section, eq_bands>* sections, waveform* sample
   }
 }
 
-double gain_db_at(double frequency_hz, float output_gain_db) {
-  output_equaliser equaliser = fresh_equaliser(output_gain_db);
-  waveform left = sine(88200, frequency_hz, 0.25);
-  waveform right = silence(left.size());
-  equaliser_process(left.data(), right.data(), static_cast<int32_t>(left.size()), &equaliser);
-  EXPECT_EQ(peak(right), 0.0F);
-  return 20.0 * std::log10(level_at(left, 44100, 44100, frequency_hz) / 0.25);
-}
-
 TEST(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLength) {
   output_equaliser fast = fresh_equaliser(-3.0F);
   output_equaliser plain = fast;
@@ -74,7 +65,7 @@ waveform recover_plainly(std::array<eq_section, eq_bands>* sections, const wavef
   return out;
 }
 
-TEST(OutputEqualiser, RestsAfterAnOverflowAtAnyBlockLengthAndLeavesTheOtherChannelAlone) {
+TEST(OutputEqualiser, RecoversFromAnOverflowAtAnyBlockLengthWithoutTouchingTheOtherChannel) {
   waveform hot_left = noise(2000, 1.0F, 1);
   waveform hot_right = noise(2000, 1.0F, 2);
   for (const size_t at : {0U, 700U, 701U, 705U, 1990U, 1999U}) hot_left[at] = 3e38F;
@@ -98,20 +89,7 @@ TEST(OutputEqualiser, RestsAfterAnOverflowAtAnyBlockLengthAndLeavesTheOtherChann
   }
 }
 
-TEST(OutputEqualiser, LiftsBothEndsAndLeavesTheMiddle) {
-  EXPECT_NEAR(gain_db_at(32.0, 0.0F), 3.6, 0.5);  // 3 dB and what 64 Hz adds
-  EXPECT_NEAR(gain_db_at(700.0, 0.0F), 0.0, 0.3);
-  EXPECT_NEAR(gain_db_at(1000.0, 0.0F), 0.5, 0.3);   // what 2 and 4 kHz add
-  EXPECT_NEAR(gain_db_at(16000.0, 0.0F), 2.8, 0.5);  // 2.5 dB and what 8 kHz adds
-}
-
-TEST(OutputEqualiser, CarriesTheOutputGainInTenEqualParts) {
-  EXPECT_EQ(fresh_equaliser(0.0F).left[0].gain, 1.0F);
-  EXPECT_NEAR(std::pow(double{fresh_equaliser(-20.0F).right[9].gain}, 10.0), 0.1, 1e-6);
-  EXPECT_NEAR(gain_db_at(700.0, -20.0F) - gain_db_at(700.0, 0.0F), -20.0, 0.001);
-}
-
-TEST(OutputEqualiser, AddsOffsetsToItsCurveWhenGivenAny) {
+TEST(OutputEqualiser, AddsOffsetsToItsCurve) {
   output_equaliser equaliser = fresh_equaliser(0.0F);
   const std::array<float, eq_bands> offsets = {0, 0, 0, 0, 0, -6.0F, 0, 0, 0, 0};
   equaliser_prepare(44100.0F, offsets.data(), &equaliser);

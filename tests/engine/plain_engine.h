@@ -1,6 +1,6 @@
-// MIT License. The judge of the signal path from the two inputs to the mix: one bin, one band, one sample after the
-// other, and every constant written here once more. Nothing but the Fourier transform, the linear predictions and the
-// wavelet modes, which have judges of their own, is called from the engine.
+// MIT License. A plain engine from the two inputs to the mix: one bin, one band, one sample after the other, with all
+// constants stated independently. It shares only the Fourier transform, the linear predictions and the wavelet modes
+// with the engine; these have plain versions of their own.
 #pragma once
 
 #include <algorithm>
@@ -157,7 +157,7 @@ inline float mean_magnitude(const frame& x) {
 
 class engine {
  public:
-  // `random` is where the generator of random numbers stands.
+  // `random` is the state of the random number generator.
   explicit engine(uint32_t random) : random_(random) {}
 
   // What the frame's measurement comes to.

@@ -32,7 +32,7 @@ TEST(ValueList, HasOneValueMoreThanSeparators) {
   EXPECT_EQ(parse_value_list(",,").size(), 3U);
 }
 
-TEST(ValueList, LosesTheTokenBehindAnEmptyOne) {
+TEST(ValueList, SkipsTheTokenAfterAnEmptyOne) {
   EXPECT_EQ(parse_value_list("1,,3,4,5"), (values{1, 0, 4, 5, 0}));
   EXPECT_EQ(parse_value_list(",2,3"), (values{0, 3, 0}));
 }

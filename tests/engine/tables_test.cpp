@@ -1,5 +1,5 @@
-// MIT License. The engine's figures, written or worked out once more. Those of the frame step, the spectral modes and
-// the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
+// MIT License. The engine's constants, stated or computed independently. Those of the frame step, the spectral modes
+// and the filter bank are in plain_engine.h, the reverb's taps and weights in reverb_test.cpp.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,16 +14,10 @@
 #include "engine/parameter_commit.h"
 #include "engine/voco_process.h"
 #include "engine/voco_state.h"
+#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
-
-std::unique_ptr<voco_state> committed(const sound_values& sound, float core_rate = 44100.0F) {
-  auto state = std::make_unique<voco_state>();
-  voco_params params = voco_params_from(sound, 0.0F, core_rate);
-  voco_commit(&params, state.get());
-  return state;
-}
 
 // --- Values ---
 
@@ -99,39 +93,13 @@ TEST(Tables, ClearTheEnvelopesAloneWhenTheModeChanges) {
   EXPECT_EQ(state->frame_pos, 700);
 }
 
-// --- Windows ---
-
-TEST(Tables, HoldTheWindows) {
-  const auto state = committed(plain_sound(0.0F));
-  struct point {
-    size_t i;
-    double hann, trapezoid, welch;
-  };
-  const point points[] = {{0, 0.0, 0.0, 0.0},
-                          {1, 9.4124e-6, 0.01953125, 0.00390244},
-                          {64, 0.03806023, 1.25, 0.234375},
-                          {128, 0.14644661, 2.5, 0.4375},
-                          {256, 0.5, 2.5, 0.75},
-                          {512, 1.0, 2.5, 1.0},
-                          {768, 0.5, 2.5, 0.75},
-                          {896, 0.14644661, 2.5, 0.4375},
-                          {897, 0.14428390, 2.48046875, 0.43456650},
-                          {1023, 9.4124e-6, 0.01953125, 0.00390244}};
-  for (const point& p : points) {
-    EXPECT_NEAR(state->hann_window[p.i], p.hann, 3e-7) << p.i;
-    EXPECT_NEAR(state->trapezoid_window[p.i], p.trapezoid, 3e-7) << p.i;
-    EXPECT_NEAR(state->welch_window[p.i], p.welch, 3e-7) << p.i;
-  }
-}
-
 // --- The internal carrier ---
 
 TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   sound_values sound = plain_sound(2.0F);
   sound[value_internal_carrier] = 0.6F;
   const auto state = committed(sound);
-  for (const int32_t note : {45, 57, 64}) notes_on(note, state.get());
-  state->synth.pitch_mod1 = state->synth.pitch_mod2 = 1.0;
+  for (const int32_t note : {45, 57, 64}) notes_on(note, &state->synth, &state->note_mirror);
   const auto twin = std::make_unique<voco_state>();
   twin->synth = state->synth;
   wsyn_select_render(&twin->synth);
@@ -143,17 +111,16 @@ TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
   EXPECT_GT(std::fabs(state->carrier_frame[1000]), 1e-4F);
 }
 
-TEST(Tables, LetAReleasedNoteFadeBy60Decibels) {
+TEST(Tables, FadeAReleasedNoteBy60Decibels) {
   const auto state = committed(plain_sound(2.0F));
-  wsyn_select_render(&state->synth);
   const voice_record& voice = state->synth.voices[60];
   const auto play = [&](int samples) {
     for (int i = 0; i < samples; ++i) wsyn_next_sample(&state->synth);
   };
-  notes_on(60, state.get());
+  notes_on(60, &state->synth, &state->note_mirror);
   play(10000);
   EXPECT_NEAR(voice.level, 1.0F, 1e-4F);
-  notes_off(60, state.get());
+  notes_off(60, &state->synth, &state->note_mirror);
   play(3457);  // ln 1000 / -ln(500 / 501)
   EXPECT_EQ(voice.state, voice_releasing);
   EXPECT_NEAR(voice.level, 0.001F, 2e-6F);
@@ -183,7 +150,7 @@ TEST(Tables, SwitchAtTheirThresholds) {
 
 // --- Delays ---
 
-TEST(Tables, MoveTheDelays) {
+TEST(Tables, HoldTheMotionOfTheDelays) {
   EXPECT_EQ(chorus_motion.step, 3.561896432641489e-05);
   EXPECT_EQ(chorus_motion.reach, 0.25);
   EXPECT_EQ(reverb_motion.step, 2.849517146113191e-05);
@@ -208,7 +175,7 @@ TEST(Tables, ClearTheLargestRings) {
 
 // --- Equaliser ---
 
-TEST(Tables, DrawTheTargetCurve) {
+TEST(Tables, HoldTheTargetCurve) {
   constexpr float curve[10][2] = {{32, 3},   {64, 2},      {125, 1},    {250, 0},  {500, 0},
                                   {1000, 0}, {2000, 1.25}, {4000, 1.5}, {8000, 2}, {16000, 2.5}};
   output_equaliser equaliser;
@@ -231,18 +198,6 @@ TEST(Tables, DrawTheTargetCurve) {
       EXPECT_EQ(section->flat_a2, static_cast<float>(1.0 - alpha)) << band;
       EXPECT_EQ(section->gain, static_cast<float>(std::pow(double{overall}, double{0.1F}))) << band;
     }
-  }
-}
-
-TEST(Tables, GiveEachSideItsOwnMemory) {
-  output_equaliser equaliser;
-  equaliser_prepare(44100.0F, nullptr, &equaliser);
-  equaliser_set_gain(0.0F, &equaliser);
-  waveform left(20, 1.0F), right(20, 0.0F);
-  equaliser_process(left.data(), right.data(), 20, &equaliser);
-  for (size_t band = 0; band < 10; ++band) {
-    EXPECT_NE(equaliser.left[band].y1, 0.0F) << band;
-    EXPECT_EQ(equaliser.right[band].y1, 0.0F) << band;
   }
 }
 

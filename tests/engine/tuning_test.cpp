@@ -30,28 +30,6 @@ TEST(Tuning, OfComputedShapesIsWithin3CentsOverTheKeyboard) {
   }
 }
 
-TEST(Tuning, OfTheVocodedNoteIsThatOfTheCarrier) {
-  for (const float mode : {0.0F, 1.0F, 2.0F, 3.0F, 6.0F, 7.0F}) {
-    EXPECT_NEAR(heard_cents(plain_sound(mode), 60, note_hz(60)), 0.0, 3.0) << mode;
-  }
-}
-
-TEST(Tuning, OfShapesIsAnOctaveLowAtOctave0) {
-  sound_values sound = dry_carrier(plain_sound(2.0F));
-  sound[value_octave] = 0.0F;
-  EXPECT_NEAR(heard_cents(sound, 60, 130.8128), 0.0, 3.0);
-}
-
-TEST(Tuning, FollowsSemitonesCentsAndReferencePitch) {
-  sound_values sound = dry_carrier(plain_sound(2.0F));
-  sound[value_coarse1] = sound[value_coarse2] = 7.0F;
-  sound[value_fine1] = sound[value_fine2] = -31.0F;
-  EXPECT_NEAR(heard_cents(sound, 60, note_hz(67) * std::exp2(-31.0 / 1200.0)), 0.0, 3.0);
-  sound = dry_carrier(plain_sound(2.0F));
-  sound[value_tuning] = 415.0F;
-  EXPECT_NEAR(heard_cents(sound, 69, 415.0), 0.0, 3.0);
-}
-
 // Loop 0 is long: a phase beyond 32768 in single precision moves in steps of 1/256, which costs low notes 5 cents.
 TEST(Tuning, OfSampleLoopsIsThatOfTheKeyboard) {
   for (int wave = 0; wave < 6; ++wave) {
@@ -63,19 +41,6 @@ TEST(Tuning, OfSampleLoopsIsThatOfTheKeyboard) {
       const double heard = centre_hz(play(sound, note), second, 2 * second, note_hz(note));
       EXPECT_NEAR(cents(heard, note_hz(note)), 0.0, wave == 0 ? 6.0 : 3.0) << "loop " << wave << ", note " << note;
     }
-  }
-}
-
-TEST(PitchModulation, BySineLevelAndCrossingsMovesThePitch) {
-  sound_values sound = dry_carrier(plain_sound(2.0F));
-  const waveform steady = play(sound, 60);
-  for (const float source : {0.0F, 1.0F, 2.0F}) {
-    sound[value_pitch_source1] = source;
-    sound[value_pitch_depth1] = 0.02F;
-    sound[value_lfo_rate1] = 0.5F;
-    const waveform moved = play(sound, 60);
-    EXPECT_TRUE(all_finite(moved));
-    EXPECT_NE(moved, steady) << source;
   }
 }
 

@@ -13,6 +13,16 @@ constexpr int64_t k_never = -1;
 constexpr int64_t k_done = -2;
 thread_local int64_t left_before_failure = k_never;
 
+// Counts an allocation, and throws where it is the one to fail.
+void before_allocation() {
+  count.fetch_add(1, std::memory_order_relaxed);
+  if (left_before_failure == 0) {
+    left_before_failure = k_done;
+    throw std::bad_alloc();
+  }
+  if (left_before_failure > 0) --left_before_failure;
+}
+
 }  // namespace
 
 int64_t allocation_count() {
@@ -29,19 +39,27 @@ bool failing_allocation::has_failed() const {
   return left_before_failure == k_done;
 }
 
+// The forms for arrays and those that don't throw call these two.
 void* operator new(size_t size) {
-  count.fetch_add(1, std::memory_order_relaxed);
-  if (left_before_failure == 0) {
-    left_before_failure = k_done;
-    throw std::bad_alloc();
-  }
-  if (left_before_failure > 0) --left_before_failure;
+  before_allocation();
   if (void* const memory = std::malloc(size)) return memory;
+  throw std::bad_alloc();
+}
+void* operator new(size_t size, std::align_val_t alignment) {
+  before_allocation();
+  const auto unit = static_cast<size_t>(alignment);
+  if (void* const memory = std::aligned_alloc(unit, (size + unit - 1) / unit * unit)) return memory;
   throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, size_t, std::align_val_t) noexcept {
   std::free(memory);
 }
