@@ -202,7 +202,7 @@ tone choir(const loop_format& format, random_source* random) {
 }  // namespace
 
 instrument make_instrument(int32_t loop) {
-  const loop_format& format = k_loop_formats[static_cast<size_t>(loop)];
+  const loop_format format = format_of_loop(loop);
   random_source random{static_cast<uint64_t>(loop + 1)};
   switch (loop) {
     case 0:

@@ -6,7 +6,7 @@
 
 #include "tools/loop_tone.h"
 
-struct sample_loop {
+struct made_loop {
   const char* instrument;
   tone sound;
   double tilt;                  // that gives the largest step
@@ -15,4 +15,4 @@ struct sample_loop {
 };
 
 // Makes loop 0 to 5; the same bytes at every call. Takes up to a second or two.
-sample_loop make_sample_loop(int32_t loop);
+made_loop make_sample_loop(int32_t loop);
