@@ -13,7 +13,7 @@ extern const signed char sound_table_bytes[];
 extern const unsigned int sound_table_bytes_size;
 
 // Rows of number, category, root key, name and uuid. Lines that begin with # and the first other line, the headings,
-// are passed over. The table comes with the program, and a test holds it against the effect's own.
+// are skipped. The effect's own catalogue is generated from the same table.
 static std::vector<sound> sounds_of_table(std::string_view table) {
   std::vector<sound> sounds;
   bool below_headings = false;

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "plugin/factory_catalogue.h"
 #include "plugin/host_version_check.h"
 #include "plugin/log_folder.h"
 #include "plugin/trace.h"
@@ -13,7 +14,6 @@
 namespace {
 
 constexpr VstInt32 k_unique_id = CCONST('K', 'V', '4', 'M');
-constexpr VstInt32 k_program_count = 24;
 constexpr char k_effect_name[] = "Kesrel Vocoder 4 ME";
 constexpr char k_vendor_name[] = "Quorvant";
 
@@ -33,7 +33,9 @@ constexpr float k_engine_rate_hz = 44100.0F;
 }  // namespace
 
 KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate)
-    : AudioEffectX(host, k_program_count, k_parameter_count), gate_(gate), preset_name_(k_unnamed) {
+    : AudioEffectX(host, static_cast<VstInt32>(factory_programs().size()), k_parameter_count),
+      gate_(gate),
+      preset_name_(k_unnamed) {
   log_to_application_data();
   if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
   trace("init plugin");

@@ -32,6 +32,6 @@ class program_bank {
 // The chord that a fresh effect and its built-in programs hold: a major triad one octave above the lowest key.
 constexpr size_t k_first_chord[] = {12, 16, 19};
 
-// What is in use before any bank is known: three programs A, B and C for each of the eight factory sounds, with all
-// switches off and the first chord held.
+// The programs before any bank is loaded: those of the default bank by name and sound, but with all switches off and
+// the first chord held.
 std::vector<state::program> built_in_programs();
