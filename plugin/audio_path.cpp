@@ -39,12 +39,12 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
     write_silence(written, frames);
     return;
   }
-  // The flag is taken before the selection is read, and the keys are updated after the sound has changed: the base note
-  // follows the sound, and a choice that lands in between is left whole to the next block.
-  const bool keys_requested = take_key_request();
+  // The request is taken before the selection is read, and the keys are updated after the sound has changed: the base
+  // note follows the sound, and a choice made in between is left to the next block as a whole.
+  const bool update_requested = requests_.take_key_update();
   activation_token token{};
   const uint8_t* const sound_key = switch_sound(&token);
-  if (keys_requested) apply_keys();
+  if (update_requested) apply_keys();
 
   const std::array<const float*, 2> arranged = arranged_inputs(inputs);
   if (current_sound_ == nullptr) {
@@ -52,19 +52,14 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
     return;
   }
   const float* const engine_inputs[4] = {arranged[0], arranged[1], nullptr, nullptr};
-  vocoder_process_sound(0, is_on(k_chorus_on), is_on(k_reverb_on), current_sound_->sound_number, sound_key, frames,
-                        engine_inputs, written.data(), engine_.get());
-}
-
-// Only the exchange tells whether the data behind the flag may be read, and it is made only when something was asked.
-bool KesrelVocoder4TarvixEffect::take_key_request() {
-  return keys_dirty_.load(std::memory_order_relaxed) != 0 && keys_dirty_.exchange(0, std::memory_order_acquire) != 0;
+  vocoder_process_sound(0, requests_.is_on(k_chorus_on), requests_.is_on(k_reverb_on), current_sound_->sound_number,
+                        sound_key, frames, engine_inputs, written.data(), engine_.get());
 }
 
 // Follows the selection, and acknowledges it even when the sound is refused, so that it is not tried at every block.
 // The answer is the engine's permission to take the new sound, null in every block but that of a switch.
 const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
-  const int32_t selected = selected_sound_index_.load(std::memory_order_relaxed);
+  const int32_t selected = requests_.sound();
   if (selected == current_sound_index_) return nullptr;
   if constexpr (k_trace) trace("switch to sound: ", sound_uuid());
   current_sound_index_ = selected;
@@ -85,8 +80,8 @@ const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token)
 
 void KesrelVocoder4TarvixEffect::apply_keys() {
   key_flags wanted;
-  getPendingKeys(wanted);
-  const int32_t base = key_base_for(current_sound_.get(), is_on(k_octave_on));
+  requests_.copy_keys(wanted);
+  const int32_t base = key_base_for(current_sound_.get(), requests_.is_on(k_octave_on));
   const note_changes changes = update_keys(wanted, base, &active_keys_);
   for (const int32_t note : changes.ended()) vocoder_note_off(note, 0, engine_.get());
   for (const int32_t note : changes.begun()) vocoder_note_on(note, k_key_velocity, engine_.get());

@@ -10,15 +10,13 @@
 
 #include "engine/vocoder.h"
 #include "plugin/activation_gate.h"
+#include "plugin/audio_requests.h"
 #include "plugin/catalogue.h"
 #include "plugin/guarded.h"
 #include "plugin/key_update.h"
 #include "plugin/program_bank.h"
 #include "state/bank_image.h"
 #include "vst2/audio_effect_x.h"
-
-// The host-visible parameters: three switches, each on only at exactly 1.0.
-enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parameter_count };
 
 // The effect as host and editor see it.
 //
@@ -37,9 +35,9 @@ enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parame
 //     state may be asked for and restored while it goes on.
 //   - The user-interface thread chooses sounds, keys and switches, and reads what it shows.
 //   - The audio thread runs processReplacing, alone writes the sound and the keys in use, and alone plays the engine.
-// What the first two ask of the third are requests: data first, the flag that publishes them last, taken at the head of
-// the next block. Texts and stored programs are never touched by the audio thread. An ordinary block, one without a
-// change of sound, takes no lock and doesn't reach the heap.
+// What the first two ask of the third goes through audio_requests, at the start of the next block. The audio thread
+// never touches texts and stored programs. An ordinary block, one without a change of sound, takes no lock and doesn't
+// reach the heap.
 class KesrelVocoder4TarvixEffect : public AudioEffectX {
  public:
   // Throws err::runtime_error when the host's version does not pass.
@@ -103,8 +101,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   // The sound last chosen, as stored state names it.
   std::string sound_uuid() const { return sound_uuid_.get(); }
   // The keys that are wanted, which the next block makes sound.
-  void getPendingKeys(key_flags& keys) const;
-  void set_pending_keys(const key_flags& keys);
+  void getPendingKeys(key_flags& keys) const { requests_.copy_keys(keys); }
+  void set_pending_keys(const key_flags& keys) { requests_.hold_keys(keys); }
 
  private:
   struct engine_deleter {
@@ -115,7 +113,6 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   void shake_hands();
   bool store_parameter(VstInt32 index, float value);
   void load_default_bank();
-  void request_key_update();
 
   // Host threads: programs and state.
   state::plugin_identity identity() const;
@@ -128,10 +125,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
 
   // Any thread.
   bool pass_gate(int32_t category_id) const;
-  bool is_on(parameter_index index) const;
 
   // Audio thread: the stages of a block.
-  bool take_key_request();
   const uint8_t* switch_sound(activation_token* token);
   void apply_keys();
   std::array<const float*, 2> arranged_inputs(float** inputs) const;
@@ -148,12 +143,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   guarded<std::string> preset_name_;
   guarded<std::string> sound_uuid_;
 
-  // Requests to the audio thread, and the state of the switches.
-  std::array<std::atomic<uint8_t>, std::size(key_flags{})> pending_keys_{};
-  std::atomic<int32_t> selected_sound_index_{k_no_row};
-  std::atomic<int32_t> keys_dirty_{0};
-  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};
-  std::array<std::atomic<bool>, k_parameter_count> switches_{};
+  audio_requests requests_;
+  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};  // as given; the requests have the switches
   std::atomic<int32_t> input_channels_{2};
   std::atomic<int32_t> output_channels_{2};  // as arranged; both outputs are written whatever it says
 
