@@ -8,7 +8,7 @@
 
 namespace {
 
-// The engine asks of its key only that there is one.
+// The engine only requires a key, whatever it holds.
 constexpr std::string_view k_token = "kesrel";
 static_assert(!k_token.empty() && k_token.size() < activation_token{}.size());
 

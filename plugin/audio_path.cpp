@@ -7,8 +7,7 @@
 
 namespace {
 
-// Some hosts leave out the channels that nothing is connected to, or all of them. A channel that is missing here is
-// null.
+// Some hosts pass no channels, or null for those that nothing is connected to. Missing channels are null here.
 template <typename Sample>
 std::array<Sample*, 2> channels_of(Sample* const* channels) {
   if (channels == nullptr) return {nullptr, nullptr};
@@ -21,7 +20,7 @@ void write_silence(const std::array<float*, 2>& outputs, int32_t frames) {
   }
 }
 
-// Each frame is read whole before it is written, as the outputs may be the inputs, even with the sides exchanged.
+// Reads both channels of a frame before writing it: the outputs may be the input arrays, even with sides exchanged.
 void copy_dry(const std::array<const float*, 2>& inputs, const std::array<float*, 2>& outputs, int32_t frames) {
   for (int32_t frame = 0; frame < frames; ++frame) {
     const float left = inputs[0] != nullptr ? inputs[0][frame] : 0.0F;
@@ -56,8 +55,8 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
                         sound_key, frames, engine_inputs, written.data(), engine_.get());
 }
 
-// Follows the selection, and acknowledges it even when the sound is refused, so that it is not tried at every block.
-// The answer is the engine's permission to take the new sound, null in every block but that of a switch.
+// Follows the selection, and acknowledges it even when the sound is refused, so that it isn't tried again at every
+// block. Returns the engine's permission to take the new sound, null in every block but that of a switch.
 const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
   const int32_t selected = requests_.sound();
   if (selected == current_sound_index_) return nullptr;
@@ -87,7 +86,7 @@ void KesrelVocoder4TarvixEffect::apply_keys() {
   for (const int32_t note : changes.begun()) vocoder_note_on(note, k_key_velocity, engine_.get());
 }
 
-// Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault, and told at
+// Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault and logged at
 // every block; that side is silent.
 std::array<const float*, 2> KesrelVocoder4TarvixEffect::arranged_inputs(float** inputs) const {
   const auto [first, second] = channels_of(inputs);

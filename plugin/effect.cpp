@@ -17,15 +17,15 @@ constexpr VstInt32 k_unique_id = CCONST('K', 'V', '4', 'M');
 constexpr char k_effect_name[] = "Kesrel Vocoder 4 ME";
 constexpr char k_vendor_name[] = "Quorvant";
 
-// In the order of parameter_index. Eight characters are all that a host's buffer is sure to take.
+// In the order of parameter_index. A host's buffer may have room for eight characters only.
 constexpr const char* k_parameter_names[] = {"ChorusOn", "ReverbOn", "OctaveOn"};
 static_assert(std::size(k_parameter_names) == k_parameter_count);
 
-// What the effect says it can do. The two answers on events stand although no event is taken or sent.
+// Answers to canDo. Hosts get those on events although the effect takes and sends none.
 constexpr std::string_view k_abilities[] = {
     "receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"};
 
-// The name of a program that nobody has named.
+// The name of an unnamed program.
 constexpr char k_unnamed[] = "default";
 
 constexpr float k_engine_rate_hz = 44100.0F;
@@ -85,7 +85,7 @@ bool KesrelVocoder4TarvixEffect::setSpeakerArrangement(VstSpeakerArrangement* in
   return true;
 }
 
-// The value is kept as it was given, and switches on only at exactly 1.
+// The value is stored as given, but the switch is on only at exactly 1.
 bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
   if (index < 0 || index >= k_parameter_count) return false;
   requests_.turn(static_cast<parameter_index>(index), value == 1.0F);

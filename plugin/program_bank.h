@@ -8,10 +8,10 @@
 
 #include "state/program_record.h"
 
-// Slots, each with one program's record. They are numbered from 0 and only become more.
+// Slots, each with one program's record. They are numbered from 0 and never removed.
 //
-// Hosts ask for names and state from several threads, so each operation is whole for itself. Not for the audio thread:
-// a lock is held for the time of one copy. A record that is replaced lives on for whoever still reads it.
+// Hosts ask for names and state on several threads, so each operation is atomic. Not for the audio thread: a lock is
+// held for the time of one copy. Readers of a record that is being replaced keep the old one alive.
 class program_bank {
  public:
   int32_t count() const;

@@ -14,7 +14,7 @@ constexpr float switch_value(bool on) {
 
 }  // namespace
 
-// The program that is left keeps what the user did to it while it was in use.
+// Before a program is left, the changes made while it was in use are stored in it.
 void KesrelVocoder4TarvixEffect::setProgram(VstInt32 program) {
   trace("setProgram");
   try {
@@ -66,7 +66,7 @@ bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index,
   }
 }
 
-// The keys are those that are wanted, though no block may have taken them yet.
+// The requested keys, even when no block has taken them yet.
 chunks::chunk KesrelVocoder4TarvixEffect::chunk_from_current_program() const {
   state::program live;
   live.name = preset_name_.get();

@@ -21,7 +21,7 @@ double power(const std::vector<double>& signal, size_t first, size_t count) {
   return sum / static_cast<double>(count);
 }
 
-// The decoded loop in 16-bit units, as it lies in the oscillator's table.
+// The decoded loop in 16-bit units, as in the oscillator's table.
 std::vector<double> table_of(const loop_format& format, const std::vector<float>& decoded, bool mirrored) {
   std::vector<double> table;
   table.reserve(static_cast<size_t>(format.period) + 1);
@@ -53,7 +53,7 @@ double error_db(const std::vector<double>& source, const std::vector<float>& dec
   return 10.0 * std::log10(power(error, 0, error.size()) / power(source, 0, source.size()));
 }
 
-// What an oscillator gives that plays the root key, and the samples that are the first after a wrap.
+// Output of an oscillator that plays the root key, and the first samples after its wraps.
 struct playback {
   std::vector<double> samples;
   std::vector<size_t> wraps;

@@ -9,8 +9,8 @@
 struct made_loop {
   const char* instrument;
   tone sound;
-  double tilt;                  // that gives the largest step
-  std::vector<int16_t> source;  // what the bytes stand for
+  double tilt;                  // at which the largest step is that of the format
+  std::vector<int16_t> source;  // 16-bit samples before coding
   std::vector<int8_t> bytes;
 };
 
