@@ -1,6 +1,6 @@
 # Functions that make our targets, so that each folder's CMakeLists.txt says only what it holds and links.
 
-# What the systems do differently stands in whole files, named after the system.
+# Differences between systems are kept in whole files, named after the system.
 if(WIN32)
   set(platform win32)
 else()
@@ -49,8 +49,8 @@ function(kesrel_program name)
 endfunction()
 
 # kesrel_tests(NAME SOURCES ... LINKS ...)
-#   A test program of one folder. A *_test.cpp that stands beside one of the SOURCES but not in the list stops the
-#   configuration, so that no test is left out unseen.
+#   A test program of one folder. A *_test.cpp in the folder of one of the SOURCES that isn't listed stops the
+#   configuration, so that no test is left out by mistake.
 function(kesrel_tests name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
   set(patterns ${arg_SOURCES})

@@ -4,18 +4,18 @@
 #include <algorithm>
 #include <string_view>
 
+#include "plugin/factory_catalogue.h"
+
 namespace {
 
-constexpr int32_t k_factory_category_ids[] = {1, 10001, 10002};
-
-// The engine asks of its key only that there is one.
+// The engine only requires a key, whatever it holds.
 constexpr std::string_view k_token = "kesrel";
 static_assert(!k_token.empty() && k_token.size() < activation_token{}.size());
 
 }  // namespace
 
 bool built_in_activation_gate::passes(int32_t category_id) const {
-  return std::ranges::find(k_factory_category_ids, category_id) != std::end(k_factory_category_ids);
+  return std::ranges::any_of(factory_categories(), [=](const auto& category) { return category.id == category_id; });
 }
 
 bool built_in_activation_gate::supply_token(int32_t, activation_token* token) const {

@@ -7,17 +7,17 @@
 // What the gate hands to the engine with a new sound: a zero-terminated text of at most 32 characters.
 using activation_token = std::array<uint8_t, 33>;
 
-// Asked on the user-interface thread when a sound is chosen, and on the audio thread when it is taken; the two may
-// overlap. An implementation therefore changes nothing when asked, and should answer quickly.
+// Asked on the user-interface thread when a sound is chosen, and on the audio thread when it is taken; the calls may
+// overlap. Implementations therefore have no state that a call changes, and answer quickly.
 //
-// Nothing is destroyed through this class, and the destructor is trivial: a gate that is a static object serves effects
-// that a host makes while the process exits.
+// The destructor is trivial and protected, so that a static gate can serve effects that a host makes while the process
+// exits.
 class activation_gate {
  public:
   // Whether the category may be used.
   virtual bool passes(int32_t category_id) const = 0;
 
-  // Writes the token of a category that has passed. False when there is none; the engine then keeps its earlier sound.
+  // Writes the token of a category that has passed. False without one: the engine then keeps its earlier sound.
   //   token   zeroed by the caller
   virtual bool supply_token(int32_t category_id, activation_token* token) const = 0;
 

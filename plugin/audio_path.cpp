@@ -7,8 +7,7 @@
 
 namespace {
 
-// Some hosts leave out the channels that nothing is connected to, or all of them. A channel that is missing here is
-// null.
+// Some hosts pass no channels, or null for those that nothing is connected to. Missing channels are null here.
 template <typename Sample>
 std::array<Sample*, 2> channels_of(Sample* const* channels) {
   if (channels == nullptr) return {nullptr, nullptr};
@@ -21,7 +20,7 @@ void write_silence(const std::array<float*, 2>& outputs, int32_t frames) {
   }
 }
 
-// Each frame is read whole before it is written, as the outputs may be the inputs, even with the sides exchanged.
+// Reads both channels of a frame before writing it: the outputs may be the input arrays, even with sides exchanged.
 void copy_dry(const std::array<const float*, 2>& inputs, const std::array<float*, 2>& outputs, int32_t frames) {
   for (int32_t frame = 0; frame < frames; ++frame) {
     const float left = inputs[0] != nullptr ? inputs[0][frame] : 0.0F;
@@ -39,12 +38,12 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
     write_silence(written, frames);
     return;
   }
-  // The flag is taken before the selection is read, and the keys are updated after the sound has changed: the base note
-  // follows the sound, and a choice that lands in between is left whole to the next block.
-  const bool keys_requested = take_key_request();
+  // The request is taken before the selection is read, and the keys are updated after the sound has changed: the base
+  // note follows the sound, and a choice made in between is left to the next block as a whole.
+  const bool update_requested = requests_.take_key_update();
   activation_token token{};
   const uint8_t* const sound_key = switch_sound(&token);
-  if (keys_requested) apply_keys();
+  if (update_requested) apply_keys();
 
   const std::array<const float*, 2> arranged = arranged_inputs(inputs);
   if (current_sound_ == nullptr) {
@@ -52,19 +51,14 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
     return;
   }
   const float* const engine_inputs[4] = {arranged[0], arranged[1], nullptr, nullptr};
-  vocoder_process_sound(0, is_on(k_chorus_on), is_on(k_reverb_on), current_sound_->sound_number, sound_key, frames,
-                        engine_inputs, written.data(), engine_.get());
+  vocoder_process_sound(0, requests_.is_on(k_chorus_on), requests_.is_on(k_reverb_on), current_sound_->sound_number,
+                        sound_key, frames, engine_inputs, written.data(), engine_.get());
 }
 
-// Only the exchange tells whether the data behind the flag may be read, and it is made only when something was asked.
-bool KesrelVocoder4TarvixEffect::take_key_request() {
-  return keys_dirty_.load(std::memory_order_relaxed) != 0 && keys_dirty_.exchange(0, std::memory_order_acquire) != 0;
-}
-
-// Follows the selection, and acknowledges it even when the sound is refused, so that it is not tried at every block.
-// The answer is the engine's permission to take the new sound, null in every block but that of a switch.
+// Follows the selection, and acknowledges it even when the sound is refused, so that it isn't tried again at every
+// block. Returns the engine's permission to take the new sound, null in every block but that of a switch.
 const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
-  const int32_t selected = selected_sound_index_.load(std::memory_order_relaxed);
+  const int32_t selected = requests_.sound();
   if (selected == current_sound_index_) return nullptr;
   if constexpr (k_trace) trace("switch to sound: ", sound_uuid());
   current_sound_index_ = selected;
@@ -85,14 +79,14 @@ const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token)
 
 void KesrelVocoder4TarvixEffect::apply_keys() {
   key_flags wanted;
-  getPendingKeys(wanted);
-  const int32_t base = key_base_for(current_sound_.get(), is_on(k_octave_on));
+  requests_.copy_keys(wanted);
+  const int32_t base = key_base_for(current_sound_.get(), requests_.is_on(k_octave_on));
   const note_changes changes = update_keys(wanted, base, &active_keys_);
   for (const int32_t note : changes.ended()) vocoder_note_off(note, 0, engine_.get());
   for (const int32_t note : changes.begun()) vocoder_note_on(note, k_key_velocity, engine_.get());
 }
 
-// Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault, and told at
+// Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault and logged at
 // every block; that side is silent.
 std::array<const float*, 2> KesrelVocoder4TarvixEffect::arranged_inputs(float** inputs) const {
   const auto [first, second] = channels_of(inputs);

@@ -2,9 +2,9 @@
 #pragma once
 
 // Makes abort, floating-point error, illegal instruction, segmentation fault and termination log "crash!" at the
-// critical level and end the process through exit(), the signal's number being its exit status. The handlers belong to
-// the process and replace those that were there; installing them again changes nothing.
+// critical level and end the process through exit() with the signal's number as its exit status. The handlers belong to
+// the process and replace earlier ones; installing them again changes nothing.
 //
-// The process always ends: an exit that hasn't come to its end after five seconds is cut short by the alarm signal, and
-// a second of these signals ends it at once. Throws std::bad_alloc when there is no memory for the log.
+// The process always ends: the alarm signal ends an exit that takes longer than five seconds, and a second one of these
+// signals ends it at once. Throws std::bad_alloc when there is no memory for the log.
 void install_crash_handler();

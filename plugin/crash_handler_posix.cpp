@@ -12,7 +12,7 @@ namespace {
 
 constexpr int k_crash_signals[] = {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM};
 
-// How long an exit may take that waits for a lock of the crashed thread, or of a thread that it was about to free.
+// How long exit() may take. It may wait in vain for a lock that the crashed thread holds.
 constexpr unsigned k_longest_exit_s = 5;
 
 // Gives a signal its default action, which ends the process, and lets this thread receive it.
@@ -24,8 +24,8 @@ void let_end_the_process(int signal_number) {
   pthread_sigmask(SIG_UNBLOCK, &one, nullptr);
 }
 
-// exit() runs the host's own exit routines, which no rule allows in a signal handler: they may take any lock, the
-// heap's among them. So the line is in the log first, and the alarm ends what exit() doesn't.
+// exit() isn't async-signal-safe: the host's exit routines may take any lock, the heap's included. So the line is
+// logged first, and the alarm ends the process where exit() doesn't.
 [[noreturn]] void end_process(int signal_number) {
   let_end_the_process(SIGALRM);
   alarm(k_longest_exit_s);
@@ -43,7 +43,7 @@ void install_crash_handler() {
   halvern::logbook_impl::instance();  // exists before the first crash
   struct sigaction action {};
   action.sa_handler = end_process;
-  // On the alternate stack, where the host has set one: a stack that has overflowed has no room for a handler.
+  // On the alternate stack if the host has set one: an overflowed stack has no room for a handler.
   action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
   sigemptyset(&action.sa_mask);
   for (const int signal_number : k_crash_signals) sigaction(signal_number, &action, nullptr);

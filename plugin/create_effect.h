@@ -3,8 +3,7 @@
 
 #include "vst2/aeffect.h"
 
-// The record of a new effect, which the host ends with effClose. Null when the host is too old to answer
-// audioMasterVersion, when its version does not pass, and when the effect cannot be made; the log stays silent about
-// it.
+// The record of a new effect, which the host ends with effClose. Null, without a log line, when the host doesn't answer
+// audioMasterVersion, when its version doesn't pass, and when the effect can't be made.
 //   host   the host's callback; null is refused
 AEffect* create_effect(audioMasterCallback host);

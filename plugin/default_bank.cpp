@@ -12,7 +12,7 @@ namespace {
 constexpr char k_type[] = "RAWDATA";
 constexpr char k_name[] = "defaultbank.vstpreset";
 
-// Room behind the bytes of a file that was read as a whole.
+// Room after the bytes of a file that was read as a whole.
 constexpr uint64_t k_spare_room = 15;
 
 memory::data_reference read_whole(files::file* file) {

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "plugin/factory_catalogue.h"
 #include "plugin/host_version_check.h"
 #include "plugin/log_folder.h"
 #include "plugin/trace.h"
@@ -13,19 +14,18 @@
 namespace {
 
 constexpr VstInt32 k_unique_id = CCONST('K', 'V', '4', 'M');
-constexpr VstInt32 k_program_count = 24;
 constexpr char k_effect_name[] = "Kesrel Vocoder 4 ME";
 constexpr char k_vendor_name[] = "Quorvant";
 
-// In the order of parameter_index. Eight characters are all that a host's buffer is sure to take.
+// In the order of parameter_index. A host's buffer may have room for eight characters only.
 constexpr const char* k_parameter_names[] = {"ChorusOn", "ReverbOn", "OctaveOn"};
 static_assert(std::size(k_parameter_names) == k_parameter_count);
 
-// What the effect says it can do. The two answers on events stand although no event is taken or sent.
+// Answers to canDo. Hosts get those on events although the effect takes and sends none.
 constexpr std::string_view k_abilities[] = {
     "receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"};
 
-// The name of a program that nobody has named.
+// The name of an unnamed program.
 constexpr char k_unnamed[] = "default";
 
 constexpr float k_engine_rate_hz = 44100.0F;
@@ -33,7 +33,9 @@ constexpr float k_engine_rate_hz = 44100.0F;
 }  // namespace
 
 KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate)
-    : AudioEffectX(host, k_program_count, k_parameter_count), gate_(gate), preset_name_(k_unnamed) {
+    : AudioEffectX(host, static_cast<VstInt32>(factory_programs().size()), k_parameter_count),
+      gate_(gate),
+      preset_name_(k_unnamed) {
   log_to_application_data();
   if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
   trace("init plugin");
@@ -45,15 +47,16 @@ KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host,
   const std::vector<state::program> built_in = built_in_programs();
   preset_name_.set(built_in.front().name);
   sound_uuid_.set(built_in.front().sound_uuid);
-  selected_sound_index_.store(0, std::memory_order_relaxed);
-  for (const size_t key : k_first_chord) pending_keys_[key].store(1, std::memory_order_relaxed);
+  requests_.set_sound(0);
   trace("create default chunk preset");
   for (const auto& program : built_in) programs_.append(state::to_chunk(program));
   trace("create chunks bank done");
   trace("create KV Instance");
   engine_.reset(vocoder_create(k_engine_rate_hz));
   trace("KV Instance created");
-  request_key_update();
+  key_flags keys = {};
+  for (const size_t key : k_first_chord) keys[key] = 1;
+  requests_.hold_keys(keys);
   trace("plugin ready to go");
 }
 
@@ -65,7 +68,7 @@ void KesrelVocoder4TarvixEffect::setSampleRate(float rate) {
     std::ranges::fill(active_keys_.held, uint8_t{0});
   }
   engine_.reset(vocoder_create(rate));
-  request_key_update();
+  requests_.request_key_update();
 }
 
 bool KesrelVocoder4TarvixEffect::setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) {
@@ -82,13 +85,11 @@ bool KesrelVocoder4TarvixEffect::setSpeakerArrangement(VstSpeakerArrangement* in
   return true;
 }
 
-// The value is kept as it was given, and switches on only at exactly 1.
+// The value is stored as given, but the switch is on only at exactly 1.
 bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
   if (index < 0 || index >= k_parameter_count) return false;
-  const auto position = static_cast<size_t>(index);
-  switches_[position].store(value == 1.0F, std::memory_order_relaxed);
-  if (index == k_octave_on) request_key_update();
-  parameter_values_[position].store(value, std::memory_order_relaxed);
+  requests_.turn(static_cast<parameter_index>(index), value == 1.0F);
+  parameter_values_[static_cast<size_t>(index)].store(value, std::memory_order_relaxed);
   return true;
 }
 
@@ -149,23 +150,7 @@ void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
   trace("select_preset_by_index");
   if (!pass_gate(row->category_id)) return;
   sound_uuid_.set(row->uuid);
-  selected_sound_index_.store(row_index, std::memory_order_relaxed);
-  request_key_update();
-}
-
-void KesrelVocoder4TarvixEffect::getPendingKeys(key_flags& keys) const {
-  std::ranges::transform(pending_keys_, keys, [](const auto& key) { return key.load(std::memory_order_relaxed); });
-}
-
-void KesrelVocoder4TarvixEffect::set_pending_keys(const key_flags& keys) {
-  for (size_t key = 0; key < pending_keys_.size(); ++key) {
-    pending_keys_[key].store(keys[key], std::memory_order_relaxed);
-  }
-  request_key_update();
-}
-
-void KesrelVocoder4TarvixEffect::request_key_update() {
-  keys_dirty_.store(1, std::memory_order_release);
+  requests_.choose_sound(row_index);
 }
 
 bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {
@@ -173,8 +158,4 @@ bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {
   if (category == nullptr || !gate_.passes(category_id)) return false;
   category->activated.store(true, std::memory_order_relaxed);
   return true;
-}
-
-bool KesrelVocoder4TarvixEffect::is_on(parameter_index index) const {
-  return switches_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
 }

@@ -10,15 +10,13 @@
 
 #include "engine/vocoder.h"
 #include "plugin/activation_gate.h"
+#include "plugin/audio_requests.h"
 #include "plugin/catalogue.h"
 #include "plugin/guarded.h"
 #include "plugin/key_update.h"
 #include "plugin/program_bank.h"
 #include "state/bank_image.h"
 #include "vst2/audio_effect_x.h"
-
-// The host-visible parameters: three switches, each on only at exactly 1.0.
-enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parameter_count };
 
 // The effect as host and editor see it.
 //
@@ -29,29 +27,29 @@ enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parame
 //
 // Programs: the sound's uuid, the program's name, the switches and the wanted keys are the live state. A stored program
 // is written back from it only when the host leaves the program or asks for state; a choice in the editor alters the
-// live state alone.
+// live state only.
 //
 // Threads: three sides meet here without a lock.
 //   - The host's main thread constructs, shakes hands, sets rate and speakers, and destroys. Rate, speakers and
-//     destruction come while processing stands still; that is the host's part of the interface's contract. Programs and
-//     state may be asked for and restored while it goes on.
+//     destruction come while processing is stopped, as the interface obliges the host. Programs and state may be asked
+//     for and restored while it runs.
 //   - The user-interface thread chooses sounds, keys and switches, and reads what it shows.
 //   - The audio thread runs processReplacing, alone writes the sound and the keys in use, and alone plays the engine.
-// What the first two ask of the third are requests: data first, the flag that publishes them last, taken at the head of
-// the next block. Texts and stored programs are never touched by the audio thread. An ordinary block, one without a
-// change of sound, takes no lock and doesn't reach the heap.
+// What the first two ask of the third goes through audio_requests, at the start of the next block. The audio thread
+// never touches texts and stored programs. An ordinary block, one without a change of sound, takes no lock and doesn't
+// reach the heap.
 class KesrelVocoder4TarvixEffect : public AudioEffectX {
  public:
   // Throws err::runtime_error when the host's version does not pass.
   //   gate   asked for each use of a sound category; must outlive the effect
   KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate);
-  // The engine ends first, then the sound in use, then the catalogues: the reverse of the members' order.
+  // Destroys the engine, then the sound in use, then the catalogue: the reverse of the members' order.
   ~KesrelVocoder4TarvixEffect() override = default;
 
   KesrelVocoder4TarvixEffect(const KesrelVocoder4TarvixEffect&) = delete;
   KesrelVocoder4TarvixEffect& operator=(const KesrelVocoder4TarvixEffect&) = delete;
 
-  // What the host calls through the dispatcher while processing stands still.
+  // Called by the host through the dispatcher while processing is stopped.
   void setSampleRate(float rate) override;
   // Refuses three or more inputs and more than two outputs; null leaves that side as it is.
   bool setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) override;
@@ -63,21 +61,21 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   // Audio thread. One host block is one engine block of any length; outputs may be the inputs' own arrays in any order.
   void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
 
-  // Parameters, from any thread. Indices outside the three do nothing and read as 0. A change by the host stays here;
-  // the automated one, made by the editor, is told to the host.
+  // Parameters, from any thread. Indices outside the three do nothing and read as 0. A change by the host isn't
+  // reported back; setParameterAutomated, the editor's, reports to the host.
   void setParameter(VstInt32 index, float value) override;
   void setParameterAutomated(VstInt32 index, float value) override;
   float getParameter(VstInt32 index) override;
   void getParameterName(VstInt32 index, char* text) override;
 
-  // Programs, on host threads. All of them log what goes wrong and leave the rest as it is.
-  // Stores the live state in the slot that is left and restores the other one; numbers outside the slots and the one in
-  // use do nothing.
+  // Programs, on host threads. A failure is logged and changes nothing more.
+  // Stores the live state in the slot in use and restores that of `program`. Does nothing for the slot in use and for
+  // numbers outside the slots.
   void setProgram(VstInt32 program) override;
-  // The name of the live state; the slot gets it when it is written back.
+  // Names the live state; the slot gets the name when the state is written back.
   void setProgramName(char* name) override;
   void getProgramName(char* name) override;
-  // False outside the slots, and for a slot without a name or of a later version. `category` has no meaning here.
+  // False outside the slots, and for a slot without a name or of a later version. `category` is ignored.
   bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
 
   // State, on host threads. The image stays valid until the next getChunk; 0 bytes and null when it cannot be made.
@@ -91,20 +89,20 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   bool getVendorString(char* text) override;
   bool getProductString(char* text) override;
   VstInt32 canDo(char* text) override;
-  // There is no bypass: false, and a host does its own.
+  // There is no bypass; hosts do their own. False.
   bool setBypass(bool on_off) override;
 
   // Operations for the editor, on the user-interface thread.
   std::vector<menu_row_ref> getMenuRows() const;
   std::vector<sound_category_ref> getCategories() const;
-  // Asks for the row at that position of the menu. Ignored when there is no such row or its category may not be used. A
-  // separator or title row is accepted and gives the dry input.
+  // Requests the row at that position of the menu, if there is one and its category may be used. A separator or title
+  // row is accepted and gives the dry input.
   void select_preset_by_index(int32_t row_index);
   // The sound last chosen, as stored state names it.
   std::string sound_uuid() const { return sound_uuid_.get(); }
-  // The keys that are wanted, which the next block makes sound.
-  void getPendingKeys(key_flags& keys) const;
-  void set_pending_keys(const key_flags& keys);
+  // The requested keys, which the next block plays.
+  void getPendingKeys(key_flags& keys) const { requests_.copy_keys(keys); }
+  void set_pending_keys(const key_flags& keys) { requests_.hold_keys(keys); }
 
  private:
   struct engine_deleter {
@@ -115,7 +113,6 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   void shake_hands();
   bool store_parameter(VstInt32 index, float value);
   void load_default_bank();
-  void request_key_update();
 
   // Host threads: programs and state.
   state::plugin_identity identity() const;
@@ -128,10 +125,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
 
   // Any thread.
   bool pass_gate(int32_t category_id) const;
-  bool is_on(parameter_index index) const;
 
   // Audio thread: the stages of a block.
-  bool take_key_request();
   const uint8_t* switch_sound(activation_token* token);
   void apply_keys();
   std::array<const float*, 2> arranged_inputs(float** inputs) const;
@@ -148,14 +143,10 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   guarded<std::string> preset_name_;
   guarded<std::string> sound_uuid_;
 
-  // Requests to the audio thread, and the state of the switches.
-  std::array<std::atomic<uint8_t>, std::size(key_flags{})> pending_keys_{};
-  std::atomic<int32_t> selected_sound_index_{k_no_row};
-  std::atomic<int32_t> keys_dirty_{0};
-  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};
-  std::array<std::atomic<bool>, k_parameter_count> switches_{};
+  audio_requests requests_;
+  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};  // as given; the requests have the switches
   std::atomic<int32_t> input_channels_{2};
-  std::atomic<int32_t> output_channels_{2};  // as arranged; both outputs are written whatever it says
+  std::atomic<int32_t> output_channels_{2};  // as arranged; both outputs are always written
 
   // The audio thread's own.
   int32_t current_sound_index_ = k_no_row;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// How a host that knows the plug-in greets it, and the version of the interface that both speak.
+// The greeting of a host that knows the plug-in, and the version of the interface between them.
 constexpr VstInt32 k_handshake_id = CCONST('K', 'V', 'H', 's');
 constexpr VstIntPtr k_interface_version = 1;
 
@@ -23,8 +23,8 @@ VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr v
   }
 }
 
-// `ready_` comes last: it publishes all the rest to the audio thread. A handshake that runs out of memory before that
-// leaves the effect as it was.
+// `ready_` is set last and publishes everything else to the audio thread. A handshake that runs out of memory before
+// that changes nothing.
 void KesrelVocoder4TarvixEffect::shake_hands() {
   trace("interface version 1");
   catalogue_.append_factory_sounds();
@@ -33,7 +33,7 @@ void KesrelVocoder4TarvixEffect::shake_hands() {
   trace("interface okay");
 }
 
-// Without the bank the built-in programs stay.
+// The built-in programs remain when the bank can't be loaded.
 void KesrelVocoder4TarvixEffect::load_default_bank() {
   try {
     trace("loading default fx bank");

@@ -50,7 +50,7 @@ state::image_bytes KesrelVocoder4TarvixEffect::current_program_image() {
   return state::single_program_image(identity(), getProgram(), *record);
 }
 
-// The host never learns whether its bytes were taken.
+// Answers 0 whether the bytes were accepted or not.
 VstInt32 KesrelVocoder4TarvixEffect::setChunk(void* data, VstInt32 byteSize, bool isPreset) {
   trace("setChunk");
   try {
@@ -64,7 +64,7 @@ VstInt32 KesrelVocoder4TarvixEffect::setChunk(void* data, VstInt32 byteSize, boo
   return 0;
 }
 
-// A record that is none is reported and stored all the same. When the image breaks off, the slots before stay replaced.
+// A record with another id is reported, but stored. When the image breaks off, the slots before keep their new records.
 void KesrelVocoder4TarvixEffect::restore_bank(state::opened_image* image) {
   trace("restore chunk bank");
   for (int32_t slot = 0; slot < image->program_count; ++slot) {
@@ -82,7 +82,7 @@ void KesrelVocoder4TarvixEffect::restore_bank(state::opened_image* image) {
   execute_chunk_to_current_program(curProgram);
 }
 
-// It always lands in the slot in use, whatever number it was saved under.
+// Into the slot in use, not the one that it was saved from.
 void KesrelVocoder4TarvixEffect::restore_single_program(state::opened_image* image) {
   trace("restore single chunk");
   const VstInt32 slot = getProgram();

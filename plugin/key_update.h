@@ -10,13 +10,13 @@ struct menu_row;
 // Keys of the on-screen keyboard: three octaves. Key index i sounds note base + i.
 constexpr int32_t k_key_count = 36;
 
-// One flag per key index, non-zero meaning held. Flags from `k_key_count` on are carried along and never sound.
+// One flag per key index, non-zero meaning held. Flags from `k_key_count` on are copied but never played.
 using key_flags = uint8_t[128];
 
 // Note of key index 0 without a sound: C2 of the 128 MIDI notes, two octaves below middle C.
 constexpr int32_t k_default_key_base = 36;
 
-// Velocity of every note-on: keys on a screen know no touch.
+// Velocity of every note-on: the keys on the screen have none.
 constexpr int32_t k_key_velocity = 127;
 
 // The keys that the engine sounds now.
@@ -25,7 +25,7 @@ struct sounding_keys {
   int32_t base = k_default_key_base;
 };
 
-// What leads from one set of sounding keys to another. Notes are in ascending order; all note-offs go first.
+// The changes from one set of sounding keys to another. Notes are in ascending order; all note-offs go first.
 struct note_changes {
   std::array<int32_t, k_key_count> offs{};
   std::array<int32_t, k_key_count> ons{};
@@ -36,10 +36,10 @@ struct note_changes {
   std::span<const int32_t> begun() const { return {ons.data(), static_cast<size_t>(on_count)}; }
 };
 
-// Base note for `sound`, one octave up with `octave_on`. Without a sound the switch has no say.
+// Base note for `sound`, one octave up with `octave_on`. Without a sound the switch has no effect.
 int32_t key_base_for(const menu_row* sound, bool octave_on);
 
-// Moves `keys` to the flags `wanted` at `new_base` and tells which notes end and which begin. Keys are compared by the
-// note they sound: one that is held before and after a change of base is neither ended nor struck again.
+// Moves `keys` to the flags `wanted` at `new_base` and returns which notes end and which begin. Keys are compared by
+// the note they play: one that is held before and after a change of base is neither ended nor struck again.
 //   audio   no heap, no lock
 note_changes update_keys(const key_flags& wanted, int32_t new_base, sounding_keys* keys);

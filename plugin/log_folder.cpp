@@ -10,7 +10,7 @@ namespace {
 
 constexpr char k_product_folder[] = "Quorvant/Kesrel Vocoder 4 ME";
 constexpr char k_log_folder[] = "logs";
-// The words that open the log on every system.
+// The first line of the log, the same on every system.
 constexpr char k_banner[] = "Kesrel Vocoder Version 1.0 Windows 64 bit\r\n";
 
 }  // namespace
@@ -27,6 +27,6 @@ void log_to_application_data() {
   } catch (const err::exception& failure) {
     halvern::log_error(failure.what());
   } catch (...) {
-    // Out of memory: the log is not worth the plug-in.
+    // Out of memory: the plug-in can do without a log.
   }
 }

@@ -1,4 +1,4 @@
-// MIT License. Where the plug-in's log files lie.
+// MIT License. The folder of the plug-in's log files.
 #pragma once
 
 // Points the process's logbook at the folder of this plug-in in the user's application data, making what is missing of

@@ -8,10 +8,10 @@
 
 #include "state/program_record.h"
 
-// Slots, each with one program's record. They are numbered from 0 and only become more.
+// Slots, each with one program's record. They are numbered from 0 and never removed.
 //
-// Hosts ask for names and state from several threads, so each operation is whole for itself. Not for the audio thread:
-// a lock is held for the time of one copy. A record that is replaced lives on for whoever still reads it.
+// Hosts ask for names and state on several threads, so each operation is atomic. Not for the audio thread: a lock is
+// held for the time of one copy. Readers of a record that is being replaced keep the old one alive.
 class program_bank {
  public:
   int32_t count() const;
@@ -32,6 +32,6 @@ class program_bank {
 // The chord that a fresh effect and its built-in programs hold: a major triad one octave above the lowest key.
 constexpr size_t k_first_chord[] = {12, 16, 19};
 
-// What is in use before any bank is known: three programs A, B and C for each of the eight factory sounds, with all
-// switches off and the first chord held.
+// The programs before any bank is loaded: those of the default bank by name and sound, but with all switches off and
+// the first chord held.
 std::vector<state::program> built_in_programs();

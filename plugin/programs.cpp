@@ -14,7 +14,7 @@ constexpr float switch_value(bool on) {
 
 }  // namespace
 
-// The program that is left keeps what the user did to it while it was in use.
+// Before a program is left, the changes made while it was in use are stored in it.
 void KesrelVocoder4TarvixEffect::setProgram(VstInt32 program) {
   trace("setProgram");
   try {
@@ -66,16 +66,16 @@ bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index,
   }
 }
 
-// The keys are those that are wanted, though no block may have taken them yet.
+// The requested keys, even when no block has taken them yet.
 chunks::chunk KesrelVocoder4TarvixEffect::chunk_from_current_program() const {
   state::program live;
   live.name = preset_name_.get();
   live.sound_uuid = sound_uuid_.get();
-  live.chorus_on = is_on(k_chorus_on);
-  live.reverb_on = is_on(k_reverb_on);
-  live.octave_on = is_on(k_octave_on);
+  live.chorus_on = requests_.is_on(k_chorus_on);
+  live.reverb_on = requests_.is_on(k_reverb_on);
+  live.octave_on = requests_.is_on(k_octave_on);
   key_flags keys;
-  getPendingKeys(keys);
+  requests_.copy_keys(keys);
   std::copy_n(keys, live.keys.size(), live.keys.begin());
   return state::to_chunk(live);
 }
@@ -92,8 +92,8 @@ void KesrelVocoder4TarvixEffect::execute_chunk_to_current_program(int32_t index)
   }
 }
 
-// The octave switch, told last, asks for the keys once more: a block that took the first request before the sound was
-// selected brings them to the new sound's base with the next one.
+// The octave switch, set last, requests the keys once more: a block that took the first request before the sound was
+// selected moves them to the new sound's base with the second.
 void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   const menu_row_ref row = catalogue_.row_at(catalogue_.find_row_by_uuid(stored.sound_uuid));
   if (row != nullptr) pass_gate(row->category_id);
@@ -102,13 +102,13 @@ void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   trace("preset to be restored: ", stored.name);
   trace("uuid to be restored: ", stored.sound_uuid);
   const bool switches[k_parameter_count] = {stored.chorus_on, stored.reverb_on, stored.octave_on};
-  for (size_t index = 0; index < switches_.size(); ++index) {
-    switches_[index].store(switches[index], std::memory_order_relaxed);
+  for (const parameter_index index : {k_chorus_on, k_reverb_on, k_octave_on}) {
+    requests_.set_switch(index, switches[index]);
   }
   key_flags keys = {};
   std::ranges::copy(stored.keys, keys);
-  set_pending_keys(keys);
-  selected_sound_index_.store(catalogue_.find_row_by_uuid(stored.sound_uuid), std::memory_order_relaxed);
+  requests_.hold_keys(keys);
+  requests_.set_sound(catalogue_.find_row_by_uuid(stored.sound_uuid));
   for (VstInt32 index = 0; index < k_parameter_count; ++index) {
     setParameterAutomated(index, switch_value(switches[index]));
   }

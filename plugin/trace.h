@@ -1,4 +1,4 @@
-// MIT License. Trace points: what the plug-in is doing, for the developer's eyes.
+// MIT License. Trace points: log lines for developers.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 #include "support/logbook.h"
 
-// Whether trace points show: on in a build configured with -D KESREL_TRACE=ON. Off, they leave no code behind.
+// Whether trace points show: on in a build configured with -D KESREL_TRACE=ON. Off, they compile to nothing.
 constexpr bool k_trace = KESREL_TRACE != 0;
 
 // Logs `text` and `detail` at the tracing level. Not for an ordinary block of the audio thread.

@@ -38,7 +38,7 @@ image_bytes image_of(image_kind kind, const plugin_identity& plugin, uint32_t pr
 
 image_bytes bank_image(const plugin_identity& plugin, int32_t current_program,
                        const std::vector<chunks::chunk>& programs) {
-  // A growing buffer alone: its id appears nowhere in the image.
+  // Only a growing buffer: its id is not part of the image.
   chunks::mutable_chunk payload(chunks::chunk_id("KVLB"));
   for (const auto& program : programs) payload.append(program);
   return image_of(image_kind::bank, plugin, static_cast<uint32_t>(programs.size()), current_program, *payload.data());

@@ -14,11 +14,10 @@
 
 namespace chunks {
 
-// A place in a block, which moves on with every read.
+// A position in a block, advanced by every read.
 //
-// Nothing is held against the block's own size. A window on a larger block reads on into what lies behind it there, and
-// behind the end of the block that owns the bytes everything is zero: records that were cut short still have a value
-// for each field, and no read leaves an allocation.
+// Reads are not limited to the block. Past the end of a window come the next bytes of the block that owns them, then
+// zeros: records that were cut short have a value for each field, and no read leaves an allocation.
 template <typename ByteOrder = chunk_data_as_big_endian>
 class basic_byte_cursor {
  public:
@@ -28,7 +27,7 @@ class basic_byte_cursor {
         end_(block_ ? at_ + block_->size() : nullptr),
         owner_end_(block_ ? memory::end_of_owner(*block_) : nullptr) {}
 
-  // Bytes between here and the end of the block; 0 behind it.
+  // Bytes from here to the end of the block; 0 past it.
   uint64_t left() const { return beyond_ == 0 && at_ < end_ ? static_cast<uint64_t>(end_ - at_) : 0; }
 
   uint8_t read_byte() {
@@ -43,7 +42,7 @@ class basic_byte_cursor {
     return ByteOrder::from_bytes(bytes);
   }
 
-  // `count` bytes as a text, zeros included. Throws std::bad_alloc for a text that would be mostly invented.
+  // `count` bytes as a text, zeros included. Throws std::bad_alloc when more than 1 MiB of it would be past the end.
   std::string read_text(uint64_t count) {
     const uint64_t there = std::min(count, readable());
     if (count - there > k_most_missing) throw std::bad_alloc();
@@ -64,16 +63,16 @@ class basic_byte_cursor {
   const uint8_t* position() const { return at_; }
 
  private:
-  // Far above any text of a program, and little enough for any memory.
+  // Far above any text of a program, and a small allocation still.
   static constexpr uint64_t k_most_missing = uint64_t{1} << 20;
 
   uint64_t readable() const { return static_cast<uint64_t>(owner_end_ - at_); }
 
   memory::data_reference block_;
-  const uint8_t* at_;  // never beyond the owner's end
+  const uint8_t* at_;  // never past the owner's end
   const uint8_t* end_;
   const uint8_t* owner_end_;
-  uint64_t beyond_ = 0;  // bytes read behind the owner's end
+  uint64_t beyond_ = 0;  // bytes read past the owner's end
 };
 using byte_cursor = basic_byte_cursor<>;
 

@@ -1,11 +1,5 @@
-// MIT License. Chunks: structured binary state as an id, a big-endian size and a body, which may hold further chunks.
-//
-//   offset  size  field
-//   0       4     id, in text order
-//   4       4     size of the body
-//   8       size  body
-//
-// Nothing is padded or aligned. Reading a nested chunk copies nothing: it is a window that keeps its parent alive.
+// MIT License. Chunks: structured binary state as an id, a size and a body, which may hold further chunks. FORMAT.md
+// has the layout. Reading a nested chunk copies nothing: it is a window that keeps its parent alive.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +25,8 @@ class basic_chunk {
   basic_chunk() = default;
   basic_chunk(id_type id, memory::data_reference body) : id_(id), data_(std::move(body)) {}
 
-  // A view of a block that begins with a whole chunk; what lies behind the chunk is left alone. A block of less than a
-  // header reads as if zeros followed. Throws chunk_error when the body doesn't fit in.
+  // A view of a block that begins with a whole chunk; bytes after the chunk are ignored. A block shorter than a header
+  // reads as if zeros followed. Throws chunk_error when the body doesn't fit.
   explicit basic_chunk(const memory::data_reference& whole) {
     basic_byte_cursor<byte_order> cursor(whole);
     id_ = read_id(&cursor);
@@ -67,7 +61,7 @@ class basic_mutable_chunk : public basic_chunk<Traits> {
 
   explicit basic_mutable_chunk(typename Traits::id_type id) : basic_mutable_chunk(id, new memory::byte_block) {}
 
-  // All of them add at the end of the body.
+  // Each adds at the end of the body.
   void write(uint32_t number) {
     const auto bytes = byte_order::to_bytes(number);
     write(bytes.data(), bytes.size());
@@ -83,7 +77,7 @@ class basic_mutable_chunk : public basic_chunk<Traits> {
     append_wire_form(chunk, body_);
   }
 
-  // A new block with the header and what has been written so far. Writing may go on.
+  // A new block with the header and everything written so far. Writing may continue.
   memory::reference<memory::byte_block> final_form() const {
     memory::reference<memory::byte_block> whole(new memory::byte_block(this->size() + chunk_header_size));
     append_wire_form(*this, whole.get());
@@ -108,21 +102,20 @@ class basic_mutable_chunk : public basic_chunk<Traits> {
   memory::byte_block* body_;  // held by the base
 };
 
-// A text under the id "strn". Its body is a tag that the writer chooses and nobody reads, the text's length in bytes,
-// and the text.
+// A text under the id "strn", with a tag that the writer chooses and the reader ignores.
 template <typename Traits>
 class basic_string_chunk : public basic_chunk<Traits> {
  public:
   basic_string_chunk(uint32_t string_tag, std::string_view text) : basic_chunk<Traits>(made_of(string_tag, text)) {}
 
-  // A chunk that was read. Throws err::runtime_error when its id is another one.
+  // Views a chunk that was read. Throws err::runtime_error when its id is not "strn".
   explicit basic_string_chunk(const basic_chunk<Traits>& chunk) : basic_chunk<Traits>(chunk) {
     if (chunk.id() != string_chunk_id) {
       throw err::runtime_error("basic_string_chunk initialized with wrong chunk data!");
     }
   }
 
-  // As long as the body says, whether it holds as much or not: basic_byte_cursor tells what is read then.
+  // As long as its length field says; basic_byte_cursor defines what is read past the body.
   std::string text() const {
     basic_byte_cursor<typename Traits::byte_order> cursor(this->data());
     cursor.skip(k_tag_size);
@@ -142,7 +135,7 @@ class basic_string_chunk : public basic_chunk<Traits> {
   }
 };
 
-// Reads a body: nested chunks through next(), plain numbers and bytes through the cursor, which both move.
+// Reads a body: nested chunks through next(), plain numbers and bytes through the cursor. Both advance it.
 template <typename Traits>
 class basic_chunk_input_stream {
  public:
@@ -152,7 +145,7 @@ class basic_chunk_input_stream {
 
   cursor_type& cursor() { return cursor_; }
 
-  // The chunk at the cursor. Throws err::runtime_error, and stays where it is, when the body ends before the chunk.
+  // Reads the chunk at the cursor. Throws err::runtime_error, without advancing, when the body ends before the chunk.
   void next(basic_chunk<Traits>* chunk) {
     cursor_type ahead = cursor_;
     if (ahead.left() < chunk_header_size) throw no_chunk();

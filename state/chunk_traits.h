@@ -1,4 +1,4 @@
-// MIT License. What the chunk classes are made of: types of ids and sizes, byte order, errors.
+// MIT License. Parameters of the chunk classes: types of ids and sizes, byte order, errors.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace chunks {
 
 namespace error {
 
-// A chunk that claims more bytes than there are.
+// A chunk whose size exceeds the bytes that are there.
 class chunk_error : public err::runtime_error {
  public:
   using err::runtime_error::runtime_error;
@@ -27,14 +27,14 @@ struct basic_chunk_traits {
 };
 using chunk_traits = basic_chunk_traits<int, unsigned int, chunk_data_as_big_endian>;
 
-// An id is four characters, kept as the bytes that stand in the file, first byte lowest: chunk_id("strn").
+// An id is four characters, stored in text order; in memory the first is the lowest byte: chunk_id("strn").
 constexpr int chunk_id(const char (&text)[5]) {
   uint32_t id = 0;
   for (int byte = 3; byte >= 0; --byte) id = id << 8 | static_cast<uint8_t>(text[byte]);
   return static_cast<int>(id);
 }
 
-// Bytes in front of a body: id and size.
+// Bytes before a body: id and size.
 constexpr uint64_t chunk_header_size = 8;
 
 constexpr int string_chunk_id = chunk_id("strn");

@@ -16,7 +16,7 @@ uint8_t flag(bool on) {
   return on ? 1 : 0;
 }
 
-// Nothing for a version that this code does not know. The stored number is signed.
+// Nothing for a later version. The stored number is signed.
 std::optional<int32_t> read_version(chunks::chunk_input_stream* stream) {
   const auto version = static_cast<int32_t>(stream->cursor().read_number());
   if (version >= k_first_unknown_version) return std::nullopt;

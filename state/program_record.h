@@ -1,15 +1,5 @@
 // MIT License. The stored form of one program: a sound named by its uuid, the three switches and the held keys.
-//
-// Body of a "KVLP" chunk, numbers big-endian:
-//
-//   field         size    content
-//   version       4       1010 when written
-//   name chunk    16 + n  string chunk with tag 0
-//   uuid chunk    16 + m  string chunk with tag 1
-//   chorus flag   1       0 or 1; any other byte reads as 1
-//   reverb flag   1       likewise
-//   octave flag   1       likewise; absent, and off, before version 1010
-//   key flags     36      one byte per key of the keyboard, 0 or 1 likewise
+// FORMAT.md has its layout and the outcome for damaged records.
 #pragma once
 
 #include <array>
@@ -37,9 +27,8 @@ struct program {
 
 chunks::chunk to_chunk(const program& stored);
 
-// The program in a chunk, whatever the chunk's id. Nothing when a later version wrote it. Throws err::runtime_error
-// when the two texts are not there; a body that ends behind them yields what lies behind it, as basic_byte_cursor
-// tells.
+// The program in a chunk, whatever the chunk's id. Nothing for a later version. Throws err::runtime_error when the two
+// texts are missing; fields past the end of the body are read as basic_byte_cursor reads them.
 std::optional<program> read_program(const chunks::chunk& chunk);
 
 // The name alone, under the same conditions.

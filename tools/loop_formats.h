@@ -1,41 +1,24 @@
 // MIT License. What the synthesizer's wave store expects of its six sample loops.
 #pragma once
 
-#include <array>
 #include <cmath>
 #include <cstdint>
 
-// The source bytes are decoded into table entries, one a byte; the oscillator steps through them and subtracts
-// `loop_length` from a phase that exceeds it.
-struct loop_format {
-  int32_t bytes;
-  int32_t loop_length;   // wrap length in entries; may leave a few entries behind it, which continue the tone
-  int32_t period;        // entries after which the signal must repeat
-  int32_t root_key;      // MIDI note at which the loop sounds at its stored speed
-  double octave_offset;  // tuning of the loop's oscillator, in octaves
-  int32_t largest_step;  // between neighbours of the 16-bit source; a byte of 127 stands for it
+#include "dsp/sample_loops.h"
+
+// The wave store's row of a loop, and what follows from it for the source.
+struct loop_format : sample_loop {
+  // Entries after which the signal must repeat. What a table has beyond its loop length continues the tone. Loop 0 is
+  // written forwards and mirrored about its last byte, so that it repeats one entry after its wrap.
+  int32_t period;
 };
 
-constexpr int32_t k_sample_loops = 6;
+constexpr int32_t k_made_loops = noise_loop;  // all before it
 
-// Loop 0 is written forwards and mirrored about its last byte, hence a period of 2 * (bytes - 1), one more than its
-// wrap length. Loop 4 has its first 2048 entries faded into those behind the wrap. The others are used as they are.
-//
-// clang-format off
-//   bytes  wrap   period root octave offset          largest step
-constexpr std::array<loop_format, k_sample_loops> k_loop_formats = {{
-    {44520, 89037, 89038, 50, -0.7666666666666666,     2740},  // 0, mirrored
-    {29292, 29290, 29290, 60, -1.6,                    8177},  // 1
-    {31744, 31743, 31743, 72, -2.5999999999999996,    13088},  // 2
-    {26771, 26769, 26769, 62, -1.7666666666666666,     6063},  // 3
-    {64101, 62052, 62052, 42, -0.10000000000000009,    3803},  // 4, cross-faded
-    {26830, 26828, 26828, 57, -1.35,                   7982},  // 5
-}};
-// clang-format on
-
-// 16-bit steps that one unit of a byte stands for.
-inline double delta_scale(const loop_format& format) {
-  return format.largest_step / 127.0;
+inline loop_format format_of_loop(int32_t loop) {
+  const sample_loop& row = sample_loops[static_cast<size_t>(loop)];
+  const bool mirrored = row.entries > row.source_length;
+  return {row, mirrored ? row.entries - 1 : row.loop_length};
 }
 
 // Equal-tempered frequency of a loop's root key, at the reference pitch of 440 Hz.

@@ -10,11 +10,11 @@
 
 namespace {
 
-// A hill in a spectrum, as a body or vocal-tract resonance leaves it.
+// A peak in a spectrum, as a resonance of a body or vocal tract makes it.
 struct resonance {
   double hz;
   double width_hz;  // between the points of half its gain
-  double gain;      // added at the top to a ground of 1
+  double gain;      // added at the peak to a gain of 1
 };
 
 double resonance_gain(std::initializer_list<resonance> hills, double hz) {
@@ -47,8 +47,8 @@ int32_t whole(double cycles) {
 }
 
 // A pipe organ's principal chorus: ranks of pipes at 8, 4, 2 2/3, 2, 1 1/3 and 1 foot. The ranks are up to 3
-// cycles of the loop off each other, as pipes are that were tuned by ear, which keeps the long loop from standing
-// still.
+// cycles of the loop off each other, as pipes are that were tuned by ear, which keeps the long loop from sounding
+// static.
 tone organ(const loop_format& format) {
   struct rank {
     double level;
@@ -93,7 +93,7 @@ struct ensemble {
 constexpr int32_t k_centring_cycles = 3;
 constexpr double k_centred_within_cents = 1.8;
 
-// Adds the partial that brings the centre of `harmonic`, which lies `lead` cycles high, near enough to the root key.
+// Adds the partial that brings the centre of `harmonic`, `lead` cycles too high, near enough to the root key.
 void centre_harmonic(int32_t harmonic, int32_t lead, double level, tone* sound) {
   const double wanted = sound->root_cycles * harmonic;
   const double allowed = wanted * (std::exp2(k_centred_within_cents / 1200.0) - 1.0);
@@ -105,7 +105,7 @@ void centre_harmonic(int32_t harmonic, int32_t lead, double level, tone* sound) 
 }
 
 // Each harmonic is led by the partial nearest to the root key's own, which keeps the sum from pumping; the other
-// players lie evenly about it, a little uneven in level as bows and breaths are.
+// players are spread evenly about it, at slightly uneven levels as bows and breaths are.
 template <typename Level>
 tone ensemble_tone(const loop_format& format, const ensemble& with, random_source* random, Level level) {
   tone sound = empty_tone(format);
@@ -202,7 +202,7 @@ tone choir(const loop_format& format, random_source* random) {
 }  // namespace
 
 instrument make_instrument(int32_t loop) {
-  const loop_format& format = k_loop_formats[static_cast<size_t>(loop)];
+  const loop_format format = format_of_loop(loop);
   random_source random{static_cast<uint64_t>(loop + 1)};
   switch (loop) {
     case 0:

@@ -21,7 +21,7 @@ double power(const std::vector<double>& signal, size_t first, size_t count) {
   return sum / static_cast<double>(count);
 }
 
-// The decoded loop in 16-bit units, as it lies in the oscillator's table.
+// The decoded loop in 16-bit units, as in the oscillator's table.
 std::vector<double> table_of(const loop_format& format, const std::vector<float>& decoded, bool mirrored) {
   std::vector<double> table;
   table.reserve(static_cast<size_t>(format.period) + 1);
@@ -53,7 +53,7 @@ double error_db(const std::vector<double>& source, const std::vector<float>& dec
   return 10.0 * std::log10(power(error, 0, error.size()) / power(source, 0, source.size()));
 }
 
-// What an oscillator gives that plays the root key, and the samples that are the first after a wrap.
+// Output of an oscillator that plays the root key, and the first samples after its wraps.
 struct playback {
   std::vector<double> samples;
   std::vector<size_t> wraps;
@@ -119,10 +119,10 @@ double wrap_step(const playback& played) {
 
 }  // namespace
 
-loop_figures measure_loop(int32_t loop, const sample_loop& made) {
-  const loop_format& format = k_loop_formats[static_cast<size_t>(loop)];
+loop_figures measure_loop(int32_t loop, const made_loop& made) {
+  const loop_format format = format_of_loop(loop);
   const std::vector<double> source(made.source.begin(), made.source.end());
-  const std::vector<float> decoded = delta_decode(made.bytes, delta_scale(format));
+  const std::vector<float> decoded = delta_decode(made.bytes, format.delta_scale());
   const playback played = play(format, table_of(format, decoded, made.sound.mirrored));
 
   loop_figures figures{};
@@ -148,16 +148,16 @@ std::string report_heading() {
          "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n";
 }
 
-std::string report_row(int32_t loop, const sample_loop& made) {
-  const loop_format& format = k_loop_formats[static_cast<size_t>(loop)];
+std::string report_row(int32_t loop, const made_loop& made) {
+  const loop_format format = format_of_loop(loop);
   const loop_figures f = measure_loop(loop, made);
   std::array<char, 300> row{};
   std::snprintf(
       row.data(), row.size(),
       "| %d | %s | %d | %d | %d | %.2f | %+.1f | %+.1f | %d | %d | %d/127 = %.4f | %.4f | %.1f | %.1f | %.1f | "
       "%.0f | %+.1f |\n",
-      loop, made.instrument, format.bytes, format.loop_length, format.root_key, root_cycles(format), f.cents,
-      f.first_cents, f.source_peak, f.source_step, format.largest_step, delta_scale(format), f.decoded_peak, f.error_db,
-      f.crest_db, f.ripple_db, f.wrap_step, f.wrap_excess_db);
+      loop, made.instrument, format.source_length, format.loop_length, format.root_key, root_cycles(format), f.cents,
+      f.first_cents, f.source_peak, f.source_step, format.largest_step, format.delta_scale(), f.decoded_peak,
+      f.error_db, f.crest_db, f.ripple_db, f.wrap_step, f.wrap_excess_db);
   return row.data();
 }

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/sample_loop.h"
+#include "tools/made_loop.h"
 
 struct loop_figures {
   double cents;           // energy-weighted distance of all harmonics from the root key
@@ -19,8 +19,8 @@ struct loop_figures {
   double wrap_excess_db;  // energy above 17 kHz about the wraps, over the most that is found elsewhere
 };
 
-loop_figures measure_loop(int32_t loop, const sample_loop& made);
+loop_figures measure_loop(int32_t loop, const made_loop& made);
 
 // A table in Markdown with a row per loop, opened by its two heading lines.
 std::string report_heading();
-std::string report_row(int32_t loop, const sample_loop& made);
+std::string report_row(int32_t loop, const made_loop& made);

@@ -34,7 +34,7 @@ class partial_adder {
     for (size_t i = 0; i < turn_.size(); ++i) turn_[i] = std::polar(1.0, k_turn * static_cast<double>(i) / period);
   }
 
-  // `level` may be negative, which takes the partial away. A block's angles are those of the first block turned by the
+  // `level` may be negative, which removes the partial. A block's angles are those of the first block turned by the
   // block's first: few look-ups and a plain inner loop.
   void add(const partial& partial, double level, std::vector<double>* signal) const {
     constexpr size_t k_block = 128;
@@ -76,7 +76,7 @@ double crest(const std::vector<double>& signal) {
   return peak(signal) / std::sqrt(energy / static_cast<double>(signal.size()));
 }
 
-// Entries that say all about the signal: a period, or half of one and the mirror.
+// Entries that determine the signal: a period, or half of one up to the mirror.
 int32_t distinct_entries(const tone& tone) {
   return tone.mirrored ? tone.period / 2 + 1 : tone.period;
 }

@@ -40,14 +40,14 @@ std::vector<double> tone_signal(const tone& tone, double tilt, int32_t count);
 void scatter_phases(random_source* random, tone* tone);
 
 // Moves the phases so that neither the signal nor its steps have high peaks: a loud loop with many harmonics within a
-// largest step. Cuts peaks and takes back the phases, as Van der Ouderaa, Schoukens and Renneboog, "Peak factor
-// minimization using a time-frequency domain swapping algorithm", IEEE Trans. Instrum. Meas. 37 (1988), here with
-// signal and steps in turn. A mirrored tone has its signs changed one by one instead, with the entries at the mirrors
-// held near zero. Ends with entry 0 near zero, from which a decoder starts.
+// largest step. Clips peaks and takes the phases of the clipped signal, as Van der Ouderaa, Schoukens and Renneboog,
+// "Peak factor minimization using a time-frequency domain swapping algorithm", IEEE Trans. Instrum. Meas. 37 (1988),
+// here with signal and steps in turn. A mirrored tone has its signs changed one by one instead, with the entries at the
+// mirrors held near zero. Ends with entry 0 near zero, from which a decoder starts.
 void flatten_tone(double tilt, tone* tone);
 
 // The tilt at which the largest step, relative to a peak of 32767, is just not above `largest_step`.
-//   range  -2 to 4, on a grid of 1/65536 for the reason of the phases
+//   range  -2 to 4, on a grid of 1/65536, for the same reason as the phases
 double find_tilt(const tone& tone, int32_t largest_step);
 
 // `count` samples with a peak of exactly 32767 and a largest step of exactly `largest_step`; single samples are moved

@@ -7,11 +7,11 @@
 
 #include "tools/loop_formats.h"
 #include "tools/loop_report.h"
-#include "tools/sample_loop.h"
+#include "tools/made_loop.h"
 
 namespace {
 
-bool write_bytes(const std::filesystem::path& path, const sample_loop& made) {
+bool write_bytes(const std::filesystem::path& path, const made_loop& made) {
   std::ofstream file(path, std::ios::binary);
   for (const int8_t byte : made.bytes) file.put(static_cast<char>(byte));
   file.close();
@@ -26,8 +26,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   std::fputs(report_heading().c_str(), stdout);
-  for (int32_t loop = 0; loop < k_sample_loops; ++loop) {
-    const sample_loop made = make_sample_loop(loop);
+  for (int32_t loop = 0; loop < k_made_loops; ++loop) {
+    const made_loop made = make_sample_loop(loop);
     const std::filesystem::path path = std::filesystem::path(arguments[1]) / ("loop" + std::to_string(loop) + ".s8");
     if (!write_bytes(path, made)) {
       std::fprintf(stderr, "kesrel-make-loops: cannot write %s\n", path.string().c_str());

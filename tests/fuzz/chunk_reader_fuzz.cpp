@@ -1,4 +1,4 @@
-// MIT License. Feeds any bytes to the readers of chunks, program records and images.
+// MIT License. Feeds arbitrary bytes to the readers of chunks, program records and images.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -12,7 +12,7 @@ namespace {
 constexpr state::plugin_identity k_identity{0x4B56344D, 1};
 constexpr int k_deepest = 4;
 
-// Every reader, whatever the chunk is, and its nested chunks likewise.
+// Tries every reader on the chunk, whatever its id, and on its nested chunks.
 void read_everything(const chunks::chunk& chunk, int depth);
 
 template <typename Action>
@@ -33,7 +33,7 @@ void read_programs(state::opened_image image) {
 }
 
 void read_everything(const chunks::chunk& chunk, int depth) {
-  // Exceptions take most of the time, so what is sure to be refused is tried at the top alone.
+  // Exceptions take most of the time, so readers that are certain to refuse are tried on the outermost chunk only.
   if (depth == 0 || chunk.id() == chunks::string_chunk_id) try_to([&] { chunks::string_chunk(chunk).text(); });
   if (depth == 0 || chunk.id() == state::program_chunk_id) {
     try_to([&] { state::read_program(chunk); });
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   halvern::logbook_impl::instance().levels = 0;
   const size_t before = bytes_in_use();
   {
-    // Exactly as long as the input, so that no byte behind it can be read unseen.
+    // Exactly as long as the input, so that the sanitizer sees any read past it.
     const memory::reference<memory::byte_block> block(new memory::byte_block(size));
     block->append(bytes, size);
     try_to([&] { read_everything(chunks::chunk(block), 0); });
@@ -71,6 +71,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
       });
     }
   }
-  if (bytes_in_use() != before) std::abort();  // a view that nobody released
+  if (bytes_in_use() != before) std::abort();  // a leaked view
   return 0;
 }

@@ -1,4 +1,4 @@
-// MIT License. Has the effect restore any bytes, and then save, list and play what it made of them.
+// MIT License. Makes the effect restore arbitrary bytes, then save, list and play the result.
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -22,7 +22,7 @@ class fuzzed_effect {
     recording.running = false;
   }
 
-  // Programs only become more.
+  // The number of programs only grows.
   bool worn() { return effect_.getAeffect()->numPrograms > k_most_programs; }
 
   void restore(const uint8_t* bytes, size_t size, bool single_program) {
@@ -30,7 +30,7 @@ class fuzzed_effect {
     effect_.setChunk(copy.data(), static_cast<VstInt32>(size), single_program);
   }
 
-  // What is saved must be restored to the same.
+  // Saved state has to restore to the same state.
   void save(bool single_program) {
     const std::string first = saved(single_program);
     if (first.empty()) return;
@@ -66,7 +66,8 @@ class fuzzed_effect {
 
 }  // namespace
 
-// The first byte says how, the others are the state.
+// The last byte says how, the others are the state. (The readers ignore bytes after an image, so that both fuzzers
+// share their seeds.)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   static std::unique_ptr<fuzzed_effect> effect;
   if (size == 0) return 0;
@@ -74,12 +75,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     effect.reset();  // one host at a time
     effect = std::make_unique<fuzzed_effect>();
   }
-  const bool single_program = (bytes[0] & 1) != 0;
-  effect->restore(bytes + 1, size - 1, single_program);
+  const uint8_t order = bytes[size - 1];
+  const bool single_program = (order & 1) != 0;
+  effect->restore(bytes, size - 1, single_program);
   effect->list_names();
   effect->play();
   effect->save(single_program);
-  effect->change_program(bytes[0] >> 1);
+  effect->change_program(order >> 1);
   effect->save(!single_program);
   return 0;
 }

@@ -1,4 +1,4 @@
-// MIT License. The effect in front of an engine that only records, with a host and a gate that tests can bend.
+// MIT License. The effect in front of an engine that only records, with a host and a gate under the control of tests.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 #include "tests/plugin/recording_engine.h"
 #include "tests/plugin/test_host.h"
 
-// Refuses one category, and may have no token for the others.
+// Can refuse a category, or pass it without a token.
 class choosy_gate : public built_in_activation_gate {
  public:
   bool passes(int32_t category_id) const override {
@@ -51,7 +51,13 @@ class Effect : public testing::Test {
     return block;
   }
 
-  // What the engine was called for in one block.
+  // The name of a program by its number, or "false".
+  std::string name_of(VstInt32 index) {
+    char text[kVstMaxProgNameLen + 1] = "untouched";
+    return effect.getProgramNameIndexed(0, index, text) ? text : "false";
+  }
+
+  // The engine calls of one block.
   std::vector<std::string> calls_of_block() {
     recording.calls.clear();
     run_block();

@@ -48,18 +48,6 @@ void shake_hands(AEffect* effect) {
   for (;;) pause();
 }
 
-// The heap finds out with its lock held. Another thread makes it use its lock.
-[[noreturn]] void free_twice() {
-  load();
-  std::thread(wait_for_the_end).detach();
-  void* volatile large = std::malloc(5000);
-  void* volatile behind = std::malloc(5000);
-  std::free(large);
-  std::free(large);
-  std::free(behind);
-  std::abort();  // where a sanitizer's heap doesn't mind
-}
-
 // NOLINTNEXTLINE(misc-no-recursion)
 [[gnu::noinline]] int sink(int floor) {
   volatile char frame[4096];
@@ -99,7 +87,7 @@ void shake_hands(AEffect* effect) {
 
 AEffect* late_effect = nullptr;
 
-// Runs behind the exit routines of everything that was loaded later than this was registered.
+// Runs after the exit routines of everything that was loaded later than it was registered.
 void use_the_effect_at_the_end() {
   shake_hands(late_effect);
   std::array<char, 64> damaged{'C', 'c', 'n', 'K', 0x7F};
@@ -137,7 +125,6 @@ int main(int count, char** arguments) {
   entry = reinterpret_cast<VSTPluginMainProc>(dlsym(module, "VSTPluginMain"));
   constexpr rlimit no_core{0, 0};
   setrlimit(RLIMIT_CORE, &no_core);
-  if (deed == "free-twice") free_twice();
   if (deed == "overflow") overflow_the_stack();
   if (deed == "terminate") be_terminated_while_threads_allocate();
   if (deed == "no-descriptors") run_out_of_descriptors();

@@ -2,8 +2,6 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <cmath>
 #include <csignal>
 #include <cstring>
 #include <memory>
@@ -17,8 +15,6 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_opt
 }
 
 namespace {
-
-using testing::Each;
 
 struct effect_ender {
   void operator()(AEffect* effect) const { EXPECT_EQ(effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F), 1); }
@@ -45,12 +41,12 @@ class Module : public testing::Test {
   VSTPluginMainProc entry_ = nullptr;
 };
 
-VstIntPtr call(const effect_ptr& effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-               float opt = 0.0F) {
-  return effect->dispatcher(effect.get(), opcode, index, value, ptr, opt);
+VstIntPtr call(const effect_ptr& effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
+               void* ptr = nullptr) {
+  return effect->dispatcher(effect.get(), opcode, index, value, ptr, 0.0F);
 }
 
-// The text that an opcode writes, between guards that it must leave alone behind `capacity` bytes.
+// The text that an opcode writes, which has to leave alone what follows `capacity` bytes.
 std::string text_of(const effect_ptr& effect, VstInt32 opcode, size_t capacity, VstInt32 index = 0) {
   char buffer[256];
   std::memset(buffer, '#', sizeof(buffer));
@@ -59,11 +55,8 @@ std::string text_of(const effect_ptr& effect, VstInt32 opcode, size_t capacity, 
   return buffer;
 }
 
-TEST_F(Module, ExportsOneFunctionUnderTwoNames) {
+TEST_F(Module, ExportsOneFunctionUnderTwoNamesAndNothingElse) {
   EXPECT_EQ(symbol("VSTPluginMain"), symbol("MAIN"));
-}
-
-TEST_F(Module, ExportsNothingElse) {
   FILE* const names = popen("nm -D --defined-only --format=just-symbols '" KESREL_MODULE_PATH "' | sort", "r");
   ASSERT_NE(names, nullptr);
   char listed[4096] = {};
@@ -73,19 +66,16 @@ TEST_F(Module, ExportsNothingElse) {
 }
 
 TEST_F(Module, RefusesHostsThatAreTooOld) {
-  for (const VstIntPtr version : {0, 1}) {
-    test_host host(version);
-    EXPECT_EQ(load(), nullptr);
-  }
   EXPECT_EQ(load(nullptr), nullptr);
-  test_host host(2);
-  EXPECT_NE(load(), nullptr);
+  for (const VstIntPtr version : {0, 1, 2}) {
+    test_host host(version);
+    EXPECT_EQ(load() != nullptr, version == 2);
+  }
 }
 
 TEST_F(Module, HasItsIdentity) {
   test_host host;
   const effect_ptr effect = load();
-  EXPECT_EQ(effect->magic, kEffectMagic);
   EXPECT_EQ(effect->uniqueID, 0x4B56344D);  // 'KV4M'
   EXPECT_EQ(effect->version, 1);
   EXPECT_EQ(effect->numPrograms, 24);
@@ -93,51 +83,11 @@ TEST_F(Module, HasItsIdentity) {
   EXPECT_EQ(effect->numInputs, 2);
   EXPECT_EQ(effect->numOutputs, 2);
   EXPECT_EQ(effect->flags, effFlagsCanReplacing | effFlagsProgramChunks);
-  EXPECT_EQ(effect->initialDelay, 0);
   EXPECT_EQ(text_of(effect, effGetEffectName, 33), "Kesrel Vocoder 4 ME");
   EXPECT_EQ(text_of(effect, effGetVendorString, 65), "Quorvant");
   EXPECT_EQ(text_of(effect, effGetProductString, 65), "Kesrel Vocoder 4 ME");
-}
-
-TEST_F(Module, AnswersTheHostsQuestions) {
-  test_host host;
-  const effect_ptr effect = load();
-  struct question {
-    VstInt32 opcode;
-    VstIntPtr value, answer;
-  };
-  // clang-format off
-  const question questions[] = {
-      {effOpen,                       0,          0},
-      {effSetBlockSize,             512,          0},
-      {effMainsChanged,               1,          0},
-      {effMainsChanged,               0,          0},
-      {effEditOpen,                   0,          0},
-      {effEditGetRect,                0,          0},
-      {effIdentify,                   0, 0x4E764566},
-      {effProcessEvents,              0,          0},
-      {effCanBeAutomated,             0,          1},
-      {effGetPlugCategory,            0,          0},
-      {effSetBypass,                  1,          0},
-      {effGetVendorVersion,           0,          0},
-      {effVendorSpecific,             1,          0},
-      {effGetTailSize,                0,          0},
-      {effGetVstVersion,              0,       2400},
-      {effGetNumMidiInputChannels,    0,          0},
-      {effGetNumMidiOutputChannels,   0,          0},
-  };
-  // clang-format on
-  for (const question& asked : questions) {
-    EXPECT_EQ(call(effect, asked.opcode, 0, asked.value), asked.answer) << "opcode " << asked.opcode;
-  }
-}
-
-TEST_F(Module, KeepsItsProgramBelowTwentyFour) {
-  test_host host;
-  const effect_ptr effect = load();
-  call(effect, effSetProgram, 0, 23);
-  call(effect, effSetProgram, 0, 24);
-  EXPECT_EQ(call(effect, effGetProgram), 23);
+  EXPECT_EQ(call(effect, effSetBypass, 0, 1), 0);
+  EXPECT_EQ(call(effect, effGetVstVersion), 2400);
 }
 
 TEST_F(Module, SaysWhatItCanDo) {
@@ -148,93 +98,29 @@ TEST_F(Module, SaysWhatItCanDo) {
        {"receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"}) {
     EXPECT_EQ(can_do(word), 1) << word;
   }
-  for (const char* word : {"receiveVstMidiEvent", "bypass", "1in1out", "2in2outX", "2in2ou", ""}) {
-    EXPECT_EQ(can_do(word), -1) << word;
-  }
-  EXPECT_EQ(call(effect, effCanDo), -1) << "no word at all";
+  for (const char* word : {"receiveVstMidiEvent", "2in2outX", "2in2ou", ""}) EXPECT_EQ(can_do(word), -1) << word;
+  EXPECT_EQ(can_do(nullptr), -1);
 }
 
 TEST_F(Module, HasThreeParametersWithNames) {
   test_host host;
   const effect_ptr effect = load();
-  const std::string names[] = {"ChorusOn", "ReverbOn", "OctaveOn", ""};
-  for (VstInt32 index = 0; index < 4; ++index) {
-    EXPECT_EQ(text_of(effect, effGetParamName, 9, index), names[index]);
-    EXPECT_EQ(text_of(effect, effGetParamLabel, 9, index), "");
-    EXPECT_EQ(text_of(effect, effGetParamDisplay, 9, index), "");
+  const std::string names[] = {"", "ChorusOn", "ReverbOn", "OctaveOn", ""};
+  for (VstInt32 index = -1; index < 4; ++index) {
+    EXPECT_EQ(text_of(effect, effGetParamName, 9, index), names[index + 1]);
     EXPECT_EQ(effect->getParameter(effect.get(), index), 0.0F);
     effect->setParameter(effect.get(), index, 0.5F);
-    EXPECT_EQ(effect->getParameter(effect.get(), index), index < 3 ? 0.5F : 0.0F);
+    EXPECT_EQ(effect->getParameter(effect.get(), index), index >= 0 && index < 3 ? 0.5F : 0.0F);
   }
-  effect->setParameter(effect.get(), -1, 1.0F);
-  EXPECT_EQ(effect->getParameter(effect.get(), -1), 0.0F);
-  EXPECT_EQ(text_of(effect, effGetParamName, 9, -1), "");
 }
 
-TEST_F(Module, WritesNoTextToNowhere) {
+TEST_F(Module, SurvivesEveryOpcodeWithoutAPointer) {
   test_host host;
   const effect_ptr effect = load();
   for (VstInt32 opcode = effOpen; opcode < effGetNumMidiOutputChannels + 20; ++opcode) {
-    if (opcode == effClose || opcode == effCanDo) continue;
+    if (opcode == effClose) continue;
     for (const VstInt32 index : {0, 1}) call(effect, opcode, index);
   }
-  for (const VstInt32 opcode : {effGetProgramName, effGetParamName, effGetProgramNameIndexed, effGetEffectName,
-                                effGetVendorString, effGetProductString}) {
-    EXPECT_EQ(call(effect, opcode), 0) << "opcode " << opcode;
-  }
-}
-
-TEST_F(Module, IsSilentUntilTheHandshakeAndThenSings) {
-  test_host host;
-  const effect_ptr effect = load();
-  call(effect, effSetSampleRate, 0, 0, nullptr, 48000.0F);
-  stereo_block block(100);
-  block.run(effect.get());
-  EXPECT_THAT(block.out_left, Each(0.0F));
-  EXPECT_THAT(block.out_right, Each(0.0F));
-
-  EXPECT_EQ(call(effect, effVendorSpecific, k_handshake_id, 1), 1);
-  float loudest = 0.0F;
-  for (int run = 0; run < 200; ++run) {
-    block.run(effect.get());
-    for (const float sample : block.out_left) loudest = std::max(loudest, std::abs(sample));
-  }
-  EXPECT_GT(loudest, 0.0F);
-  EXPECT_NE(block.out_left, block.left);
-}
-
-TEST_F(Module, TakesSpeakerArrangementsFromValueAndPointer) {
-  test_host host;
-  const effect_ptr effect = load();
-  VstSpeakerArrangement mono{}, stereo{}, surround{};
-  mono.numChannels = 1;
-  stereo.numChannels = 2;
-  surround.numChannels = 3;
-  const auto arrange = [&](VstSpeakerArrangement* input, VstSpeakerArrangement* output) {
-    return call(effect, effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(input), output);
-  };
-  EXPECT_EQ(arrange(&mono, &stereo), 1);
-  EXPECT_EQ(arrange(&surround, &stereo), 0);
-  EXPECT_EQ(arrange(&stereo, &surround), 0);
-
-  VstSpeakerArrangement *input = &mono, *output = &mono;
-  EXPECT_EQ(call(effect, effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&input), &output), 0);
-  EXPECT_EQ(input, nullptr);
-  EXPECT_EQ(output, nullptr);
-}
-
-TEST_F(Module, KeepsTwoEffectsApart) {
-  test_host host;
-  const effect_ptr first = load();
-  const effect_ptr second = load();
-  first->setParameter(first.get(), 0, 1.0F);
-  EXPECT_EQ(second->getParameter(second.get(), 0), 0.0F);
-  call(first, effVendorSpecific, k_handshake_id, 1);
-  stereo_block block(16);
-  block.run(second.get());
-  EXPECT_THAT(block.out_left, Each(0.0F));
-  block.run(first.get());
-  EXPECT_NE(block.out_left, stereo_block(16).out_left) << "the first one has written";
 }
 
 using ModuleDeathTest = Module;

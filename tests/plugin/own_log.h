@@ -1,15 +1,16 @@
-// MIT License. A log folder of the test's own, and a look at what the plug-in writes there.
+// MIT License. A log folder for the tests, and what the plug-in writes there.
 #pragma once
 
 #include <string>
 
-// Every program that links own_log.cpp has an application data folder of its own, which goes with it.
+// Every program that links own_log.cpp has an application data folder of its own, removed at its end.
 
-// How many crashes the log files of a data folder tell of, the program's own by default. They may be those of modules
-// and of child processes.
+// Number of crashes in the log files of a data folder, the program's own by default. They may be those of modules and
+// of child processes.
 long logged_crashes(const std::string& application_data = "");
 
-// What this program's own code logs while it lives: each text with a line feed behind it, without time and level.
+// What this program's own code has logged since the object was made: each text followed by a line feed, without time
+// and level.
 class log_capture {
  public:
   log_capture() : earlier_(own_texts()) {}

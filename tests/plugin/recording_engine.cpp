@@ -1,5 +1,4 @@
-// MIT License. Stands in for the engine: these definitions leave the linker nothing to look for in the engine's
-// archive.
+// MIT License. Replaces the engine: with these definitions the linker takes nothing from the engine's archive.
 #include "tests/plugin/recording_engine.h"
 
 #include <algorithm>

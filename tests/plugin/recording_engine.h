@@ -1,4 +1,4 @@
-// MIT License. Stands in for the engine in the tests of the shell and keeps what it is asked to do.
+// MIT License. Replaces the engine in the tests of the shell and records its calls.
 #pragma once
 
 #include <string>
@@ -24,6 +24,6 @@ struct engine_recording {
 };
 extern engine_recording recording;
 
-// What a block writes once the instance has taken a sound, to the left and the right output.
+// Samples that a block writes to the left and right output once the instance has a sound.
 constexpr float k_recorded_left = 0.25F;
 constexpr float k_recorded_right = 0.5F;

@@ -11,7 +11,7 @@
 
 constexpr VstInt32 k_handshake_id = 0x4B564873;  // 'KVHs'
 
-// Answers audioMasterVersion and keeps what it is told. One at a time, as the interface's callback carries no context.
+// Answers audioMasterVersion and records automation. One at a time, as the interface's callback carries no context.
 class test_host {
  public:
   explicit test_host(VstIntPtr answered_version = 2400) : version_(answered_version) { current_ = this; }
@@ -36,7 +36,7 @@ class test_host {
   static inline test_host* current_ = nullptr;
 };
 
-// One stereo block whose outputs start as 9, which no test signal holds.
+// One stereo block, whose outputs start as 9, which no test signal contains.
 struct stereo_block {
   explicit stereo_block(int32_t frame_count) : frames(frame_count) {
     left.reserve(1);  // no null pointers, even without frames

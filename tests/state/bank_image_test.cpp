@@ -3,7 +3,12 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "state/program_record.h"
+
+extern const signed char format_description[];
+extern const unsigned int format_description_size;
 
 namespace {
 
@@ -32,32 +37,33 @@ image_bytes with_number(const image_bytes& image, size_t offset, uint32_t number
   return changed;
 }
 
-TEST(BankImage, HasTheBytesOfTheFormat) {
-  const image_bytes image = two_programs();
-  const std::string bytes(reinterpret_cast<const char*>(image->bytes()), image->size());
-  const size_t payload = 8 + named("one").size() + 8 + named("second").size();
-  ASSERT_EQ(bytes.size(), 160 + payload);
-  EXPECT_EQ(bytes.substr(0, 4), "CcnK");
-  EXPECT_EQ(bytes.substr(4, 4),
-            std::string("\0\0", 2) + static_cast<char>((152 + payload) >> 8) + static_cast<char>(152 + payload));
-  EXPECT_EQ(bytes.substr(8, 24), std::string("hCBF\0\0\0\1KV4M\0\0\0\1\0\0\0\2\0\0\0\1", 24));
-  EXPECT_EQ(bytes.substr(32, 124), std::string(124, '\0'));
-  EXPECT_EQ(bytes.substr(156, 4), std::string("\0\0\0", 3) + static_cast<char>(payload));
-  EXPECT_EQ(bytes.substr(160, 4), "KVLP");
+// The bytes of the example in FORMAT.md: indented lines of an offset, bytes and, from column 59 on, a remark.
+std::string example_of_the_format() {
+  std::istringstream lines({reinterpret_cast<const char*>(format_description), format_description_size});
+  std::string bytes;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("    " + std::to_string(bytes.size()) + " ")) continue;
+    std::istringstream words(line.substr(10, 49));
+    for (std::string word; words >> word;) {
+      const bool repeats = word.front() == 'x';
+      const auto count = repeats ? std::stoul(word.substr(1)) - 1 : 1;
+      bytes.append(count, repeats ? bytes.back() : static_cast<char>(std::stoi(word, nullptr, 16)));
+    }
+  }
+  return bytes;
 }
 
-TEST(BankImage, OfASingleProgramHoldsOneRecord) {
-  const image_bytes image = single_program_image(k_identity, 7, named("alone"));
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(image->bytes()) + 8, 24),
-            std::string("hCPF\0\0\0\1KV4M\0\0\0\1\0\0\0\1\0\0\0\7", 24));
-  auto opened = open_image(image, image_kind::single_program, k_identity);
-  ASSERT_TRUE(opened);
-  chunks::chunk read;
-  opened->programs.next(&read);
-  EXPECT_EQ(state::read_program_name(read), "alone");
+TEST(BankImage, IsTheExampleOfItsDescription) {
+  state::program mine;
+  mine.name = "Mine";
+  mine.sound_uuid = "quorvant.electronica_hook_vocoders.Miogua";
+  mine.reverb_on = true;
+  for (const size_t key : {12U, 16U, 19U}) mine.keys[key] = 1;
+  const image_bytes image = single_program_image(k_identity, 7, to_chunk(mine));
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(image->bytes()), image->size()), example_of_the_format());
 }
 
-TEST(BankImage, OpensAtItsFirstProgramWhateverStandsInTheReservedFields) {
+TEST(BankImage, OpensAtItsFirstProgramWhateverTheReservedFieldsHold) {
   auto image = with_number(with_number(two_programs(), 100, 0xDEADBEEF), 156, 3);
   image->append("trailing", 8);
   auto opened = open_image(image, image_kind::bank, k_identity);
@@ -72,7 +78,7 @@ TEST(BankImage, OpensAtItsFirstProgramWhateverStandsInTheReservedFields) {
   EXPECT_THROW(opened->programs.next(&read), err::runtime_error);
 }
 
-TEST(BankImage, OfSomethingElseIsNotOpened) {
+TEST(BankImage, OfAnotherKindPluginOrFormatIsNotOpened) {
   const auto image = two_programs();
   EXPECT_FALSE(open_image(image, image_kind::single_program, k_identity));
   EXPECT_FALSE(open_image(image, image_kind::bank, {k_identity.id, 2}));
@@ -83,7 +89,7 @@ TEST(BankImage, OfSomethingElseIsNotOpened) {
   EXPECT_TRUE(open_image(with_number(image, 12, 0), image_kind::bank, k_identity));
 }
 
-TEST(BankImage, CutAtAnyLengthIsRefusedWithoutHarm) {
+TEST(BankImage, IsRefusedWhereverItIsCut) {
   const auto image = two_programs();
   for (uint64_t length = 0; length < image->size(); ++length) {
     image_bytes cut(new memory::byte_block);

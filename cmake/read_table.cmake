@@ -1,0 +1,21 @@
+# read_table(FILE COLUMN_COUNT PREFIX)
+#   Reads a table of comma-separated cells. Blank lines and those that begin with # are skipped, and so is the first other
+#   line, the headings. Sets PREFIX_count, and for row 0 on PREFIX_<row>, the list of its trimmed cells. A row with
+#   another number of cells stops the build.
+function(read_table file column_count prefix)
+  file(STRINGS ${file} rows REGEX "^[^#]")
+  list(FILTER rows EXCLUDE REGEX "^ *$")
+  list(POP_FRONT rows headings)
+  set(index 0)
+  foreach(row IN LISTS rows)
+    string(REPLACE "," ";" cells "${row}")
+    list(LENGTH cells count)
+    if(NOT count EQUAL column_count)
+      message(FATAL_ERROR "${file}: a row has ${count} columns, not ${column_count}: ${row}")
+    endif()
+    list(TRANSFORM cells STRIP)
+    set(${prefix}_${index} "${cells}" PARENT_SCOPE)
+    math(EXPR index "${index} + 1")
+  endforeach()
+  set(${prefix}_count ${index} PARENT_SCOPE)
+endfunction()
