@@ -57,7 +57,8 @@ void commit_synthesizer(const voco_params& params, voco_state* state) {
   auto& synth = state->synth_params;
   const float core_rate = params[param_core_rate];
   synth[wsyn_param_rate_ratio] = core_rate <= 0.0F ? 1.0F : static_cast<float>(core_sample_rate_hz) / core_rate;
-  for (const synthesizer_place& entry : synthesizer_places) synth[entry.synth] = params[entry.param];
+  for (const synthesizer_place& entry : synthesizer_places)
+    synth[static_cast<size_t>(entry.synth)] = params[static_cast<size_t>(entry.param)];
   wsyn_commit(synth.data(), &state->synth);
 }
 

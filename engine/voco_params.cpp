@@ -1,6 +1,8 @@
 // MIT License.
 #include "engine/voco_params.h"
 
+#include <cstddef>
+
 namespace {
 
 struct place {
@@ -51,7 +53,7 @@ constexpr place places[] = {
 
 voco_params voco_params_from(const sound_values& values, float chorus, float core_rate) {
   voco_params params{};
-  for (const place& entry : places) params[entry.param] = values[entry.value];
+  for (const place& entry : places) params[static_cast<size_t>(entry.param)] = values[static_cast<size_t>(entry.value)];
   params[param_chorus] = chorus;
   params[param_core_rate] = core_rate;
   return params;
