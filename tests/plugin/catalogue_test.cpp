@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "plugin/activation_gate.h"
 #include "plugin/program_bank.h"
 #include "tests/words/hash.h"
 
@@ -46,6 +47,12 @@ TEST_F(Catalogue, KeepsItsSounds) {
   EXPECT_EQ(fingerprint(sounds), 0xE2C62B6B82F9D2E2U) << sounds;
   EXPECT_EQ(catalogue.row_at(9)->uuid, "quorvant.factory.Dark_Classic_Ring_Mod") << "without its name's hyphen";
   EXPECT_EQ(catalogue.row_at(65)->root_key, 60);
+}
+
+TEST(BuiltInActivationGate, PassesTheFactoryCategoriesOnly) {
+  const built_in_activation_gate gate;
+  for (const int32_t id : {1, 10001, 10002}) EXPECT_TRUE(gate.passes(id));
+  EXPECT_FALSE(gate.passes(2));
 }
 
 TEST(BuiltInPrograms, KeepTheirNamesAndSounds) {
