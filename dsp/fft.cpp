@@ -21,10 +21,10 @@ constexpr int forward = -1;
 constexpr int inverse = 1;
 
 // [i] is i with its eight bits in reverse.
-constexpr std::array<uint8_t, 256> k_reversed_byte = [] {
+constexpr std::array<uint8_t, 256> reversed_byte = [] {
   std::array<uint8_t, 256> table{};
   for (unsigned i = 0; i < table.size(); ++i) {
-    for (unsigned bit = 0; bit < 8; ++bit) table[i] |= static_cast<uint8_t>(((i >> bit) & 1u) << (7 - bit));
+    for (unsigned bit = 0; bit < 8; ++bit) table[i] |= static_cast<uint8_t>(((i >> bit) & 1U) << (7 - bit));
   }
   return table;
 }();
@@ -66,10 +66,10 @@ void permute_and_first_stage(int32_t log2_size, float* data) {
   const int32_t high_shift = half_bits + log2_size % 2;
   const float4 scale = splat(static_cast<float>(1.0 / size));
   for (int32_t high = 0; high < 1 << half_bits; ++high) {
-    const int32_t reversed_high = k_reversed_byte[static_cast<size_t>(high)] >> shift;
+    const int32_t reversed_high = reversed_byte[static_cast<size_t>(high)] >> shift;
     for (int32_t middle = 0; middle < middle_count; ++middle) {
       for (int32_t low = 0; low < 1 << half_bits; ++low) {
-        const int32_t reversed_low = k_reversed_byte[static_cast<size_t>(low)] >> shift;
+        const int32_t reversed_low = reversed_byte[static_cast<size_t>(low)] >> shift;
         const int32_t m = high << high_shift | middle << half_bits | low;
         const int32_t partner = reversed_low << high_shift | middle << half_bits | reversed_high;
         if (partner < m) continue;  // exchanged before
@@ -92,7 +92,7 @@ float4 swap_parts(float4 points) {
 template <int direction>
 float4 turn_span2(float4 points) {
   constexpr float sign = direction;
-  return __builtin_shufflevector(points, points, 0, 1, 3, 2) * float4{1.0f, 1.0f, -sign, sign};
+  return __builtin_shufflevector(points, points, 0, 1, 3, 2) * float4{1.0F, 1.0F, -sign, sign};
 }
 
 template <int direction>
@@ -109,7 +109,7 @@ void radix2_stage(int32_t size, float* data) {
 template <int direction>
 void radix4_stage(int32_t size, float* data) {
   constexpr float sign = direction;
-  constexpr float r = 0.70710677f;  // sqrt(1/2)
+  constexpr float r = 0.70710677F;  // sqrt(1/2)
   for (float* block = data; block < data + 2 * size; block += 16) {
     const float4 a = load4(block);
     const float4 b = turn_span2<direction>(load4(block + 4));
@@ -120,9 +120,9 @@ void radix4_stage(int32_t size, float* data) {
     const float4 odd0 = c + d;
     const float4 odd1 = c - d;
     // Twiddles of span 4: eighths 0 and 1 of a turn, then 2 and 3.
-    const float4 turned0 = odd0 * float4{1.0f, 1.0f, r, r} + swap_parts(odd0) * float4{0.0f, 0.0f, -sign * r, sign * r};
+    const float4 turned0 = odd0 * float4{1.0F, 1.0F, r, r} + swap_parts(odd0) * float4{0.0F, 0.0F, -sign * r, sign * r};
     const float4 turned1 =
-        odd1 * float4{0.0f, 0.0f, -r, -r} + swap_parts(odd1) * float4{-sign, sign, -sign * r, sign * r};
+        odd1 * float4{0.0F, 0.0F, -r, -r} + swap_parts(odd1) * float4{-sign, sign, -sign * r, sign * r};
     store4(even0 + turned0, block);
     store4(even1 + turned1, block + 4);
     store4(even0 - turned0, block + 8);
@@ -218,8 +218,8 @@ inline void butterfly(const twiddle& w, points& a, points& b) {
     turned.im = b.im * w.cosine + b.re * w.sine;
   }
   const points difference = {a.re - turned.re, a.im - turned.im};
-  a.re = 2.0f * a.re - difference.re;
-  a.im = 2.0f * a.im - difference.im;
+  a.re = 2.0F * a.re - difference.re;
+  a.im = 2.0F * a.im - difference.im;
   b = difference;
 }
 

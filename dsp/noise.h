@@ -13,6 +13,6 @@
 //            odd and the multiplier is 1 modulo 4 (Knuth, The Art of Computer Programming 2, theorem 3.2.1.2 A). The
 //            low bits of such a generator are poor and are left out
 inline int32_t noise_rand() {
-  noise_state = noise_state * 214013u + 2531011u;
-  return static_cast<int32_t>((noise_state >> 16) & 0x7fffu);
+  noise_state = noise_state * 214013U + 2531011U;
+  return static_cast<int32_t>((noise_state >> 16) & 0x7fffU);
 }

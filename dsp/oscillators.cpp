@@ -91,8 +91,8 @@ void load_voice_wave(const oscillator& o, wsyn_state* state) {
 // Everything that stays as it is for the life of the record.
 void first_commit(wsyn_state* state) {
   state->magic = wsyn_magic;
-  state->bend = 1.0f;
-  state->output_level = 1.0f;
+  state->bend = 1.0F;
+  state->output_level = 1.0F;
   wsyn_build_loops(state);
   for (const oscillator& o : oscillators) load_voice_wave(o, state);
   wsyn_build_sine_table(state);
@@ -101,8 +101,8 @@ void first_commit(wsyn_state* state) {
 // Loads what has changed. A change of mode reloads both oscillators, as the tables of the other kind may be stale. A
 // mode that isn't a number loads nothing.
 void commit_table(const float* params, bool mode_changed, const oscillator& o, wsyn_state* state) {
-  const bool loops = state->mode >= 0.5f;
-  const bool shapes = state->mode < 0.5f;
+  const bool loops = state->mode >= 0.5F;
+  const bool shapes = state->mode < 0.5F;
   const int32_t wanted = truncate_to_int32(params[o.wave_select_param]);
   const bool reload = mode_changed || state->initialised == 0 || wanted != state->*o.wave;
   if (!reload || !(loops || shapes)) return;
@@ -116,21 +116,21 @@ void commit_controls(const float* params, const oscillator& o, wsyn_state* state
   state->*o.pitch_source = params[o.pitch_source_param];
   state->*o.pitch_depth = params[o.pitch_depth_param];
   state->*o.lfo_control = params[o.lfo_rate_param];
-  state->*o.lfo_step = state->*o.lfo_control * state->*o.lfo_control * 128.0f;
+  state->*o.lfo_step = state->*o.lfo_control * state->*o.lfo_control * 128.0F;
 }
 
 float octave_divisor(int32_t octave) {
   switch (octave) {
     case -2:
-      return 4.0f;
+      return 4.0F;
     case -1:
-      return 2.0f;
+      return 2.0F;
     case 1:
-      return 0.5f;
+      return 0.5F;
     case 2:
-      return 0.25f;
+      return 0.25F;
     default:
-      return 1.0f;
+      return 1.0F;
   }
 }
 
@@ -145,15 +145,15 @@ double base_step(float scaled_pitch) {
 // A pitch correction that depends on what is played: loops are brought to their root key, shapes 2 cents down.
 double tuning_offset(float mode, float wave_select) {
   constexpr double shape_offset = -0.0016666666666666668;
-  if (!(mode > 0.5f)) return shape_offset;
+  if (!(mode > 0.5F)) return shape_offset;
   const int32_t wave = truncate_to_int32(wave_select);
   return wave >= 0 && wave < sample_loop_count ? sample_loops[static_cast<size_t>(wave)].octave_offset : 0.0;
 }
 
 // Octaves. The rounding of each product to float is part of the tuning.
 double tune(float coarse, float fine, double offset) {
-  const float fine_octaves = fine * 0.00083333335f;    // 1 / 1200
-  const float coarse_octaves = coarse * 0.083333336f;  // 1 / 12
+  const float fine_octaves = fine * 0.00083333335F;    // 1 / 1200
+  const float coarse_octaves = coarse * 0.083333336F;  // 1 / 12
   return static_cast<double>(fine_octaves) + static_cast<double>(coarse_octaves) + offset;
 }
 
@@ -182,22 +182,22 @@ void commit_common(const float* params, wsyn_state* state) {
 // --- Filter ---
 
 float smoothed_cutoff(const wsyn_state& state) {
-  return (state.cutoff_now * 3000.0f + state.cutoff_target) * 0.00033322227f;  // 1 / 3001
+  return (state.cutoff_now * 3000.0F + state.cutoff_target) * 0.00033322227F;  // 1 / 3001
 }
 
 void derive_filter(wsyn_state* state) {
   const float c = state->cutoff_now;
-  const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0f - c), 6.0)) * 100.0f;
+  const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0F - c), 6.0)) * 100.0F;
   state->filter_feedback = feedback;
-  state->filter_scale = 1.0f / (feedback + 1.0f);
-  state->filter_amount = (c + 1.0f) * 0.5f * state->filter_gain;
+  state->filter_scale = 1.0F / (feedback + 1.0F);
+  state->filter_amount = (c + 1.0F) * 0.5F * state->filter_gain;
 }
 
 void commit_filter(const float* params, wsyn_state* state) {
   const float resonance = params[wsyn_param_resonance];
-  state->cutoff_target = params[wsyn_param_cutoff] * 0.8f;
-  state->filter_gain = static_cast<float>((resonance * 2.0f - resonance * resonance) * 2.2079999999999997);
-  state->shaper_drive = params[wsyn_param_drive] * 4.0f;
+  state->cutoff_target = params[wsyn_param_cutoff] * 0.8F;
+  state->filter_gain = static_cast<float>((resonance * 2.0F - resonance * resonance) * 2.2079999999999997);
+  state->shaper_drive = params[wsyn_param_drive] * 4.0F;
   state->cutoff_now = smoothed_cutoff(*state);
   derive_filter(state);
 }
@@ -205,7 +205,7 @@ void commit_filter(const float* params, wsyn_state* state) {
 // --- Rendering ---
 
 // Wraps a step short of the cycle's 1024, which makes the shapes sound 1.7 cents sharp; shapes are tuned down for it.
-constexpr float k_shape_wrap = 1023.0f;
+constexpr float shape_wrap = 1023.0F;
 
 // What the render functions differ in.
 enum class coupling { free, sync };
@@ -214,7 +214,7 @@ enum class mixing { sum, ring };
 // Entries by which a phase moves per sample.
 float phase_step(double modulation, float ratio, const wsyn_state& state) {
   const double step = static_cast<double>(state.bend) * modulation * static_cast<double>(ratio) * state.base_step;
-  return std::fabs(static_cast<float>(step)) * (1.0f / state.octave_divisor);
+  return std::fabs(static_cast<float>(step)) * (1.0F / state.octave_divisor);
 }
 
 // Linear interpolation at two phases; 0 where the table has no two neighbours.
@@ -242,8 +242,8 @@ long2 advance(double2 step, double wrap, double2* phase) {
 
 // Waveshaper of odd symmetry around |y| = 0.5; it leaves |y| of 0.25, 0.5 and 0.75 alone.
 float4 shaped(double2 y01, double2 y23, float drive) {
-  const float4 s = magnitude(joined(narrowed(y01), narrowed(y23))) - 0.5f;
-  const float4 change = (magnitude(s) - 0.25f) * drive * s;
+  const float4 s = magnitude(joined(narrowed(y01), narrowed(y23))) - 0.5F;
+  const float4 change = (magnitude(s) - 0.25F) * drive * s;
   return joined(narrowed(y01 + widened(lower(change))), narrowed(y23 + widened(upper(change))));
 }
 
@@ -288,7 +288,7 @@ struct renderer {
 
 template <coupling oscillators, mixing mix>
 auto shape_renderer(const wsyn_state& state) {
-  return renderer<wsyn_shape_entries, oscillators, mix>{state.shape1, state.shape2, k_shape_wrap, k_shape_wrap};
+  return renderer<wsyn_shape_entries, oscillators, mix>{state.shape1, state.shape2, shape_wrap, shape_wrap};
 }
 
 auto loop_renderer(const wsyn_state& state) {
@@ -363,18 +363,18 @@ double pitch_modulation(float level, int32_t crossings, const oscillator& o, wsy
   constexpr double per_crossing = 0.01594387755102041;  // 1 / 62.72
   const float source = state->*o.pitch_source;
   const double depth = double{state->*o.pitch_depth};
-  if (source == 0.0f) return lfo_value(*state, state->*o.lfo_step, &(state->*o.lfo_phase)) * depth + 1.0;
-  if (source == 1.0f) return static_cast<double>(level) * depth + 1.0;
-  if (source == 2.0f) return static_cast<double>(static_cast<float>(crossings * per_crossing)) * depth + 1.0;
+  if (source == 0.0F) return lfo_value(*state, state->*o.lfo_step, &(state->*o.lfo_phase)) * depth + 1.0;
+  if (source == 1.0F) return static_cast<double>(level) * depth + 1.0;
+  if (source == 2.0F) return static_cast<double>(static_cast<float>(crossings * per_crossing)) * depth + 1.0;
   return 1.0;
 }
 
 // Wrapping takes one wrap length off a phase per sample. From beyond this limit, which the level of a hot modulator can
 // reach, that would take longer than 0.7 s, or for ever where the subtraction is lost in rounding.
-constexpr float furthest_phase = 0x1p25f;
+constexpr float furthest_phase = 0x1p25F;
 
 float phase_or_start(float phase) {
-  return phase <= furthest_phase ? phase : 0.0f;  // NaN isn't
+  return phase <= furthest_phase ? phase : 0.0F;  // NaN isn't
 }
 
 void restart_lost_phases(wsyn_state* state) {
@@ -405,13 +405,13 @@ void wsyn_commit(const float* params, wsyn_state* state) {
 
 void wsyn_select_render(wsyn_state* state) {
   if (state->render == nullptr) state->render = render_sum;
-  const bool sync = state->sync > 0.5f;
-  const bool ring = state->ring > 0.5f;
-  const bool no_sync = state->sync < 0.5f;
-  const bool no_ring = state->ring < 0.5f;
-  if (state->mode > 0.5f) {
+  const bool sync = state->sync > 0.5F;
+  const bool ring = state->ring > 0.5F;
+  const bool no_sync = state->sync < 0.5F;
+  const bool no_ring = state->ring < 0.5F;
+  if (state->mode > 0.5F) {
     state->render = render_sampled;
-  } else if (state->mode < 0.5f) {
+  } else if (state->mode < 0.5F) {
     if (no_sync && no_ring) state->render = render_sum;
     if (no_sync && ring) state->render = render_ring;
     if (sync && no_ring) state->render = render_sum_sync;

@@ -11,46 +11,46 @@
 
 namespace {
 
-constexpr double k_radians_per_entry = 0.006135923151542565;  // 2 pi / 1024
-constexpr float k_sample_scale = 6.1035156e-05f;              // 1 / 16384: 16-bit samples reach 2.0
-constexpr int32_t k_mirrored_loop = 0;                        // plays forwards and backwards
-constexpr int32_t k_crossfaded_loop = 4;                      // its head is cross-faded into its end
-constexpr int32_t k_crossfade_entries = 2048;                 // 46 ms at 44100 Hz
-constexpr int32_t k_silent_wrap = 10000;                      // wrap length of a number without a loop
+constexpr double radians_per_entry = 0.006135923151542565;  // 2 pi / 1024
+constexpr float sample_scale = 6.1035156e-05F;              // 1 / 16384: 16-bit samples reach 2.0
+constexpr int32_t mirrored_loop = 0;                        // plays forwards and backwards
+constexpr int32_t crossfaded_loop = 4;                      // its head is cross-faded into its end
+constexpr int32_t crossfade_entries = 2048;                 // 46 ms at 44100 Hz
+constexpr int32_t silent_wrap = 10000;                      // wrap length of a number without a loop
 
 // --- Sample loops ---
 
 // White noise, -1 to 1.
 float noise_value() {
-  return (static_cast<float>(noise_rand()) * 3.051851e-05f - 0.5f) * 2.0f;  // 1 / 32767
+  return (static_cast<float>(noise_rand()) * 3.051851e-05F - 0.5F) * 2.0F;  // 1 / 32767
 }
 
 // Adds up the steps of loop `number` from 0. The sum is rounded to float at every sample and never reset, so that a
 // loop must be coded with this same rounding to come out right.
 void decode(int32_t number, std::span<float> table) {
   const double scale = sample_loops[static_cast<size_t>(number)].delta_scale();
-  float sum = 0.0f;
+  float sum = 0.0F;
   float* entry = table.data();
   for (const signed char step : sample_loop_source(number)) {
     sum = static_cast<float>(step * scale + static_cast<double>(sum));
-    *entry++ = sum * k_sample_scale;
+    *entry++ = sum * sample_scale;
   }
 }
 
 // The decoded half, then the same backwards. The sample at the turn isn't repeated.
 void mirror(std::span<float> table) {
-  constexpr auto length = sample_loops[k_mirrored_loop].source_length;
-  static_assert(sample_loops[k_mirrored_loop].entries == 2 * length - 1);
+  constexpr auto length = sample_loops[mirrored_loop].source_length;
+  static_assert(sample_loops[mirrored_loop].entries == 2 * length - 1);
   std::reverse_copy(table.begin(), table.begin() + length - 1, table.begin() + length);
 }
 
 // Fades the head in from what follows the wrap, so that the wrap isn't heard.
 void crossfade(std::span<float> table) {
-  constexpr auto wrap = static_cast<size_t>(sample_loops[k_crossfaded_loop].loop_length);
-  static_assert(wrap + k_crossfade_entries <= sample_loops[k_crossfaded_loop].entries);
-  for (size_t k = 0; k < k_crossfade_entries; ++k) {
-    const float weight = std::sqrt(static_cast<float>(k) * 0.00048828125f);  // 1 / 2048
-    table[k] = (1.0f - weight) * table[k + wrap] + weight * table[k];
+  constexpr auto wrap = static_cast<size_t>(sample_loops[crossfaded_loop].loop_length);
+  static_assert(wrap + crossfade_entries <= sample_loops[crossfaded_loop].entries);
+  for (size_t k = 0; k < crossfade_entries; ++k) {
+    const float weight = std::sqrt(static_cast<float>(k) * 0.00048828125F);  // 1 / 2048
+    table[k] = (1.0F - weight) * table[k + wrap] + weight * table[k];
   }
 }
 
@@ -60,8 +60,8 @@ void build_loop(int32_t number, std::span<float> table, wsyn_state* state) {
   } else {
     decode(number, table);
   }
-  if (number == k_mirrored_loop) mirror(table);
-  if (number == k_crossfaded_loop) crossfade(table);
+  if (number == mirrored_loop) mirror(table);
+  if (number == crossfaded_loop) crossfade(table);
   const auto index = static_cast<size_t>(number);
   state->loop_length[index] = static_cast<float>(sample_loops[index].loop_length);
 }
@@ -82,16 +82,16 @@ float sine(float x) {
 
 // A saw of twelve harmonics of alternating sign. Its edge is a tangent at its pole.
 float soft_saw(float x) {
-  static constexpr std::array<float, 12> k_weights = {
+  static constexpr std::array<float, 12> weights = {
       // 2 / n
       // clang-format off
-       1.0f,       -1.0f,         0.6666667f, -0.5f,    0.4f,        -0.33333334f,
-       0.2857143f, -0.25f,        0.22222222f, -0.2f,   0.18181819f, -0.16666667f,
+       1.0F,       -1.0F,         0.6666667F, -0.5F,    0.4F,        -0.33333334F,
+       0.2857143F, -0.25F,        0.22222222F, -0.2F,   0.18181819F, -0.16666667F,
       // clang-format on
   };
-  float harmonics = 0.0f;
-  for (size_t n = 0; n < k_weights.size(); ++n) harmonics += k_weights[n] * sine(static_cast<float>(n + 1) * x);
-  const float edge = std::clamp(static_cast<float>(std::tan(static_cast<double>(x * 0.5f))) * 0.125f, -1.0f, 1.0f);
+  float harmonics = 0.0F;
+  for (size_t n = 0; n < weights.size(); ++n) harmonics += weights[n] * sine(static_cast<float>(n + 1) * x);
+  const float edge = std::clamp(static_cast<float>(std::tan(static_cast<double>(x * 0.5F))) * 0.125F, -1.0F, 1.0F);
   return static_cast<float>((harmonics * 0.5 + edge * 0.35) * 0.5);
 }
 
@@ -152,12 +152,12 @@ void wsyn_build_loops(wsyn_state* state) {
 
 void wsyn_build_sine_table(wsyn_state* state) {
   for (int32_t i = 0; i < wsyn_sine_entries; ++i) {
-    state->sine_table[i] = static_cast<float>(std::sin(i * k_radians_per_entry));
+    state->sine_table[i] = static_cast<float>(std::sin(i * radians_per_entry));
   }
 }
 
 float wsyn_shape_value(int32_t shape, float t) {
-  const float reduced = std::fmod(t, 6.2831855f);
+  const float reduced = std::fmod(t, 6.2831855F);
   const double x = reduced;
   const auto rounded = [](double y) { return static_cast<float>(y); };
   switch (shape) {
@@ -182,13 +182,13 @@ float wsyn_shape_value(int32_t shape, float t) {
     case 9:
       return noise_value();
     default:
-      return 0.0f;
+      return 0.0F;
   }
 }
 
 void wsyn_fill_shape(int32_t shape, std::span<float, wsyn_shape_entries> table) {
   for (size_t i = 0; i < table.size(); ++i) {
-    table[i] = wsyn_shape_value(shape, static_cast<float>(static_cast<double>(i) * k_radians_per_entry));
+    table[i] = wsyn_shape_value(shape, static_cast<float>(static_cast<double>(i) * radians_per_entry));
   }
 }
 
@@ -196,6 +196,6 @@ int32_t wsyn_load_voice_wave(int32_t number, const wsyn_state& state, std::span<
   const std::span<const float> table = loop_table(number, state);
   const size_t count = std::min(table.size(), wave.size() - 1);
   std::copy_n(table.begin(), count, wave.begin());
-  std::fill(wave.begin() + static_cast<std::ptrdiff_t>(count), wave.end(), 0.0f);
-  return table.empty() ? k_silent_wrap : truncate_to_int32(state.loop_length[static_cast<size_t>(number)]);
+  std::fill(wave.begin() + static_cast<std::ptrdiff_t>(count), wave.end(), 0.0F);
+  return table.empty() ? silent_wrap : truncate_to_int32(state.loop_length[static_cast<size_t>(number)]);
 }

@@ -10,9 +10,9 @@ struct wsyn_state;
 // What one note keeps between samples. Nine 32-bit members, cleared together when the note becomes idle.
 struct voice_record {
   int32_t state = 0;    // 0 idle, 1 held, -1 releasing, -2 kept by sustain
-  float level = 0.0f;   // envelope, 0 to 1
-  float phase1 = 0.0f;  // oscillator phases in table entries
-  float phase2 = 0.0f;
+  float level = 0.0F;   // envelope, 0 to 1
+  float phase1 = 0.0F;  // oscillator phases in table entries
+  float phase2 = 0.0F;
   float filter[5] = {};  // stages of the voice filter
 };
 static_assert(sizeof(voice_record) == 9 * sizeof(int32_t));
@@ -62,36 +62,36 @@ struct wsyn_state {
   int32_t initialised = 0;  // 1 from the end of the first commit on
   int32_t committing = 0;   // for a debugger: 1 during a commit
 
-  float rate_ratio = 0.0f;
-  float scaled_pitch = 0.0f;    // reference pitch times rate ratio, Hz
-  float octave_divisor = 0.0f;  // 4, 2, 1, 0.5 or 0.25
-  float mode = 0.0f;            // below 0.5 computed shapes, above 0.5 sample loops
+  float rate_ratio = 0.0F;
+  float scaled_pitch = 0.0F;    // reference pitch times rate ratio, Hz
+  float octave_divisor = 0.0F;  // 4, 2, 1, 0.5 or 0.25
+  float mode = 0.0F;            // below 0.5 computed shapes, above 0.5 sample loops
   int32_t wave1 = 0;            // number of the shape or loop that is loaded
   int32_t wave2 = 0;
-  float sync = 0.0f;
-  float ring = 0.0f;
-  float bend = 0.0f;  // pitch bend as a ratio, 1 in the middle
+  float sync = 0.0F;
+  float ring = 0.0F;
+  float bend = 0.0F;  // pitch bend as a ratio, 1 in the middle
 
-  float coarse1 = 0.0f;  // semitones
-  float fine1 = 0.0f;    // cents
-  float pitch_source1 = 0.0f;
-  float pitch_depth1 = 0.0f;
-  float lfo_control1 = 0.0f;
-  float lfo_step1 = 0.0f;  // entries of sine_table per frame
-  float coarse2 = 0.0f;
-  float fine2 = 0.0f;
-  float pitch_source2 = 0.0f;
-  float pitch_depth2 = 0.0f;
-  float lfo_control2 = 0.0f;
-  float lfo_step2 = 0.0f;
+  float coarse1 = 0.0F;  // semitones
+  float fine1 = 0.0F;    // cents
+  float pitch_source1 = 0.0F;
+  float pitch_depth1 = 0.0F;
+  float lfo_control1 = 0.0F;
+  float lfo_step1 = 0.0F;  // entries of sine_table per frame
+  float coarse2 = 0.0F;
+  float fine2 = 0.0F;
+  float pitch_source2 = 0.0F;
+  float pitch_depth2 = 0.0F;
+  float lfo_control2 = 0.0F;
+  float lfo_step2 = 0.0F;
 
-  float cutoff_now = 0.0f;  // smoothed towards cutoff_target, a step per sample
-  float cutoff_target = 0.0f;
-  float filter_gain = 0.0f;  // from the resonance
-  float shaper_drive = 0.0f;
-  float filter_feedback = 0.0f;  // these three follow cutoff_now
-  float filter_scale = 0.0f;
-  float filter_amount = 0.0f;
+  float cutoff_now = 0.0F;  // smoothed towards cutoff_target, a step per sample
+  float cutoff_target = 0.0F;
+  float filter_gain = 0.0F;  // from the resonance
+  float shaper_drive = 0.0F;
+  float filter_feedback = 0.0F;  // these three follow cutoff_now
+  float filter_scale = 0.0F;
+  float filter_amount = 0.0F;
 
   int32_t wrap1 = 0;  // wrap lengths of voice_wave1 and voice_wave2
   int32_t wrap2 = 0;
@@ -99,9 +99,9 @@ struct wsyn_state {
   double tune1 = 0.0;      // octaves
   double tune2 = 0.0;
   float loop_length[sample_loop_count] = {};
-  float output_level = 0.0f;  // for a debugger: 1 after the first commit, 10 once samples have been rendered
-  float lfo_phase1 = 0.0f;    // entries of sine_table
-  float lfo_phase2 = 0.0f;
+  float output_level = 0.0F;  // for a debugger: 1 after the first commit, 10 once samples have been rendered
+  float lfo_phase1 = 0.0F;    // entries of sine_table
+  float lfo_phase2 = 0.0F;
   double note_ratio1[wsyn_voice_count] = {};  // pitch of each MIDI note against note 60 untuned
   double note_ratio2[wsyn_voice_count] = {};
   double pitch_mod1 = 0.0;  // multipliers of the frame; 0 before the first frame, so that the oscillators don't move

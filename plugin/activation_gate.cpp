@@ -9,8 +9,8 @@
 namespace {
 
 // The engine only requires a key, whatever it holds.
-constexpr std::string_view k_token = "kesrel";
-static_assert(!k_token.empty() && k_token.size() < activation_token{}.size());
+constexpr std::string_view built_in_token = "kesrel";
+static_assert(!built_in_token.empty() && built_in_token.size() < activation_token{}.size());
 
 }  // namespace
 
@@ -19,6 +19,6 @@ bool built_in_activation_gate::passes(int32_t category_id) const {
 }
 
 bool built_in_activation_gate::supply_token(int32_t, activation_token* token) const {
-  std::ranges::copy(k_token, token->begin());
+  std::ranges::copy(built_in_token, token->begin());
   return true;
 }

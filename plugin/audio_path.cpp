@@ -51,8 +51,8 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
     return;
   }
   const float* const engine_inputs[4] = {arranged[0], arranged[1], nullptr, nullptr};
-  vocoder_process_sound(0, requests_.is_on(k_chorus_on), requests_.is_on(k_reverb_on), current_sound_->sound_number,
-                        sound_key, frames, engine_inputs, written.data(), engine_.get());
+  vocoder_process_sound(0, requests_.is_on(parameter_chorus_on), requests_.is_on(parameter_reverb_on),
+                        current_sound_->sound_number, sound_key, frames, engine_inputs, written.data(), engine_.get());
 }
 
 // Follows the selection, and acknowledges it even when the sound is refused, so that it isn't tried again at every
@@ -60,7 +60,7 @@ void KesrelVocoder4TarvixEffect::processReplacing(float** inputs, float** output
 const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token) {
   const int32_t selected = requests_.sound();
   if (selected == current_sound_index_) return nullptr;
-  if constexpr (k_trace) trace("switch to sound: ", sound_uuid());
+  if constexpr (tracing) trace("switch to sound: ", sound_uuid());
   current_sound_index_ = selected;
   current_sound_ = catalogue_.row_at(selected);
   if (current_sound_ == nullptr) return nullptr;
@@ -80,10 +80,10 @@ const uint8_t* KesrelVocoder4TarvixEffect::switch_sound(activation_token* token)
 void KesrelVocoder4TarvixEffect::apply_keys() {
   key_flags wanted;
   requests_.copy_keys(wanted);
-  const int32_t base = key_base_for(current_sound_.get(), requests_.is_on(k_octave_on));
+  const int32_t base = key_base_for(current_sound_.get(), requests_.is_on(parameter_octave_on));
   const note_changes changes = update_keys(wanted, base, &active_keys_);
   for (const int32_t note : changes.ended()) vocoder_note_off(note, 0, engine_.get());
-  for (const int32_t note : changes.begun()) vocoder_note_on(note, k_key_velocity, engine_.get());
+  for (const int32_t note : changes.begun()) vocoder_note_on(note, key_velocity, engine_.get());
 }
 
 // Mono input feeds both sides. A stereo arrangement whose second input is missing is the host's fault and logged at

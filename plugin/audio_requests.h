@@ -10,7 +10,7 @@
 #include "plugin/key_update.h"
 
 // The host-visible parameters: three switches, each on only at exactly 1.0.
-enum parameter_index : int32_t { k_chorus_on, k_reverb_on, k_octave_on, k_parameter_count };
+enum parameter_index : int32_t { parameter_chorus_on, parameter_reverb_on, parameter_octave_on, parameter_count };
 
 // Requests wait until the audio thread takes them at the start of a block. No operation locks or allocates, and all of
 // them may overlap.
@@ -33,7 +33,7 @@ class audio_requests {
   // The octave switch moves the keys.
   void turn(parameter_index index, bool on) {
     set_switch(index, on);
-    if (index == k_octave_on) request_key_update();
+    if (index == parameter_octave_on) request_key_update();
   }
   void request_key_update() { key_update_requested_.store(true, std::memory_order_release); }
 
@@ -50,7 +50,7 @@ class audio_requests {
   bool is_on(parameter_index index) const {
     return switches_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
   }
-  // A position in the menu's rows, `k_no_row` at first.
+  // A position in the menu's rows, `no_row` at first.
   int32_t sound() const { return sound_.load(std::memory_order_relaxed); }
 
   // Audio thread: whether the keys have to be updated, which is answered once per request. The plain load spares
@@ -62,7 +62,7 @@ class audio_requests {
 
  private:
   std::array<std::atomic<uint8_t>, std::size(key_flags{})> keys_{};
-  std::array<std::atomic<bool>, k_parameter_count> switches_{};
-  std::atomic<int32_t> sound_{k_no_row};
+  std::array<std::atomic<bool>, parameter_count> switches_{};
+  std::atomic<int32_t> sound_{no_row};
   std::atomic<bool> key_update_requested_{false};
 };

@@ -23,9 +23,9 @@ menu_row_ref make_silent_row(const std::string& name, int32_t category_id, int32
 }
 
 void append_rows(const sound_category& category, std::vector<menu_row_ref>* rows) {
-  rows->push_back(make_silent_row("---", category.id, k_separator_row));
-  rows->push_back(make_silent_row(category.name, category.id, k_title_row));
-  rows->push_back(make_silent_row("---", category.id, k_separator_row));
+  rows->push_back(make_silent_row("---", category.id, separator_row));
+  rows->push_back(make_silent_row(category.name, category.id, title_row));
+  rows->push_back(make_silent_row("---", category.id, separator_row));
   rows->insert(rows->end(), category.sounds.begin(), category.sounds.end());
 }
 
@@ -71,11 +71,11 @@ sound_category_ref sound_catalogue::category_with_id(int32_t id) const {
 }
 
 int32_t sound_catalogue::find_row_by_uuid(std::string_view uuid) const {
-  if (times_appended_.load(std::memory_order_acquire) == 0) return k_no_row;
+  if (times_appended_.load(std::memory_order_acquire) == 0) return no_row;
   const auto found = std::ranges::find_if(factory_rows_, [uuid](const menu_row_ref& row) {
     return std::ranges::equal(row->uuid, uuid, {}, to_upper_ascii, to_upper_ascii);
   });
-  return found == factory_rows_.end() ? k_no_row : static_cast<int32_t>(found - factory_rows_.begin());
+  return found == factory_rows_.end() ? no_row : static_cast<int32_t>(found - factory_rows_.begin());
 }
 
 std::vector<menu_row_ref> sound_catalogue::rows() const {

@@ -10,11 +10,11 @@
 #include <vector>
 
 // `sound_number` of the menu's rows without a sound.
-constexpr int32_t k_separator_row = -1;
-constexpr int32_t k_title_row = -2;  // has the name of the category that follows
+constexpr int32_t separator_row = -1;
+constexpr int32_t title_row = -2;  // has the name of the category that follows
 
 // Result of a search that found no row, and the selection of none.
-constexpr int32_t k_no_row = -1;
+constexpr int32_t no_row = -1;
 
 // One row of the menu. Rows are immutable, so threads share them freely.
 struct menu_row {
@@ -51,7 +51,7 @@ class sound_catalogue {
   // The first category with that id; null without one.
   sound_category_ref category_with_id(int32_t id) const;
 
-  // Position of the first row with that uuid, or `k_no_row`. Letters a to z match their capitals. The empty uuid
+  // Position of the first row with that uuid, or `no_row`. Letters a to z match their capitals. The empty uuid
   // is that of separators and titles, so that it finds position 0.
   int32_t find_row_by_uuid(std::string_view uuid) const;
 

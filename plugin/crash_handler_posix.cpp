@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr int k_crash_signals[] = {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM};
+constexpr int crash_signals[] = {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM};
 
 // How long exit() may take. It may wait in vain for a lock that the crashed thread holds.
-constexpr unsigned k_longest_exit_s = 5;
+constexpr unsigned longest_exit_s = 5;
 
 // Gives a signal its default action, which ends the process, and lets this thread receive it.
 void let_end_the_process(int signal_number) {
@@ -28,8 +28,8 @@ void let_end_the_process(int signal_number) {
 // logged first, and the alarm ends the process where exit() doesn't.
 [[noreturn]] void end_process(int signal_number) {
   let_end_the_process(SIGALRM);
-  alarm(k_longest_exit_s);
-  for (const int further : k_crash_signals) let_end_the_process(further);
+  alarm(longest_exit_s);
+  for (const int further : crash_signals) let_end_the_process(further);
   static std::atomic_flag entered;
   if (entered.test_and_set()) _exit(signal_number);  // two threads crash at the same moment
   halvern::logbook_impl::instance().crash_message("crash!");
@@ -46,5 +46,5 @@ void install_crash_handler() {
   // On the alternate stack if the host has set one: an overflowed stack has no room for a handler.
   action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
   sigemptyset(&action.sa_mask);
-  for (const int signal_number : k_crash_signals) sigaction(signal_number, &action, nullptr);
+  for (const int signal_number : crash_signals) sigaction(signal_number, &action, nullptr);
 }

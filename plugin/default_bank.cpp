@@ -9,16 +9,16 @@ extern const unsigned int default_bank_bytes_size;
 
 namespace {
 
-constexpr char k_type[] = "RAWDATA";
-constexpr char k_name[] = "defaultbank.vstpreset";
+constexpr char type[] = "RAWDATA";
+constexpr char name[] = "defaultbank.vstpreset";
 
 // Room after the bytes of a file that was read as a whole.
-constexpr uint64_t k_spare_room = 15;
+constexpr uint64_t spare_room = 15;
 
 memory::data_reference read_whole(files::file* file) {
   const uint64_t size = file->size();
   if (size == 0) return memory::data_reference(new memory::data);
-  memory::reference<memory::byte_block> block(new memory::byte_block(size + k_spare_room));
+  memory::reference<memory::byte_block> block(new memory::byte_block(size + spare_room));
   uint32_t done = 0;
   file->read(block->writable_bytes(), static_cast<uint32_t>(size), &done);
   block->resize(done);
@@ -28,7 +28,7 @@ memory::data_reference read_whole(files::file* file) {
 }  // namespace
 
 memory::data_reference read_default_bank() {
-  files::add_embedded_resource({k_type, k_name, default_bank_bytes, default_bank_bytes_size});
-  files::resource_file file(k_type, k_name);
+  files::add_embedded_resource({type, name, default_bank_bytes, default_bank_bytes_size});
+  files::resource_file file(type, name);
   return read_whole(&file);
 }

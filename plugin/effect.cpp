@@ -13,33 +13,33 @@
 
 namespace {
 
-constexpr VstInt32 k_unique_id = CCONST('K', 'V', '4', 'M');
-constexpr char k_effect_name[] = "Kesrel Vocoder 4 ME";
-constexpr char k_vendor_name[] = "Quorvant";
+constexpr VstInt32 unique_id = CCONST('K', 'V', '4', 'M');
+constexpr char effect_name[] = "Kesrel Vocoder 4 ME";
+constexpr char vendor_name[] = "Quorvant";
 
 // In the order of parameter_index. A host's buffer may have room for eight characters only.
-constexpr const char* k_parameter_names[] = {"ChorusOn", "ReverbOn", "OctaveOn"};
-static_assert(std::size(k_parameter_names) == k_parameter_count);
+constexpr const char* parameter_names[] = {"ChorusOn", "ReverbOn", "OctaveOn"};
+static_assert(std::size(parameter_names) == parameter_count);
 
 // Answers to canDo. Hosts get those on events although the effect takes and sends none.
-constexpr std::string_view k_abilities[] = {
+constexpr std::string_view abilities[] = {
     "receiveVstEvents", "sendVstEvents", "plugAsChannelInsert", "plugAsSend", "mixDryWet", "1in2out", "2in2out"};
 
 // The name of an unnamed program.
-constexpr char k_unnamed[] = "default";
+constexpr char unnamed[] = "default";
 
-constexpr float k_engine_rate_hz = 44100.0F;
+constexpr float engine_rate_hz = 44100.0F;
 
 }  // namespace
 
 KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host, const activation_gate& gate)
-    : AudioEffectX(host, static_cast<VstInt32>(factory_programs().size()), k_parameter_count),
+    : AudioEffectX(host, static_cast<VstInt32>(factory_programs().size()), parameter_count),
       gate_(gate),
-      preset_name_(k_unnamed) {
+      preset_name_(unnamed) {
   log_to_application_data();
   if (!host_version_passes(getMasterVersion())) throw err::runtime_error("Wrong program version");
   trace("init plugin");
-  setUniqueID(k_unique_id);
+  setUniqueID(unique_id);
   setNumInputs(2);
   setNumOutputs(2);
   canProcessReplacing();
@@ -52,10 +52,10 @@ KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host,
   for (const auto& program : built_in) programs_.append(state::to_chunk(program));
   trace("create chunks bank done");
   trace("create KV Instance");
-  engine_.reset(vocoder_create(k_engine_rate_hz));
+  engine_.reset(vocoder_create(engine_rate_hz));
   trace("KV Instance created");
   key_flags keys = {};
-  for (const size_t key : k_first_chord) keys[key] = 1;
+  for (const size_t key : first_chord) keys[key] = 1;
   requests_.hold_keys(keys);
   trace("plugin ready to go");
 }
@@ -87,7 +87,7 @@ bool KesrelVocoder4TarvixEffect::setSpeakerArrangement(VstSpeakerArrangement* in
 
 // The value is stored as given, but the switch is on only at exactly 1.
 bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
-  if (index < 0 || index >= k_parameter_count) return false;
+  if (index < 0 || index >= parameter_count) return false;
   requests_.turn(static_cast<parameter_index>(index), value == 1.0F);
   parameter_values_[static_cast<size_t>(index)].store(value, std::memory_order_relaxed);
   return true;
@@ -102,33 +102,33 @@ void KesrelVocoder4TarvixEffect::setParameterAutomated(VstInt32 index, float val
 }
 
 float KesrelVocoder4TarvixEffect::getParameter(VstInt32 index) {
-  if (index < 0 || index >= k_parameter_count) return 0.0F;
+  if (index < 0 || index >= parameter_count) return 0.0F;
   return parameter_values_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
 }
 
 void KesrelVocoder4TarvixEffect::getParameterName(VstInt32 index, char* text) {
-  const bool known = index >= 0 && index < k_parameter_count;
-  vst_strncpy(text, known ? k_parameter_names[index] : "", kVstMaxParamStrLen);
+  const bool known = index >= 0 && index < parameter_count;
+  vst_strncpy(text, known ? parameter_names[index] : "", kVstMaxParamStrLen);
 }
 
 bool KesrelVocoder4TarvixEffect::getEffectName(char* name) {
-  vst_strncpy(name, k_effect_name, kVstMaxEffectNameLen);
+  vst_strncpy(name, effect_name, kVstMaxEffectNameLen);
   return true;
 }
 
 bool KesrelVocoder4TarvixEffect::getVendorString(char* text) {
-  vst_strncpy(text, k_vendor_name, kVstMaxVendorStrLen);
+  vst_strncpy(text, vendor_name, kVstMaxVendorStrLen);
   return true;
 }
 
 bool KesrelVocoder4TarvixEffect::getProductString(char* text) {
-  vst_strncpy(text, k_effect_name, kVstMaxProductStrLen);
+  vst_strncpy(text, effect_name, kVstMaxProductStrLen);
   return true;
 }
 
 VstInt32 KesrelVocoder4TarvixEffect::canDo(char* text) {
   if (text == nullptr) return -1;
-  return std::ranges::find(k_abilities, std::string_view(text)) != std::end(k_abilities) ? 1 : -1;
+  return std::ranges::find(abilities, std::string_view(text)) != std::end(abilities) ? 1 : -1;
 }
 
 bool KesrelVocoder4TarvixEffect::setBypass(bool on_off) {

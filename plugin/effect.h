@@ -144,12 +144,12 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   guarded<std::string> sound_uuid_;
 
   audio_requests requests_;
-  std::array<std::atomic<float>, k_parameter_count> parameter_values_{};  // as given; the requests have the switches
+  std::array<std::atomic<float>, parameter_count> parameter_values_{};  // as given; the requests have the switches
   std::atomic<int32_t> input_channels_{2};
   std::atomic<int32_t> output_channels_{2};  // as arranged; both outputs are always written
 
   // The audio thread's own.
-  int32_t current_sound_index_ = k_no_row;
+  int32_t current_sound_index_ = no_row;
   sounding_keys active_keys_;
   menu_row_ref current_sound_;
   std::unique_ptr<vocoder_instance, engine_deleter> engine_;

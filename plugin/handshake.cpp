@@ -7,13 +7,13 @@
 namespace {
 
 // The greeting of a host that knows the plug-in, and the version of the interface between them.
-constexpr VstInt32 k_handshake_id = CCONST('K', 'V', 'H', 's');
-constexpr VstIntPtr k_interface_version = 1;
+constexpr VstInt32 handshake_id = CCONST('K', 'V', 'H', 's');
+constexpr VstIntPtr interface_version = 1;
 
 }  // namespace
 
 VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr value, void*, float) {
-  if (index != k_handshake_id || value != k_interface_version) return 0;
+  if (index != handshake_id || value != interface_version) return 0;
   try {
     shake_hands();
     return 1;

@@ -4,10 +4,10 @@
 namespace {
 
 // The first version with the extended operations that the handshake goes through.
-constexpr VstInt32 k_lowest_version = 2;
+constexpr VstInt32 lowest_version = 2;
 
 }  // namespace
 
 bool host_version_passes(VstInt32 master_version) {
-  return master_version >= k_lowest_version;
+  return master_version >= lowest_version;
 }

@@ -8,27 +8,27 @@
 struct menu_row;
 
 // Keys of the on-screen keyboard: three octaves. Key index i sounds note base + i.
-constexpr int32_t k_key_count = 36;
+constexpr int32_t key_count = 36;
 
-// One flag per key index, non-zero meaning held. Flags from `k_key_count` on are copied but never played.
+// One flag per key index, non-zero meaning held. Flags from `key_count` on are copied but never played.
 using key_flags = uint8_t[128];
 
 // Note of key index 0 without a sound: C2 of the 128 MIDI notes, two octaves below middle C.
-constexpr int32_t k_default_key_base = 36;
+constexpr int32_t default_key_base = 36;
 
 // Velocity of every note-on: the keys on the screen have none.
-constexpr int32_t k_key_velocity = 127;
+constexpr int32_t key_velocity = 127;
 
 // The keys that the engine sounds now.
 struct sounding_keys {
   key_flags held{};
-  int32_t base = k_default_key_base;
+  int32_t base = default_key_base;
 };
 
 // The changes from one set of sounding keys to another. Notes are in ascending order; all note-offs go first.
 struct note_changes {
-  std::array<int32_t, k_key_count> offs{};
-  std::array<int32_t, k_key_count> ons{};
+  std::array<int32_t, key_count> offs{};
+  std::array<int32_t, key_count> ons{};
   int32_t off_count = 0;
   int32_t on_count = 0;
 

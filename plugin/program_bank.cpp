@@ -36,7 +36,7 @@ std::vector<state::program> built_in_programs() {
     state::program program;
     program.name = stated.name;
     program.sound_uuid = stated.sound_uuid;
-    for (const size_t key : k_first_chord) program.keys[key] = 1;
+    for (const size_t key : first_chord) program.keys[key] = 1;
     programs.push_back(program);
   }
   return programs;

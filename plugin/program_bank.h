@@ -30,7 +30,7 @@ class program_bank {
 };
 
 // The chord that a fresh effect and its built-in programs hold: a major triad one octave above the lowest key.
-constexpr size_t k_first_chord[] = {12, 16, 19};
+constexpr size_t first_chord[] = {12, 16, 19};
 
 // The programs before any bank is loaded: those of the default bank by name and sound, but with all switches off and
 // the first chord held.

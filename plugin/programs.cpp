@@ -71,9 +71,9 @@ chunks::chunk KesrelVocoder4TarvixEffect::chunk_from_current_program() const {
   state::program live;
   live.name = preset_name_.get();
   live.sound_uuid = sound_uuid_.get();
-  live.chorus_on = requests_.is_on(k_chorus_on);
-  live.reverb_on = requests_.is_on(k_reverb_on);
-  live.octave_on = requests_.is_on(k_octave_on);
+  live.chorus_on = requests_.is_on(parameter_chorus_on);
+  live.reverb_on = requests_.is_on(parameter_reverb_on);
+  live.octave_on = requests_.is_on(parameter_octave_on);
   key_flags keys;
   requests_.copy_keys(keys);
   std::copy_n(keys, live.keys.size(), live.keys.begin());
@@ -101,15 +101,15 @@ void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   sound_uuid_.set(stored.sound_uuid);
   trace("preset to be restored: ", stored.name);
   trace("uuid to be restored: ", stored.sound_uuid);
-  const bool switches[k_parameter_count] = {stored.chorus_on, stored.reverb_on, stored.octave_on};
-  for (const parameter_index index : {k_chorus_on, k_reverb_on, k_octave_on}) {
+  const bool switches[parameter_count] = {stored.chorus_on, stored.reverb_on, stored.octave_on};
+  for (const parameter_index index : {parameter_chorus_on, parameter_reverb_on, parameter_octave_on}) {
     requests_.set_switch(index, switches[index]);
   }
   key_flags keys = {};
   std::ranges::copy(stored.keys, keys);
   requests_.hold_keys(keys);
   requests_.set_sound(catalogue_.find_row_by_uuid(stored.sound_uuid));
-  for (VstInt32 index = 0; index < k_parameter_count; ++index) {
+  for (VstInt32 index = 0; index < parameter_count; ++index) {
     setParameterAutomated(index, switch_value(switches[index]));
   }
 }

@@ -7,28 +7,28 @@ namespace state {
 
 namespace {
 
-constexpr int k_image_id = chunks::chunk_id("CcnK");
-constexpr uint32_t k_bank_magic = 0x68434246;            // "hCBF"
-constexpr uint32_t k_single_program_magic = 0x68435046;  // "hCPF"
-constexpr uint32_t k_format_version = 1;
+constexpr int image_id = chunks::chunk_id("CcnK");
+constexpr uint32_t bank_magic = 0x68434246;            // "hCBF"
+constexpr uint32_t single_program_magic = 0x68435046;  // "hCPF"
+constexpr uint32_t format_version = 1;
 
-constexpr std::array<uint8_t, 124> k_reserved{};
-constexpr uint64_t k_payload_size_field = 4;
+constexpr std::array<uint8_t, 124> reserved{};
+constexpr uint64_t payload_size_field = 4;
 
 uint32_t magic_of(image_kind kind) {
-  return kind == image_kind::bank ? k_bank_magic : k_single_program_magic;
+  return kind == image_kind::bank ? bank_magic : single_program_magic;
 }
 
 image_bytes image_of(image_kind kind, const plugin_identity& plugin, uint32_t program_count, int32_t current_program,
                      const memory::data& payload) {
-  chunks::mutable_chunk image(k_image_id);
+  chunks::mutable_chunk image(image_id);
   image.write(magic_of(kind));
-  image.write(k_format_version);
+  image.write(format_version);
   image.write(static_cast<uint32_t>(plugin.id));
   image.write(static_cast<uint32_t>(plugin.version));
   image.write(program_count);
   image.write(static_cast<uint32_t>(current_program));
-  image.write(k_reserved.data(), k_reserved.size());
+  image.write(reserved.data(), reserved.size());
   image.write(static_cast<uint32_t>(payload.size()));
   image.write(payload.bytes(), payload.size());
   return image.final_form();
@@ -54,17 +54,17 @@ std::optional<opened_image> open_image(const memory::data_reference& bytes, imag
                                        const plugin_identity& plugin) {
   if (bytes->size() < chunks::chunk_header_size) return std::nullopt;
   const chunks::chunk image(bytes);
-  if (image.id() != k_image_id) return std::nullopt;
+  if (image.id() != image_id) return std::nullopt;
 
   opened_image opened{0, 0, chunks::chunk_input_stream(image)};
   auto& cursor = opened.programs.cursor();
   if (cursor.read_number() != magic_of(kind)) return std::nullopt;
-  if (cursor.read_number() > k_format_version) return std::nullopt;
+  if (cursor.read_number() > format_version) return std::nullopt;
   if (static_cast<int32_t>(cursor.read_number()) != plugin.id) return std::nullopt;
   if (static_cast<int32_t>(cursor.read_number()) != plugin.version) return std::nullopt;
   opened.program_count = static_cast<int32_t>(cursor.read_number());
   opened.current_program = static_cast<int32_t>(cursor.read_number());
-  cursor.skip(k_reserved.size() + k_payload_size_field);
+  cursor.skip(reserved.size() + payload_size_field);
   return opened;
 }
 

@@ -45,7 +45,7 @@ class basic_byte_cursor {
   // `count` bytes as a text, zeros included. Throws std::bad_alloc when more than 1 MiB of it would be past the end.
   std::string read_text(uint64_t count) {
     const uint64_t there = std::min(count, readable());
-    if (count - there > k_most_missing) throw std::bad_alloc();
+    if (count - there > most_missing) throw std::bad_alloc();
     std::string text;
     if (there > 0) text.assign(reinterpret_cast<const char*>(at_), static_cast<size_t>(there));
     text.resize(static_cast<size_t>(count), '\0');
@@ -64,7 +64,7 @@ class basic_byte_cursor {
 
  private:
   // Far above any text of a program, and a small allocation still.
-  static constexpr uint64_t k_most_missing = uint64_t{1} << 20;
+  static constexpr uint64_t most_missing = uint64_t{1} << 20;
 
   uint64_t readable() const { return static_cast<uint64_t>(owner_end_ - at_); }
 

@@ -118,13 +118,13 @@ class basic_string_chunk : public basic_chunk<Traits> {
   // As long as its length field says; basic_byte_cursor defines what is read past the body.
   std::string text() const {
     basic_byte_cursor<typename Traits::byte_order> cursor(this->data());
-    cursor.skip(k_tag_size);
+    cursor.skip(tag_size);
     const uint32_t length = cursor.read_number();
     return cursor.read_text(length);
   }
 
  private:
-  static constexpr uint64_t k_tag_size = 4;
+  static constexpr uint64_t tag_size = 4;
 
   static basic_chunk<Traits> made_of(uint32_t string_tag, std::string_view text) {
     basic_mutable_chunk<Traits> chunk(string_chunk_id);

@@ -5,12 +5,12 @@ namespace state {
 
 namespace {
 
-constexpr uint32_t k_written_version = 1010;
-constexpr int32_t k_first_unknown_version = 1011;
-constexpr int32_t k_first_version_with_octave = 1010;
+constexpr uint32_t written_version = 1010;
+constexpr int32_t first_unknown_version = 1011;
+constexpr int32_t first_version_with_octave = 1010;
 
-constexpr uint32_t k_name_tag = 0;
-constexpr uint32_t k_uuid_tag = 1;
+constexpr uint32_t name_tag = 0;
+constexpr uint32_t uuid_tag = 1;
 
 uint8_t flag(bool on) {
   return on ? 1 : 0;
@@ -19,7 +19,7 @@ uint8_t flag(bool on) {
 // Nothing for a later version. The stored number is signed.
 std::optional<int32_t> read_version(chunks::chunk_input_stream* stream) {
   const auto version = static_cast<int32_t>(stream->cursor().read_number());
-  if (version >= k_first_unknown_version) return std::nullopt;
+  if (version >= first_unknown_version) return std::nullopt;
   return version;
 }
 
@@ -33,9 +33,9 @@ std::string read_text(chunks::chunk_input_stream* stream) {
 
 chunks::chunk to_chunk(const program& stored) {
   chunks::mutable_chunk chunk(program_chunk_id);
-  chunk.write(k_written_version);
-  chunk.append(chunks::string_chunk(k_name_tag, stored.name));
-  chunk.append(chunks::string_chunk(k_uuid_tag, stored.sound_uuid));
+  chunk.write(written_version);
+  chunk.append(chunks::string_chunk(name_tag, stored.name));
+  chunk.append(chunks::string_chunk(uuid_tag, stored.sound_uuid));
   chunk.write(flag(stored.chorus_on));
   chunk.write(flag(stored.reverb_on));
   chunk.write(flag(stored.octave_on));
@@ -53,7 +53,7 @@ std::optional<program> read_program(const chunks::chunk& chunk) {
   auto& cursor = stream.cursor();
   read.chorus_on = cursor.read_byte() != 0;
   read.reverb_on = cursor.read_byte() != 0;
-  if (*version >= k_first_version_with_octave) read.octave_on = cursor.read_byte() != 0;
+  if (*version >= first_version_with_octave) read.octave_on = cursor.read_byte() != 0;
   for (uint8_t& key : read.keys) key = flag(cursor.read_byte() != 0);
   return read;
 }

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr state::plugin_identity k_identity{0x4B56344D, 1};  // 'KV4M'
+constexpr state::plugin_identity identity{0x4B56344D, 1};  // 'KV4M'
 
-constexpr char k_byte_order_mark[] = "\xEF\xBB\xBF";
-constexpr char k_meta_info[] =
+constexpr char byte_order_mark[] = "\xEF\xBB\xBF";
+constexpr char meta_info_xml[] =
     R"(<?xml version="1.0" encoding="utf-8"?>
 <MetaInfo>
   <Attribute id="MediaType" value="VstPreset" type="string" flags="writeProtected" />
@@ -92,8 +92,8 @@ std::string default_bank_file(const std::vector<state::program>& programs) {
   std::vector<chunks::chunk> records;
   records.reserve(programs.size());
   for (const auto& program : programs) records.push_back(state::to_chunk(program));
-  const state::image_bytes image = state::bank_image(k_identity, 0, records);
-  const std::string meta_info = std::string(k_byte_order_mark) + k_meta_info;
+  const state::image_bytes image = state::bank_image(identity, 0, records);
+  const std::string meta_info = std::string(byte_order_mark) + meta_info_xml;
 
   std::string file(reinterpret_cast<const char*>(image->bytes()), image->size());
   file += meta_info;

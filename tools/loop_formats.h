@@ -13,7 +13,7 @@ struct loop_format : sample_loop {
   int32_t period;
 };
 
-constexpr int32_t k_made_loops = noise_loop;  // all before it
+constexpr int32_t made_loops = noise_loop;  // all before it
 
 inline loop_format format_of_loop(int32_t loop) {
   const sample_loop& row = sample_loops[static_cast<size_t>(loop)];

@@ -55,14 +55,15 @@ tone organ(const loop_format& format) {
     int32_t harmonic;
     int32_t detune;  // cycles per period, half a hertz each
   };
-  constexpr rank k_ranks[] = {{1.0, 1, 0}, {0.7, 2, -1}, {0.3, 3, 1}, {0.5, 4, -2}, {0.25, 6, 2}, {0.3, 8, -3}};
-  constexpr double k_limit_hz = 9000.0;
+  constexpr rank ranks[] = {{1.0, 1, 0}, {0.7, 2, -1}, {0.3, 3, 1}, {0.5, 4, -2}, {0.25, 6, 2}, {0.3, 8, -3}};
+  constexpr double highest_partial_hz = 9000.0;
   tone sound = empty_tone(format);
   sound.mirrored = true;
-  for (const rank& rank : k_ranks) {
+  for (const rank& rank : ranks) {
     const int32_t pitch = rank.harmonic * whole(sound.root_cycles) + rank.detune;
-    for (int32_t n = 1; partial_hz(format, pitch * n) < k_limit_hz; ++n) {
-      const double level = rank.level * std::pow(n, -1.2) * fade_to_limit(partial_hz(format, pitch * n), k_limit_hz);
+    for (int32_t n = 1; partial_hz(format, pitch * n) < highest_partial_hz; ++n) {
+      const double level =
+          rank.level * std::pow(n, -1.2) * fade_to_limit(partial_hz(format, pitch * n), highest_partial_hz);
       sound.partials.push_back({pitch * n, rank.harmonic * n, level});
     }
   }
@@ -90,17 +91,17 @@ struct ensemble {
 
 // A side partial three cycles off takes less energy to move a harmonic's centre than one that is next to it: a vibrato
 // of some 20 cents from end to end at 4 to 5 Hz, where the neighbour would be a beating of more than 10 dB.
-constexpr int32_t k_centring_cycles = 3;
-constexpr double k_centred_within_cents = 1.8;
+constexpr int32_t centring_cycles = 3;
+constexpr double centred_within_cents = 1.8;
 
 // Adds the partial that brings the centre of `harmonic`, `lead` cycles too high, near enough to the root key.
 void centre_harmonic(int32_t harmonic, int32_t lead, double level, tone* sound) {
   const double wanted = sound->root_cycles * harmonic;
-  const double allowed = wanted * (std::exp2(k_centred_within_cents / 1200.0) - 1.0);
+  const double allowed = wanted * (std::exp2(centred_within_cents / 1200.0) - 1.0);
   const double excess = std::abs(lead - wanted) - allowed;
   if (excess <= 0.0) return;
-  const double energy = excess / (k_centring_cycles - excess);
-  const int32_t side = lead < wanted ? k_centring_cycles : -k_centring_cycles;
+  const double energy = excess / (centring_cycles - excess);
+  const int32_t side = lead < wanted ? centring_cycles : -centring_cycles;
   sound->partials.push_back({lead + side, harmonic, level * std::sqrt(energy)});
 }
 
@@ -146,10 +147,10 @@ tone bell(const loop_format& format) {
     int32_t harmonic;
     double db;
   };
-  constexpr mode k_modes[] = {{0.5, 0, -16.0}, {1.0, 1, 0.0},  {1.2, 0, -20.0}, {1.5, 0, -17.0},
-                              {2.0, 2, -1.0},  {3.0, 3, -4.0}, {4.0, 4, -6.0}};
-  constexpr double k_limit_hz = 15000.0;
-  constexpr double k_stretch = 0.0007;
+  constexpr mode modes[] = {{0.5, 0, -16.0}, {1.0, 1, 0.0},  {1.2, 0, -20.0}, {1.5, 0, -17.0},
+                            {2.0, 2, -1.0},  {3.0, 3, -4.0}, {4.0, 4, -6.0}};
+  constexpr double highest_partial_hz = 15000.0;
+  constexpr double stretch = 0.0007;
   tone sound = empty_tone(format);
   const int32_t pitch = whole(sound.root_cycles);
   const auto add = [&](double ratio, int32_t harmonic, double level) {
@@ -158,12 +159,12 @@ tone bell(const loop_format& format) {
     // No casting is quite round: each mode is a pair, here a cycle apart, whose beating is the bell's slow warble.
     sound.partials.push_back({cycles + 1, harmonic, 0.2 * level});
   };
-  for (const mode& mode : k_modes) add(mode.ratio, mode.harmonic, std::pow(10.0, mode.db / 20.0));
+  for (const mode& mode : modes) add(mode.ratio, mode.harmonic, std::pow(10.0, mode.db / 20.0));
   for (int32_t n = 5;; ++n) {
-    const double ratio = n * std::sqrt((1.0 + k_stretch * n * n) / (1.0 + k_stretch * 16.0));
+    const double ratio = n * std::sqrt((1.0 + stretch * n * n) / (1.0 + stretch * 16.0));
     const double hz = partial_hz(format, ratio * pitch);
-    if (hz >= k_limit_hz) return sound;
-    add(ratio, 0, 1.8 / n * fade_to_limit(hz, k_limit_hz));
+    if (hz >= highest_partial_hz) return sound;
+    add(ratio, 0, 1.8 / n * fade_to_limit(hz, highest_partial_hz));
   }
 }
 

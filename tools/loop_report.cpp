@@ -35,11 +35,11 @@ std::vector<double> table_of(const loop_format& format, const std::vector<float>
 }
 
 double ripple_db(const std::vector<double>& signal) {
-  constexpr size_t k_stretch = 2205;
+  constexpr size_t stretch = 2205;
   double loudest = 0.0;
   double softest = 1e30;
-  for (size_t at = 0; at + k_stretch <= signal.size(); at += k_stretch / 4) {
-    const double here = power(signal, at, k_stretch);
+  for (size_t at = 0; at + stretch <= signal.size(); at += stretch / 4) {
+    const double here = power(signal, at, stretch);
     loudest = std::max(loudest, here);
     softest = std::min(softest, here);
   }
@@ -60,10 +60,10 @@ struct playback {
 };
 
 playback play(const loop_format& format, const std::vector<double>& table) {
-  constexpr size_t k_wraps = 8;
+  constexpr size_t measured_wraps = 8;
   playback result;
   float phase = 0.0F;
-  while (result.wraps.size() < k_wraps) {
+  while (result.wraps.size() < measured_wraps) {
     const auto entry = static_cast<size_t>(phase);
     const double after = phase - static_cast<double>(entry);
     const double next = entry + 1 < table.size() ? table[entry + 1] : 0.0;
@@ -78,18 +78,18 @@ playback play(const loop_format& format, const std::vector<double>& table) {
   return result;
 }
 
-constexpr size_t k_window = 256;
+constexpr size_t window = 256;
 
 // Energy above 17 kHz, where no loop has partials, in a Hann window about sample `centre`.
 double high_energy(const std::vector<double>& samples, size_t centre) {
-  constexpr size_t k_first_bin = 17000 * k_window / 44100;
-  const double turn = 2.0 * std::acos(-1.0) / k_window;
+  constexpr size_t first_bin = 17000 * window / 44100;
+  const double turn = 2.0 * std::acos(-1.0) / window;
   double energy = 0.0;
-  for (size_t bin = k_first_bin; bin < k_window / 2; ++bin) {
+  for (size_t bin = first_bin; bin < window / 2; ++bin) {
     std::complex<double> sum;
-    for (size_t i = 0; i < k_window; ++i) {
+    for (size_t i = 0; i < window; ++i) {
       const double hann = 0.5 - 0.5 * std::cos(turn * static_cast<double>(i));
-      sum += samples[centre - k_window / 2 + i] * std::polar(hann, -turn * static_cast<double>(bin * i % k_window));
+      sum += samples[centre - window / 2 + i] * std::polar(hann, -turn * static_cast<double>(bin * i % window));
     }
     energy += std::norm(sum);
   }

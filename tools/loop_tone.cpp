@@ -14,13 +14,13 @@ namespace {
 
 using complex = std::complex<double>;
 
-const double k_turn = 2.0 * std::acos(-1.0);
-constexpr double k_full_scale = 32767.0;
-constexpr double k_tilt_steps = 65536.0;  // per unit of tilt
+const double turn = 2.0 * std::acos(-1.0);
+constexpr double full_scale = 32767.0;
+constexpr double tilt_steps = 65536.0;  // per unit of tilt
 
 int32_t on_phase_grid(double radians) {
-  const auto phase = static_cast<int32_t>(std::lround(radians / k_turn * k_phases_per_turn)) % k_phases_per_turn;
-  return phase < 0 ? phase + k_phases_per_turn : phase;
+  const auto phase = static_cast<int32_t>(std::lround(radians / turn * phases_per_turn)) % phases_per_turn;
+  return phase < 0 ? phase + phases_per_turn : phase;
 }
 
 double tilted_level(const partial& partial, const tone& tone, double tilt) {
@@ -31,24 +31,24 @@ double tilted_level(const partial& partial, const tone& tone, double tilt) {
 class partial_adder {
  public:
   explicit partial_adder(int32_t period) : turn_(static_cast<size_t>(period)) {
-    for (size_t i = 0; i < turn_.size(); ++i) turn_[i] = std::polar(1.0, k_turn * static_cast<double>(i) / period);
+    for (size_t i = 0; i < turn_.size(); ++i) turn_[i] = std::polar(1.0, turn * static_cast<double>(i) / period);
   }
 
   // `level` may be negative, which removes the partial. A block's angles are those of the first block turned by the
   // block's first: few look-ups and a plain inner loop.
   void add(const partial& partial, double level, std::vector<double>* signal) const {
-    constexpr size_t k_block = 128;
+    constexpr size_t block_samples = 128;
     const auto cycles = static_cast<size_t>(partial.cycles);
-    std::array<double, k_block> cosine{};
-    std::array<double, k_block> sine{};
-    for (size_t i = 0; i < k_block; ++i) {
+    std::array<double, block_samples> cosine{};
+    std::array<double, block_samples> sine{};
+    for (size_t i = 0; i < block_samples; ++i) {
       cosine[i] = turn_[cycles * i % turn_.size()].real();
       sine[i] = turn_[cycles * i % turn_.size()].imag();
     }
-    const complex start = level * std::polar(1.0, k_turn * partial.phase / k_phases_per_turn);
-    for (size_t first = 0; first < signal->size(); first += k_block) {
+    const complex start = level * std::polar(1.0, turn * partial.phase / phases_per_turn);
+    for (size_t first = 0; first < signal->size(); first += block_samples) {
       const complex at = start * turn_[cycles * first % turn_.size()];
-      const size_t count = std::min(k_block, signal->size() - first);
+      const size_t count = std::min(block_samples, signal->size() - first);
       double* out = signal->data() + first;
       for (size_t i = 0; i < count; ++i) out[i] += at.real() * cosine[i] - at.imag() * sine[i];
     }
@@ -125,13 +125,13 @@ class peak_cutter {
     while (size < static_cast<size_t>(5 * (highest / common) / 2)) size *= 2;
     bins_.resize(size);
     for (size_t i = 0; i < size / 2; ++i) {
-      roots_.push_back(std::polar(1.0, -k_turn * static_cast<double>(i) / static_cast<double>(size)));
+      roots_.push_back(std::polar(1.0, -turn * static_cast<double>(i) / static_cast<double>(size)));
     }
     for (const partial& partial : tone.partials) {
-      const double half_step = 0.5 * k_turn * partial.cycles / tone.period;
+      const double half_step = 0.5 * turn * partial.cycles / tone.period;
       lines_.push_back({static_cast<size_t>(partial.cycles / common), tilted_level(partial, tone, tilt),
-                        std::polar(2.0 * std::sin(half_step), half_step + 0.25 * k_turn),
-                        k_turn * partial.phase / k_phases_per_turn});
+                        std::polar(2.0 * std::sin(half_step), half_step + 0.25 * turn),
+                        turn * partial.phase / phases_per_turn});
     }
   }
 
@@ -200,25 +200,25 @@ void start_near_zero(double tilt, tone* tone) {
   const auto shift = static_cast<int64_t>(nearest - signal.begin());
   for (partial& partial : tone->partials) {
     const double turns = static_cast<double>(shift * partial.cycles % tone->period) / tone->period;
-    partial.phase = on_phase_grid(k_turn * (turns + static_cast<double>(partial.phase) / k_phases_per_turn));
+    partial.phase = on_phase_grid(turn * (turns + static_cast<double>(partial.phase) / phases_per_turn));
   }
 }
 
 // Steps count for more than the signal: the lower their peaks, the more harmonics go into the largest step.
 void search_phases(double tilt, tone* tone) {
-  constexpr int k_cuts = 150;
-  constexpr double k_weight_of_steps = 3.0;
+  constexpr int cuts = 150;
+  constexpr double weight_of_steps = 3.0;
   peak_cutter cutter(*tone, tilt);
   std::vector<double> best;
   double lowest = 1e9;
-  for (int i = 0; i < k_cuts; ++i) {
+  for (int i = 0; i < cuts; ++i) {
     const peak_cutter::crests crests = cutter.render();
-    const double score = crests.signal + k_weight_of_steps * crests.steps;
+    const double score = crests.signal + weight_of_steps * crests.steps;
     if (score < lowest) {
       lowest = score;
       cutter.keep_phases(&best);
     }
-    const double limit = 0.75 + 0.2 * i / k_cuts;
+    const double limit = 0.75 + 0.2 * i / cuts;
     if (i % 4 == 0) {
       cutter.cut_signal(limit);
     } else {
@@ -238,11 +238,11 @@ double mirrored_score(const std::vector<double>& signal) {
 }
 
 void search_signs(double tilt, tone* tone) {
-  constexpr int k_passes = 6;
+  constexpr int passes = 6;
   const partial_adder adder(tone->period);
   std::vector<double> signal = tone_signal(*tone, tilt, distinct_entries(*tone));
   double lowest = mirrored_score(signal);
-  for (int pass = 0; pass < k_passes; ++pass) {
+  for (int pass = 0; pass < passes; ++pass) {
     for (partial& partial : tone->partials) {
       std::vector<double> flipped = signal;
       adder.add(partial, -2.0 * tilted_level(partial, *tone, tilt), &flipped);
@@ -250,7 +250,7 @@ void search_signs(double tilt, tone* tone) {
       if (score >= lowest) continue;
       lowest = score;
       signal.swap(flipped);
-      partial.phase = k_phases_per_turn / 2 - partial.phase;
+      partial.phase = phases_per_turn / 2 - partial.phase;
     }
   }
 }
@@ -305,9 +305,9 @@ void scatter_phases(random_source* random, tone* tone) {
   for (partial& partial : tone->partials) {
     const double turns = next_uniform(random);
     if (tone->mirrored) {
-      partial.phase = turns < 0.5 ? 0 : k_phases_per_turn / 2;
+      partial.phase = turns < 0.5 ? 0 : phases_per_turn / 2;
     } else {
-      partial.phase = on_phase_grid(k_turn * turns);
+      partial.phase = on_phase_grid(turn * turns);
     }
   }
 }
@@ -321,24 +321,24 @@ void flatten_tone(double tilt, tone* tone) {
 }
 
 double find_tilt(const tone& tone, int32_t wanted_step) {
-  auto low = static_cast<int32_t>(-2 * k_tilt_steps);
-  auto high = static_cast<int32_t>(4 * k_tilt_steps);
+  auto low = static_cast<int32_t>(-2 * tilt_steps);
+  auto high = static_cast<int32_t>(4 * tilt_steps);
   while (low < high) {
     const int32_t middle = low + (high - low) / 2;
-    const std::vector<double> signal = tone_signal(tone, middle / k_tilt_steps, distinct_entries(tone));
-    const double step = largest_step(signal, !tone.mirrored) * k_full_scale / peak(signal);
+    const std::vector<double> signal = tone_signal(tone, middle / tilt_steps, distinct_entries(tone));
+    const double step = largest_step(signal, !tone.mirrored) * full_scale / peak(signal);
     if (step > wanted_step) {
       low = middle + 1;
     } else {
       high = middle;
     }
   }
-  return low / k_tilt_steps;
+  return low / tilt_steps;
 }
 
 std::vector<int16_t> source_signal(const tone& tone, double tilt, int32_t wanted_step, int32_t count) {
   const std::vector<double> signal = tone_signal(tone, tilt, distinct_entries(tone));
-  const double scale = k_full_scale / peak(signal);
+  const double scale = full_scale / peak(signal);
   std::vector<int16_t> samples;
   samples.reserve(static_cast<size_t>(count));
   for (const double value : signal) samples.push_back(static_cast<int16_t>(std::lround(value * scale)));

@@ -6,14 +6,14 @@
 
 // Phases are kept on this grid: the searches below may differ in the last bit between mathematics libraries, and their
 // rounded results don't.
-constexpr int32_t k_phases_per_turn = 4096;
+constexpr int32_t phases_per_turn = 4096;
 
-// level * cos(2 pi (cycles * entry / period + phase / k_phases_per_turn)).
+// level * cos(2 pi (cycles * entry / period + phase / phases_per_turn)).
 struct partial {
   int32_t cycles;     // whole cycles in one period, so that the tone has no seam
   int32_t harmonic;   // of the root key, 0 for one that belongs to no harmonic
   double level;       // amplitude before the tilt, any unit
-  int32_t phase = 0;  // 0 to k_phases_per_turn - 1
+  int32_t phase = 0;  // 0 to phases_per_turn - 1
 };
 
 struct tone {

@@ -26,7 +26,7 @@ int main(int count, char** arguments) {
     return 2;
   }
   std::fputs(report_heading().c_str(), stdout);
-  for (int32_t loop = 0; loop < k_made_loops; ++loop) {
+  for (int32_t loop = 0; loop < made_loops; ++loop) {
     const made_loop made = make_sample_loop(loop);
     const std::filesystem::path path = std::filesystem::path(arguments[1]) / ("loop" + std::to_string(loop) + ".s8");
     if (!write_bytes(path, made)) {

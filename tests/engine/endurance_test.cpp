@@ -7,20 +7,20 @@
 
 namespace {
 
-constexpr int k_pattern_seconds = 24;  // after which inputs, carriers and notes meet in the same way again
-constexpr int32_t k_block = 490;
-constexpr int k_blocks_per_second = 90;
+constexpr int pattern_seconds = 24;  // after which inputs, carriers and notes meet in the same way again
+constexpr int32_t block_samples = 490;
+constexpr int blocks_per_second = 90;
 
 // No algorithm remembers for longer than some seconds. What is around them, counters and the reverb among it, is the
 // same for all, and gets its ten minutes under the quickest of them. The sanitizers slow the engine down by a factor of
 // ten and more.
 int seconds_of(int mode) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr int ten_minutes = k_pattern_seconds;
+  constexpr int ten_minutes = pattern_seconds;
 #else
-  constexpr int ten_minutes = 25 * k_pattern_seconds;
+  constexpr int ten_minutes = 25 * pattern_seconds;
 #endif
-  return mode == 1 ? ten_minutes : k_pattern_seconds;
+  return mode == 1 ? ten_minutes : pattern_seconds;
 }
 
 class Endurance : public testing::TestWithParam<int> {
@@ -38,17 +38,17 @@ class Endurance : public testing::TestWithParam<int> {
   void fill(int second, uint32_t seed, waveform* block) const {
     switch (second % 4) {
       case 0:
-        *block = noise(k_block, 1.0F, seed);
+        *block = noise(block_samples, 1.0F, seed);
         break;
       case 1:
-        *block = silence(k_block);
+        *block = silence(block_samples);
         break;
       case 2:
-        block->assign(k_block, spoilt[static_cast<size_t>(second / 4) % spoilt.size()]);
+        block->assign(block_samples, spoilt[static_cast<size_t>(second / 4) % spoilt.size()]);
         break;
       default:
-        *block = noise(k_block, 1.0F, seed);
-        for (size_t i = seed % 7; i < k_block; i += 61) (*block)[i] = spoilt[i % spoilt.size()];
+        *block = noise(block_samples, 1.0F, seed);
+        for (size_t i = seed % 7; i < block_samples; i += 61) (*block)[i] = spoilt[i % spoilt.size()];
     }
   }
 
@@ -59,11 +59,11 @@ class Endurance : public testing::TestWithParam<int> {
     for (const int32_t note : {40, 52, 59}) {
       second % 3 == 0 ? vocoder_note_on(note, 127, instance.get()) : vocoder_note_off(note, 0, instance.get());
     }
-    for (int block = 0; block < k_blocks_per_second; ++block) {
-      const auto seed = static_cast<uint32_t>(second * k_blocks_per_second + block + 1);
+    for (int block = 0; block < blocks_per_second; ++block) {
+      const auto seed = static_cast<uint32_t>(second * blocks_per_second + block + 1);
       fill(second, seed, &voice);
       fill(second + block / 40, seed * 7, &carrier);
-      const stereo out = run(sound, voice, carrier, k_block, instance.get(), {.chorus = 1, .reverb = 1});
+      const stereo out = run(sound, voice, carrier, block_samples, instance.get(), {.chorus = 1, .reverb = 1});
       EXPECT_TRUE(all_finite(out.left) && all_finite(out.right)) << "second " << second;
       loudest = std::max({loudest, peak(out.left), peak(out.right)});
     }
@@ -85,7 +85,7 @@ TEST_P(Endurance, NeverMakesABadSample) {
   EXPECT_LT(loudest, 1000.0F);
 
   spoilt = {-1e30F, 1e20F, 3e38F};
-  for (int second = 0; second < k_pattern_seconds / 2; ++second) play(second);
+  for (int second = 0; second < pattern_seconds / 2; ++second) play(second);
   sound[value_reverb_level] = 0.0F;  // finite samples stay in its tail
   spoilt.fill(0.0F);
   play(1);

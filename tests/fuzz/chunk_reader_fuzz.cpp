@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr state::plugin_identity k_identity{0x4B56344D, 1};
-constexpr int k_deepest = 4;
+constexpr state::plugin_identity identity{0x4B56344D, 1};
+constexpr int deepest = 4;
 
 // Tries every reader on the chunk, whatever its id, and on its nested chunks.
 void read_everything(const chunks::chunk& chunk, int depth);
@@ -28,7 +28,7 @@ void read_programs(state::opened_image image) {
   for (;;) {
     chunks::chunk record;
     image.programs.next(&record);
-    read_everything(record, k_deepest - 1);
+    read_everything(record, deepest - 1);
   }
 }
 
@@ -39,7 +39,7 @@ void read_everything(const chunks::chunk& chunk, int depth) {
     try_to([&] { state::read_program(chunk); });
     try_to([&] { state::read_program_name(chunk); });
   }
-  if (depth == k_deepest || chunk.size() < chunks::chunk_header_size) return;
+  if (depth == deepest || chunk.size() < chunks::chunk_header_size) return;
   try_to([&] {
     chunks::chunk_input_stream stream(chunk);
     while (stream.cursor().left() > 0) {
@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     try_to([&] { read_everything(chunks::chunk(block), 0); });
     for (const auto kind : {state::image_kind::bank, state::image_kind::single_program}) {
       try_to([&] {
-        if (auto image = state::open_image(block, kind, k_identity)) read_programs(*image);
+        if (auto image = state::open_image(block, kind, identity)) read_programs(*image);
       });
     }
   }

@@ -12,18 +12,18 @@
 
 namespace {
 
-constexpr VstInt32 k_most_programs = 64;
+constexpr VstInt32 most_programs = 64;
 
 class fuzzed_effect {
  public:
   fuzzed_effect() {
-    effect_.vendorSpecific(k_handshake_id, 1, nullptr, 0.0F);
+    effect_.vendorSpecific(handshake_id, 1, nullptr, 0.0F);
     halvern::logbook_impl::instance().levels = 0;
     recording.running = false;
   }
 
   // The number of programs only grows.
-  bool worn() { return effect_.getAeffect()->numPrograms > k_most_programs; }
+  bool worn() { return effect_.getAeffect()->numPrograms > most_programs; }
 
   void restore(const uint8_t* bytes, size_t size, bool single_program) {
     std::vector<uint8_t> copy(bytes, bytes + size);

@@ -11,7 +11,7 @@ namespace {
 
 TEST(AudioRequests, AskForAKeyUpdateOncePerChangeThatMovesKeys) {
   audio_requests requests;
-  EXPECT_EQ(requests.sound(), k_no_row);
+  EXPECT_EQ(requests.sound(), no_row);
   EXPECT_FALSE(requests.take_key_update());
   const auto is_taken_once = [&] { return requests.take_key_update() && !requests.take_key_update(); };
   requests.hold_keys({});
@@ -19,17 +19,17 @@ TEST(AudioRequests, AskForAKeyUpdateOncePerChangeThatMovesKeys) {
   requests.choose_sound(5);
   EXPECT_TRUE(is_taken_once());
   EXPECT_EQ(requests.sound(), 5);
-  requests.turn(k_octave_on, true);
+  requests.turn(parameter_octave_on, true);
   EXPECT_TRUE(is_taken_once());
-  EXPECT_TRUE(requests.is_on(k_octave_on));
+  EXPECT_TRUE(requests.is_on(parameter_octave_on));
 
-  requests.turn(k_chorus_on, true);
-  requests.set_switch(k_octave_on, false);
+  requests.turn(parameter_chorus_on, true);
+  requests.set_switch(parameter_octave_on, false);
   requests.set_sound(6);
   EXPECT_FALSE(requests.take_key_update());
-  EXPECT_TRUE(requests.is_on(k_chorus_on));
-  EXPECT_FALSE(requests.is_on(k_reverb_on));
-  EXPECT_FALSE(requests.is_on(k_octave_on));
+  EXPECT_TRUE(requests.is_on(parameter_chorus_on));
+  EXPECT_FALSE(requests.is_on(parameter_reverb_on));
+  EXPECT_FALSE(requests.is_on(parameter_octave_on));
   EXPECT_EQ(requests.sound(), 6);
 }
 

@@ -64,8 +64,8 @@ TEST(BuiltInPrograms, KeepTheirNamesAndSounds) {
 TEST_F(Catalogue, FindsRowsByUuidWithoutRegardToCase) {
   EXPECT_EQ(catalogue.find_row_by_uuid("QUORVANT.factory.dark_CLASSIC_Ring_mod"), 9);
   EXPECT_EQ(catalogue.find_row_by_uuid(""), 0);
-  EXPECT_EQ(catalogue.find_row_by_uuid("quorvant.factory.Dark_Classic_Ring_Mo"), k_no_row);
-  EXPECT_EQ(sound_catalogue().find_row_by_uuid(""), k_no_row);
+  EXPECT_EQ(catalogue.find_row_by_uuid("quorvant.factory.Dark_Classic_Ring_Mo"), no_row);
+  EXPECT_EQ(sound_catalogue().find_row_by_uuid(""), no_row);
 }
 
 TEST_F(Catalogue, RepeatsItsRowsWithoutCopyingThem) {

@@ -35,13 +35,13 @@ class Effect : public testing::Test {
  protected:
   Effect() { recording = {}; }
 
-  void shake_hands() { ASSERT_EQ(effect.vendorSpecific(k_handshake_id, 1, nullptr, 0.0F), 1); }
+  void shake_hands() { ASSERT_EQ(effect.vendorSpecific(handshake_id, 1, nullptr, 0.0F), 1); }
 
   // Ready, with the first chord held, but on the menu's first separator and with all switches off.
   void start_without_sound() {
     shake_hands();
     effect.select_preset_by_index(0);
-    effect.setParameter(k_octave_on, 0.0F);
+    effect.setParameter(parameter_octave_on, 0.0F);
     host.automated.clear();
   }
 
@@ -87,12 +87,12 @@ inline void expect_dry(const stereo_block& block) {
 }
 
 inline void expect_processed(const stereo_block& block) {
-  EXPECT_THAT(block.out_left, testing::Each(k_recorded_left));
-  EXPECT_THAT(block.out_right, testing::Each(k_recorded_right));
+  EXPECT_THAT(block.out_left, testing::Each(recorded_left));
+  EXPECT_THAT(block.out_right, testing::Each(recorded_right));
 }
 
 // Positions in the menu.
-constexpr int32_t k_first_sound = 3;
-constexpr int32_t k_first_title = 1;
-constexpr int32_t k_first_electronica_sound = 14;
-constexpr int32_t k_ambient_indigo = 65;  // root key 60
+constexpr int32_t first_sound = 3;
+constexpr int32_t first_title = 1;
+constexpr int32_t first_electronica_sound = 14;
+constexpr int32_t ambient_indigo = 65;  // root key 60

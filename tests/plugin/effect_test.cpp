@@ -18,13 +18,13 @@ TEST_F(Effect, OwnsOneEngineFromConstructionToDestruction) {
 }
 
 TEST_F(Effect, IsSilentUntilTheHandshakeAndThenSingsTheDefaultBanksFirstProgram) {
-  for (const auto& [index, value] : {std::pair(k_handshake_id, 0), {k_handshake_id, 2}, {k_handshake_id + 1, 1}}) {
+  for (const auto& [index, value] : {std::pair(handshake_id, 0), {handshake_id, 2}, {handshake_id + 1, 1}}) {
     EXPECT_EQ(effect.vendorSpecific(index, value, nullptr, 0.0F), 0);
   }
   const stereo_block block = run_block();
   EXPECT_THAT(block.out_left, Each(0.0F));
   EXPECT_THAT(block.out_right, Each(0.0F));
-  effect.select_preset_by_index(k_first_sound);  // there is no such row yet
+  effect.select_preset_by_index(first_sound);  // there is no such row yet
 
   shake_hands();
   EXPECT_EQ(effect.getAeffect()->flags & effFlagsHasEditor, 0);
@@ -35,9 +35,9 @@ TEST_F(Effect, IsSilentUntilTheHandshakeAndThenSingsTheDefaultBanksFirstProgram)
 TEST_F(Effect, GivesTheEngineAKeyOnlyInTheBlockOfASwitch) {
   start_without_sound();
   expect_dry(run_block());
-  effect.setParameter(k_chorus_on, 1.0F);
-  effect.select_preset_by_index(k_first_sound);
-  effect.select_preset_by_index(k_first_electronica_sound);
+  effect.setParameter(parameter_chorus_on, 1.0F);
+  effect.select_preset_by_index(first_sound);
+  effect.select_preset_by_index(first_electronica_sound);
   stereo_block block = run_block(5);
   expect_processed(block);
   run_block(0);
@@ -55,21 +55,21 @@ TEST_F(Effect, GivesTheEngineAKeyOnlyInTheBlockOfASwitch) {
   EXPECT_EQ(recording.blocks[1].frames, 0);
 
   gate.has_token = false;
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   run_block();
   EXPECT_EQ(recording.blocks[2].sound_key, "");
 }
 
 TEST_F(Effect, TakesRowsWithoutASoundAndIgnoresPositionsOutsideTheMenu) {
   start_without_sound();
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   run_block();
   for (const int32_t row : {-1, 67, INT32_MAX, INT32_MIN}) effect.select_preset_by_index(row);
   EXPECT_THAT(calls_of_block(), ElementsAre("process"));
   EXPECT_EQ(effect.sound_uuid(), "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder");
 
   const log_capture log;
-  effect.select_preset_by_index(k_first_title);
+  effect.select_preset_by_index(first_title);
   expect_dry(run_block());
   EXPECT_EQ(effect.sound_uuid(), "");
   EXPECT_EQ(log.text(), "");
@@ -77,16 +77,16 @@ TEST_F(Effect, TakesRowsWithoutASoundAndIgnoresPositionsOutsideTheMenu) {
 
 TEST_F(Effect, AsksTheGateForEachChoiceAndEachSwitch) {
   start_without_sound();
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   gate.refused_category = 10001;
-  effect.select_preset_by_index(k_first_electronica_sound);
+  effect.select_preset_by_index(first_electronica_sound);
   EXPECT_EQ(effect.sound_uuid(), "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder");
   EXPECT_TRUE(effect.getCategories()[0]->activated);
   EXPECT_FALSE(effect.getCategories()[1]->activated);
   expect_processed(run_block());
 
   gate.refused_category = 0;
-  effect.select_preset_by_index(k_first_electronica_sound);
+  effect.select_preset_by_index(first_electronica_sound);
   gate.refused_category = 10001;
   const log_capture log;
   expect_dry(run_block());
@@ -96,15 +96,15 @@ TEST_F(Effect, AsksTheGateForEachChoiceAndEachSwitch) {
 
 TEST_F(Effect, MovesTheKeysWithTheSoundAndTheOctaveSwitch) {
   start_without_sound();
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   run_block();
 
-  effect.setParameter(k_octave_on, 1.0F);
+  effect.setParameter(parameter_octave_on, 1.0F);
   EXPECT_THAT(calls_of_block(), ElementsAre("off 48 0", "off 52 0", "off 55 0",  //
                                             "on 60 127", "on 64 127", "on 67 127", "process"));
   hold_keys({0, 12});
   run_block();
-  effect.select_preset_by_index(k_ambient_indigo);
+  effect.select_preset_by_index(ambient_indigo);
   EXPECT_THAT(calls_of_block(), ElementsAre("off 48 0", "off 60 0", "on 72 127", "on 84 127", "process"));
 
   effect.select_preset_by_index(0);  // without a sound the octave switch has no effect
@@ -114,7 +114,7 @@ TEST_F(Effect, MovesTheKeysWithTheSoundAndTheOctaveSwitch) {
 
 TEST_F(Effect, StrikesHeldKeysAgainAtANewRateAndIsProcessedOnceAnotherSoundIsChosen) {
   start_without_sound();
-  effect.select_preset_by_index(k_ambient_indigo);
+  effect.select_preset_by_index(ambient_indigo);
   run_block();
   recording.calls.clear();
   effect.setSampleRate(48000.0F);
@@ -122,20 +122,20 @@ TEST_F(Effect, StrikesHeldKeysAgainAtANewRateAndIsProcessedOnceAnotherSoundIsCho
   EXPECT_THAT(recording.take_calls(), ElementsAre("destroy", "create 48000"));
   EXPECT_THAT(calls_of_block(), ElementsAre("on 72 127", "on 76 127", "on 79 127", "process"));
 
-  effect.select_preset_by_index(k_ambient_indigo);
+  effect.select_preset_by_index(ambient_indigo);
   EXPECT_THAT(run_block().out_right, Each(9.0F)) << "left unwritten: the new engine has no sound yet";
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   expect_processed(run_block());
 }
 
 TEST_F(Effect, SwitchesAParameterOnAtExactlyOneAndReportsOnlyTheEditorsChangesToTheHost) {
   start_without_sound();
-  effect.select_preset_by_index(k_first_sound);
-  effect.setParameter(k_reverb_on, 0.7F);
+  effect.select_preset_by_index(first_sound);
+  effect.setParameter(parameter_reverb_on, 0.7F);
   run_block();
-  EXPECT_EQ(effect.getParameter(k_reverb_on), 0.7F);
+  EXPECT_EQ(effect.getParameter(parameter_reverb_on), 0.7F);
   EXPECT_EQ(recording.blocks.back().reverb_on, 0);
-  effect.setParameter(k_reverb_on, 1.0F);
+  effect.setParameter(parameter_reverb_on, 1.0F);
   run_block();
   EXPECT_EQ(recording.blocks.back().reverb_on, 1);
   EXPECT_EQ(recording.blocks.back().chorus_on, 0);
@@ -144,8 +144,8 @@ TEST_F(Effect, SwitchesAParameterOnAtExactlyOneAndReportsOnlyTheEditorsChangesTo
   for (const VstInt32 index : {2, 3, -1}) effect.setParameterAutomated(index, 1.0F);
   EXPECT_THAT(host.automated, ElementsAre(Pair(2, 1.0F)));
   effect.lose_host();
-  effect.setParameterAutomated(k_chorus_on, 1.0F);
-  EXPECT_EQ(effect.getParameter(k_chorus_on), 1.0F);
+  effect.setParameterAutomated(parameter_chorus_on, 1.0F);
+  EXPECT_EQ(effect.getParameter(parameter_chorus_on), 1.0F);
   EXPECT_EQ(host.automated.size(), 1U);
 }
 
@@ -162,7 +162,7 @@ TEST_F(Effect, FeedsMonoToBothSidesAndSilenceForAMissingSecondInput) {
     block.run_with(first_alone, effect.getAeffect());
     EXPECT_EQ(block.out_left, block.left);
     EXPECT_EQ(block.out_right, channels == 1 ? block.left : std::vector<float>(4, 0.0F));
-    effect.select_preset_by_index(k_first_sound);
+    effect.select_preset_by_index(first_sound);
     block.run_with(first_alone, effect.getAeffect());
     EXPECT_THAT(recording.blocks.back().inputs, ElementsAre(first_alone[0], second, nullptr, nullptr));
     EXPECT_EQ(log.text(), line + line);

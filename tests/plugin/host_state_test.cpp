@@ -8,7 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::Pair;
 
-constexpr size_t k_head_size = 160;
+constexpr size_t head_size = 160;
 
 class HostState : public Effect {
  protected:
@@ -42,7 +42,7 @@ std::string bank_of(int count, int32_t current_program, int32_t version = 1) {
 // The records of a bank, with their headers.
 std::vector<std::string> records_of(const std::string& bank) {
   std::vector<std::string> records;
-  for (size_t at = k_head_size; at < bank.size(); at += records.back().size()) {
+  for (size_t at = head_size; at < bank.size(); at += records.back().size()) {
     const size_t size = static_cast<uint8_t>(bank[at + 6]) * 256U + static_cast<uint8_t>(bank[at + 7]);
     records.push_back(bank.substr(at, 8 + size));
   }
@@ -58,8 +58,8 @@ TEST_F(HostState, ComesBackByteForByte) {
   shake_hands();
   const std::string factory_state = save();
   effect.setProgram(7);
-  effect.select_preset_by_index(k_ambient_indigo);
-  effect.setParameter(k_reverb_on, 1.0F);
+  effect.select_preset_by_index(ambient_indigo);
+  effect.setParameter(parameter_reverb_on, 1.0F);
   hold_keys({0, 35});
   const std::string saved = save();
   load(factory_state);
@@ -80,7 +80,7 @@ TEST_F(HostState, OfASingleProgramReplacesTheProgramInUseAndNoOther) {
   effect.setProgram(9);
   std::vector<std::string> expected = records_of(save());
   ASSERT_EQ(expected.size(), 24U);
-  expected[9] = single.substr(k_head_size);
+  expected[9] = single.substr(head_size);
   EXPECT_EQ(load(single, true), "");
   EXPECT_EQ(effect.getProgram(), 9);
   EXPECT_EQ(records_of(save()), expected);
@@ -119,7 +119,7 @@ TEST_F(HostState, ReportsAnImageThatBreaksOff) {
             "setChunk failed\nchunk::chunk(data_ref) chunk corrupt! chunk size bigger than avail data!\n");
   EXPECT_EQ(name_of(1), "Detuned Sawtooth B") << "refused as a whole";
 
-  bank[k_head_size + records_of(bank)[0].size() + 4] = 0x7F;  // the second record's size
+  bank[head_size + records_of(bank)[0].size() + 4] = 0x7F;  // the second record's size
   EXPECT_EQ(load(bank), "setChunk failed\nbasic_chunk_input_stream: chunk not valid or no chunk at all!\n");
   EXPECT_EQ(name_of(0), "Detuned Sawtooth A") << "the program in use has its live name";
   effect.setProgram(1);
@@ -130,7 +130,7 @@ TEST_F(HostState, ReportsAnImageThatBreaksOff) {
 TEST_F(HostState, WarnsAboutAForeignRecordAndStoresIt) {
   shake_hands();
   std::string bank = bank_of(24, 3);
-  bank[k_head_size] = 'X';
+  bank[head_size] = 'X';
   EXPECT_EQ(load(bank), "restored chunk broken\n");
   EXPECT_EQ(save(), bank);
 }

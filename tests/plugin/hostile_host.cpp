@@ -41,7 +41,7 @@ VstIntPtr call(AEffect* effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr v
 }
 
 void shake_hands(AEffect* effect) {
-  call(effect, effVendorSpecific, k_handshake_id, 1);
+  call(effect, effVendorSpecific, handshake_id, 1);
 }
 
 [[noreturn]] void wait_for_the_end() {

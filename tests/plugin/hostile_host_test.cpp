@@ -16,7 +16,7 @@ namespace {
 using testing::AnyOf;
 using testing::HasSubstr;
 
-constexpr int k_alarm = 128 + SIGALRM;  // what `timeout` ends with when the alarm ended the process
+constexpr int alarm = 128 + SIGALRM;  // what `timeout` ends with when the alarm ended the process
 
 // Each test has an application data folder of its own, in which the host's errors are kept, too.
 class HostileHost : public testing::Test {
@@ -44,7 +44,7 @@ TEST_F(HostileHost, EndsWhenItsStackOverflows) {
 }
 
 TEST_F(HostileHost, EndsWhenItIsTerminatedWhileThreadsAllocate) {
-  for (int round = 0; round < 5; ++round) EXPECT_THAT(end_of_host("terminate"), AnyOf(SIGTERM, k_alarm));
+  for (int round = 0; round < 5; ++round) EXPECT_THAT(end_of_host("terminate"), AnyOf(SIGTERM, alarm));
   EXPECT_EQ(crashes(), 5);
 }
 

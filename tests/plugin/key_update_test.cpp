@@ -51,12 +51,12 @@ TEST(KeyUpdate, SharesNothingBeyondTheKeyboard) {
   key_flags all_keys;
   std::ranges::fill(all_keys, uint8_t{0xFF});
   sounding_keys keys;
-  EXPECT_EQ(update_keys(all_keys, 36, &keys).on_count, k_key_count);
+  EXPECT_EQ(update_keys(all_keys, 36, &keys).on_count, key_count);
   EXPECT_EQ(keys.held[127], 0xFF) << "flags beyond the keyboard are copied, too";
 
   const note_changes far = update_keys(all_keys, 72, &keys);
-  EXPECT_EQ(far.off_count, k_key_count);
-  EXPECT_EQ(far.on_count, k_key_count);
+  EXPECT_EQ(far.off_count, key_count);
+  EXPECT_EQ(far.on_count, key_count);
 
   const note_changes near = update_keys(all_keys, 60, &keys);
   EXPECT_THAT(near.ended(), ElementsAre(96, 97, 98, 99, 100, 101, 102, 103, 104, 105, 106, 107));

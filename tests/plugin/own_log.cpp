@@ -24,7 +24,7 @@ class own_data_home : public testing::Environment {
   void TearDown() override { delete data_home; }
 };
 
-const testing::Environment* const k_own_data_home = testing::AddGlobalTestEnvironment(new own_data_home);
+const testing::Environment* const data_home_of_the_tests = testing::AddGlobalTestEnvironment(new own_data_home);
 
 // A line without its time and label, which end with a tab; the header has none.
 std::string text_of(const std::string& line) {

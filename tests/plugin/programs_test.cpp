@@ -52,7 +52,7 @@ TEST_F(Programs, AreThoseOfTheDefaultBankAfterTheHandshake) {
   EXPECT_EQ(name_of(23), "Colorized Pulser C");
   run_block();
   effect.setProgram(15);
-  EXPECT_EQ(effect.getParameter(k_chorus_on), 1.0F);
+  EXPECT_EQ(effect.getParameter(parameter_chorus_on), 1.0F);
   // The octave switch is off again.
   EXPECT_THAT(calls_of_block(), ElementsAre("off 60 0", "off 64 0", "off 67 0",  //
                                             "on 48 127", "on 52 127", "on 55 127", "process"));
@@ -65,8 +65,8 @@ TEST_F(Programs, KeepWhatWasDoneWhileTheyWereInUse) {
   shake_hands();
   set_name("Mine");
   hold_keys({0, 35, 36});  // the last one is no key of the keyboard
-  effect.setParameter(k_reverb_on, 1.0F);
-  effect.select_preset_by_index(k_ambient_indigo);
+  effect.setParameter(parameter_reverb_on, 1.0F);
+  effect.select_preset_by_index(ambient_indigo);
   host.automated.clear();
   for (const VstInt32 no_change : {0, -1, 24, INT32_MAX, INT32_MIN}) effect.setProgram(no_change);
   EXPECT_EQ(effect.getProgram(), 0);
@@ -74,7 +74,7 @@ TEST_F(Programs, KeepWhatWasDoneWhileTheyWereInUse) {
 
   effect.setProgram(3);
   EXPECT_EQ(name_of(0), "Mine");
-  EXPECT_EQ(effect.getParameter(k_reverb_on), 0.0F);
+  EXPECT_EQ(effect.getParameter(parameter_reverb_on), 0.0F);
   host.automated.clear();
   effect.setProgram(0);
   EXPECT_EQ(name(), "Mine");

@@ -38,8 +38,8 @@ int32_t vocoder_process_sound(int32_t curve, int32_t chorus_on, int32_t reverb_o
   }
   if (sound_key != nullptr) instance->has_sound = true;
   if (!instance->has_sound) return 1;
-  std::fill_n(outputs[0], frames, k_recorded_left);
-  std::fill_n(outputs[1], frames, k_recorded_right);
+  std::fill_n(outputs[0], frames, recorded_left);
+  std::fill_n(outputs[1], frames, recorded_right);
   return 0;
 }
 

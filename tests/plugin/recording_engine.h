@@ -25,5 +25,5 @@ struct engine_recording {
 extern engine_recording recording;
 
 // Samples that a block writes to the left and right output once the instance has a sound.
-constexpr float k_recorded_left = 0.25F;
-constexpr float k_recorded_right = 0.5F;
+constexpr float recorded_left = 0.25F;
+constexpr float recorded_right = 0.5F;

@@ -9,7 +9,7 @@
 
 #include "vst2/audio_effect_x.h"
 
-constexpr VstInt32 k_handshake_id = 0x4B564873;  // 'KVHs'
+constexpr VstInt32 handshake_id = 0x4B564873;  // 'KVHs'
 
 // Answers audioMasterVersion and records automation. One at a time, as the interface's callback carries no context.
 class test_host {

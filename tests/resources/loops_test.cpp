@@ -39,7 +39,7 @@ TEST_P(Loops, AreWhatTheGeneratorMakesAndMeasureWell) {
   EXPECT_LT(figures.wrap_excess_db, 0.0) << "a click";
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Loops, testing::Range(0, k_made_loops));
+INSTANTIATE_TEST_SUITE_P(All, Loops, testing::Range(0, made_loops));
 
 // The report takes the pitch from the partials; the reed, whose fundamental leads, lets it be counted in the bytes.
 TEST(LoopReport, StatesThePitchOfTheBytes) {

@@ -16,7 +16,7 @@ using state::image_bytes;
 using state::image_kind;
 using state::open_image;
 
-constexpr state::plugin_identity k_identity{0x4B56344D, 1};
+constexpr state::plugin_identity identity{0x4B56344D, 1};
 
 chunks::chunk named(const std::string& name) {
   state::program stored;
@@ -25,7 +25,7 @@ chunks::chunk named(const std::string& name) {
 }
 
 image_bytes two_programs() {
-  return bank_image(k_identity, 1, {named("one"), named("second")});
+  return bank_image(identity, 1, {named("one"), named("second")});
 }
 
 // The image with the four bytes at `offset` replaced.
@@ -59,14 +59,14 @@ TEST(BankImage, IsTheExampleOfItsDescription) {
   mine.sound_uuid = "quorvant.electronica_hook_vocoders.Miogua";
   mine.reverb_on = true;
   for (const size_t key : {12U, 16U, 19U}) mine.keys[key] = 1;
-  const image_bytes image = single_program_image(k_identity, 7, to_chunk(mine));
+  const image_bytes image = single_program_image(identity, 7, to_chunk(mine));
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(image->bytes()), image->size()), example_of_the_format());
 }
 
 TEST(BankImage, OpensAtItsFirstProgramWhateverTheReservedFieldsHold) {
   auto image = with_number(with_number(two_programs(), 100, 0xDEADBEEF), 156, 3);
   image->append("trailing", 8);
-  auto opened = open_image(image, image_kind::bank, k_identity);
+  auto opened = open_image(image, image_kind::bank, identity);
   ASSERT_TRUE(opened);
   EXPECT_EQ(opened->program_count, 2);
   EXPECT_EQ(opened->current_program, 1);
@@ -80,13 +80,13 @@ TEST(BankImage, OpensAtItsFirstProgramWhateverTheReservedFieldsHold) {
 
 TEST(BankImage, OfAnotherKindPluginOrFormatIsNotOpened) {
   const auto image = two_programs();
-  EXPECT_FALSE(open_image(image, image_kind::single_program, k_identity));
-  EXPECT_FALSE(open_image(image, image_kind::bank, {k_identity.id, 2}));
-  EXPECT_FALSE(open_image(with_number(image, 0, 0x4B6E6343), image_kind::bank, k_identity));   // id
-  EXPECT_FALSE(open_image(with_number(image, 8, 0x46424368), image_kind::bank, k_identity));   // the published magic
-  EXPECT_FALSE(open_image(with_number(image, 12, 2), image_kind::bank, k_identity));           // format
-  EXPECT_FALSE(open_image(with_number(image, 16, 0x4B56344E), image_kind::bank, k_identity));  // plug-in
-  EXPECT_TRUE(open_image(with_number(image, 12, 0), image_kind::bank, k_identity));
+  EXPECT_FALSE(open_image(image, image_kind::single_program, identity));
+  EXPECT_FALSE(open_image(image, image_kind::bank, {identity.id, 2}));
+  EXPECT_FALSE(open_image(with_number(image, 0, 0x4B6E6343), image_kind::bank, identity));   // id
+  EXPECT_FALSE(open_image(with_number(image, 8, 0x46424368), image_kind::bank, identity));   // the published magic
+  EXPECT_FALSE(open_image(with_number(image, 12, 2), image_kind::bank, identity));           // format
+  EXPECT_FALSE(open_image(with_number(image, 16, 0x4B56344E), image_kind::bank, identity));  // plug-in
+  EXPECT_TRUE(open_image(with_number(image, 12, 0), image_kind::bank, identity));
 }
 
 TEST(BankImage, IsRefusedWhereverItIsCut) {
@@ -95,9 +95,9 @@ TEST(BankImage, IsRefusedWhereverItIsCut) {
     image_bytes cut(new memory::byte_block);
     cut->append(image->bytes(), length);
     if (length < 8) {
-      EXPECT_FALSE(open_image(cut, image_kind::bank, k_identity));
+      EXPECT_FALSE(open_image(cut, image_kind::bank, identity));
     } else {
-      EXPECT_THROW(open_image(cut, image_kind::bank, k_identity), chunks::error::chunk_error);
+      EXPECT_THROW(open_image(cut, image_kind::bank, identity), chunks::error::chunk_error);
     }
   }
 }

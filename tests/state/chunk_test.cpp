@@ -36,7 +36,7 @@ std::string error_of(Action action) {
   return "none";
 }
 
-constexpr char k_no_chunk[] = "basic_chunk_input_stream: chunk not valid or no chunk at all!";
+constexpr char no_chunk[] = "basic_chunk_input_stream: chunk not valid or no chunk at all!";
 
 TEST(Chunk, ReadsWhatWasWritten) {
   mutable_chunk outer(chunk_id("KVLP"));
@@ -50,7 +50,7 @@ TEST(Chunk, ReadsWhatWasWritten) {
   stream.next(&read);
   EXPECT_EQ(string_chunk(read).text(), "grüße");
   EXPECT_EQ(stream.cursor().read_number(), 1010U);
-  EXPECT_EQ(error_of([&] { stream.next(&read); }), k_no_chunk);
+  EXPECT_EQ(error_of([&] { stream.next(&read); }), no_chunk);
   const uint64_t size = outer.size();
   outer.write(uint8_t{1});  // taking the final form has frozen nothing
   EXPECT_EQ(outer.final_form()->size(), 8 + size + 1);
@@ -84,14 +84,14 @@ TEST(Chunk, StreamRefusesHeadersAndBodiesThatDontFit) {
   // Up to a whole header with a body that does not fit.
   for (const char* const body : {"", "00", "7374726e000000", "7374726e00000001", "7374726effffffff"}) {
     chunks::chunk_input_stream stream{chunk(1, block_of(from_hex(body)))};
-    EXPECT_EQ(error_of([&] { stream.next(&read); }), k_no_chunk) << body;
+    EXPECT_EQ(error_of([&] { stream.next(&read); }), no_chunk) << body;
   }
-  EXPECT_EQ(error_of([&] { chunks::chunk_input_stream(chunk()).next(&read); }), k_no_chunk);
+  EXPECT_EQ(error_of([&] { chunks::chunk_input_stream(chunk()).next(&read); }), no_chunk);
 
   chunks::chunk_input_stream empty_body{chunk(1, block_of(from_hex("7374726e00000000")))};
   empty_body.next(&read);
   EXPECT_EQ(read.size(), 0U);
-  EXPECT_EQ(error_of([&] { empty_body.next(&read); }), k_no_chunk);
+  EXPECT_EQ(error_of([&] { empty_body.next(&read); }), no_chunk);
 }
 
 TEST(Chunk, RefusesEmptyChunksAndForeignTexts) {

@@ -9,15 +9,15 @@ namespace {
 
 std::atomic<int64_t> count{0};
 
-constexpr int64_t k_never = -1;
-constexpr int64_t k_done = -2;
-thread_local int64_t left_before_failure = k_never;
+constexpr int64_t never = -1;
+constexpr int64_t done = -2;
+thread_local int64_t left_before_failure = never;
 
 // Counts an allocation, and throws where it is the one to fail.
 void before_allocation() {
   count.fetch_add(1, std::memory_order_relaxed);
   if (left_before_failure == 0) {
-    left_before_failure = k_done;
+    left_before_failure = done;
     throw std::bad_alloc();
   }
   if (left_before_failure > 0) --left_before_failure;
@@ -33,10 +33,10 @@ failing_allocation::failing_allocation(int64_t before) {
   left_before_failure = before;
 }
 failing_allocation::~failing_allocation() {
-  left_before_failure = k_never;
+  left_before_failure = never;
 }
 bool failing_allocation::has_failed() const {
-  return left_before_failure == k_done;
+  return left_before_failure == done;
 }
 
 // The forms for arrays and those that don't throw call these two.

@@ -18,17 +18,17 @@
 
 namespace {
 
-constexpr int32_t k_block_frames = 512;
-constexpr int32_t k_first_sound = 3;
+constexpr int32_t block_frames = 512;
+constexpr int32_t first_sound = 3;
 
 class Sound : public testing::Test {
  protected:
-  Sound() : block(k_block_frames) {
-    effect.vendorSpecific(k_handshake_id, 1, nullptr, 0.0F);
-    effect.setParameter(k_octave_on, 0.0F);
+  Sound() : block(block_frames) {
+    effect.vendorSpecific(handshake_id, 1, nullptr, 0.0F);
+    effect.setParameter(parameter_octave_on, 0.0F);
     // A low voice of two partials; one period a block, so that blocks join without a click.
-    for (size_t frame = 0; frame < k_block_frames; ++frame) {
-      const double phase = 2.0 * std::numbers::pi * static_cast<double>(frame) / k_block_frames;
+    for (size_t frame = 0; frame < block_frames; ++frame) {
+      const double phase = 2.0 * std::numbers::pi * static_cast<double>(frame) / block_frames;
       block.left[frame] = static_cast<float>(0.3 * std::sin(phase) + 0.2 * std::sin(3.0 * phase));
     }
     block.right = block.left;
@@ -51,7 +51,7 @@ class Sound : public testing::Test {
 };
 
 TEST_F(Sound, SingsTheHeldKeysAndFallsSilentWhenTheyAreReleased) {
-  effect.select_preset_by_index(k_first_sound);
+  effect.select_preset_by_index(first_sound);
   EXPECT_GT(peak_of_blocks(20), 0.01F);
   EXPECT_NE(block.out_left, block.left);
   effect.set_pending_keys({});
@@ -75,7 +75,7 @@ void call_something(const std::string& bank, KesrelVocoder4TarvixEffect* effect,
       [&] { call(effGetProgramNameIndexed, any(30), 0, text); },
       [&] { call(effGetChunk, any(2), 0, &image); },
       [&] { call(effSetChunk, 0, static_cast<VstIntPtr>(bytes.size()), bytes.data()); },
-      [&] { call(effVendorSpecific, k_handshake_id, 1); },
+      [&] { call(effVendorSpecific, handshake_id, 1); },
       [&] { record->setParameter(record, any(3), 1.0F); },
       [&] { effect->setParameterAutomated(any(3), 0.0F); },
       [&] { effect->select_preset_by_index(any(70)); },
@@ -114,11 +114,11 @@ TEST_F(Sound, SingsOnWhileThreeHostThreadsDoEverythingAtRandom) {
 }
 
 TEST_F(Sound, ReachesForNoHeapInAnOrdinaryBlock) {
-  for (const int32_t row : {0, k_first_sound}) {
+  for (const int32_t row : {0, first_sound}) {
     effect.select_preset_by_index(row);
     peak_of_blocks(5);
     const int64_t before = allocation_count();
-    effect.setParameter(k_octave_on, row == 0 ? 0.0F : 1.0F);
+    effect.setParameter(parameter_octave_on, row == 0 ? 0.0F : 1.0F);
     peak_of_blocks(20);
     EXPECT_EQ(allocation_count(), before) << "row " << row;
   }
