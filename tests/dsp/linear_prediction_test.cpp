@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <numbers>
@@ -217,6 +218,18 @@ TEST(LpcFit, IsTheSameWithoutPitchAndZeroForSilence) {
       for (size_t j = 0; j < a.size(); ++j) ASSERT_TRUE(same(a[j], expected[j])) << "order " << order << ", " << j;
       EXPECT_EQ(a == signal(lpc_max_order), order < 2 || x[0] == 0.0F);
     }
+  }
+}
+
+TEST(LpcFit, StartsFromAWorkspaceThatAnotherFitHasLeft) {
+  const auto used = std::make_unique<lpc_workspace>();
+  std::memset(static_cast<void*>(used.get()), 0xFF, sizeof *used);  // NaN everywhere
+  for (const int32_t order : {80, 10, 35}) {
+    const signal x = noise(40);  // fewer lags than coefficients
+    signal a(lpc_max_order);
+    lpc_fit(order, static_cast<int32_t>(x.size()), x.data(), a.data(), used.get());
+    const signal expected = fit(order, x);
+    for (size_t j = 0; j < a.size(); ++j) ASSERT_TRUE(same(a[j], expected[j])) << "order " << order << ", " << j;
   }
 }
 

@@ -19,6 +19,46 @@
 
 namespace {
 
+// --- The state before the first commit, and its marks ---
+
+// Bytes that aren't 0 in a record of static storage, whose padding is 0.
+template <typename Record>
+int64_t set_bytes(const Record& record) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&record);
+  return std::count_if(bytes, bytes + sizeof(Record), [](unsigned char byte) { return byte != 0; });
+}
+
+TEST(Tables, StartFromAZeroedState) {
+  static voco_state fresh;
+  for (distance_delay* const delay :
+       {&fresh.chorus.left, &fresh.chorus.right, &fresh.reverb.motion_left, &fresh.reverb.motion_right}) {
+    EXPECT_EQ(delay->speed, 343.0F);
+    EXPECT_EQ(delay->sample_rate, 44100.0F);
+    EXPECT_EQ(delay->max_distance, 10.0F);
+    EXPECT_EQ(delay->distance, 1.0F);
+    delay->speed = delay->sample_rate = delay->max_distance = delay->distance = 0.0F;
+  }
+  for (motion_anchor* const anchor : {&fresh.chorus.anchor, &fresh.reverb.anchor}) {
+    EXPECT_EQ(anchor->counter, -1.0);  // no counter is
+    anchor->counter = 0.0;
+  }
+  EXPECT_EQ(set_bytes(fresh), set_bytes(fresh.arena));  // which has its capacity
+  static output_equaliser equaliser;
+  EXPECT_EQ(set_bytes(equaliser), 0);
+}
+
+TEST(Tables, MarkTheStateForInspection) {
+  const auto state = committed(plain_sound(0.0F), 44100.0F);
+  EXPECT_EQ(state->tag, 0x766f636fU);
+  EXPECT_EQ(state->committed, 1);
+  EXPECT_EQ(state->committing, 0);
+  EXPECT_EQ(state->in_block, 0);
+  EXPECT_EQ(voice_idle, 0);
+  EXPECT_EQ(voice_held, 1);
+  EXPECT_EQ(voice_releasing, -1);
+  EXPECT_EQ(voice_sustained, -2);
+}
+
 // --- Values ---
 
 // Every value is one more than its number, so that none can pass for another.
