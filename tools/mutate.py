@@ -94,7 +94,7 @@ def main():
     faults = [fault for path in paths for fault in faults_of(str(path.relative_to(ROOT)), rng)]
     rng.shuffle(faults or parser.error("no code in these folders"))
     print(f"seed {options.seed}, {len(faults)} places", flush=True)
-    copies, stages, score = queue.Queue(), [], collections.defaultdict(collections.Counter)
+    copies, stages, score, tried = queue.Queue(), [], collections.defaultdict(collections.Counter), 0
     for number in range(options.jobs):
         copies.put(copy := Copy(ROOT / "build/mutate" / str(number), folders))
     for program, slow in itertools.product(copy.programs, (False, True)):
@@ -107,13 +107,13 @@ def main():
     with ThreadPool(options.jobs) as pool:
         for name, index, line, fault, outcome in pool.imap_unordered(lambda f: trial(f, copies, stages), faults):
             score[name][outcome] += 1
-            score["all"][outcome] += 1
+            tried += outcome in ("caught", "survived")
             if outcome == "survived":
-                print(f"{name}:{index + 1}\n  - {line.strip()}\n  + {fault.strip()}", flush=True)
-            if score["all"]["caught"] + score["all"]["survived"] == options.count:
+                print(f"{name}:{index + 1} (of {tried})\n  - {line.strip()}\n  + {fault.strip()}", flush=True)
+            if tried == options.count:
                 break
     print(f"{'':36}  caught survived  per cent  not compiled  same program")
-    for name, n in sorted(score.items(), key=lambda row: (row[0] == "all", row[0])):
+    for name, n in [*sorted(score.items()), ("all", sum(score.values(), collections.Counter()))]:
         rate = 100 * n["survived"] / max(n["caught"] + n["survived"], 1)
         print(f"{name:36} {n['caught']:7} {n['survived']:8} {rate:9.1f} {n['no program']:13} {n['same program']:13}")
 

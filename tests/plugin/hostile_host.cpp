@@ -48,6 +48,32 @@ void shake_hands(AEffect* effect) {
   for (;;) pause();
 }
 
+// The heap notices while it holds its lock. A second thread makes it use that lock.
+[[noreturn]] void free_twice() {
+  load();
+  std::thread(wait_for_the_end).detach();
+  void* volatile large = std::malloc(5000);
+  void* volatile next = std::malloc(5000);
+  std::free(large);
+  std::free(large);
+  std::free(next);
+  std::abort();  // for a sanitizer's heap that doesn't mind
+}
+
+// Terminated once, or once more while its exit routine hangs.
+[[noreturn]] void hang_in_the_exit_routine(bool terminated_twice) {
+  load();
+  std::atexit([] { wait_for_the_end(); });
+  if (terminated_twice) {
+    std::thread([] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      kill(getpid(), SIGTERM);
+    }).detach();
+  }
+  std::raise(SIGTERM);
+  wait_for_the_end();
+}
+
 // NOLINTNEXTLINE(misc-no-recursion)
 [[gnu::noinline]] int sink(int floor) {
   volatile char frame[4096];
@@ -125,6 +151,9 @@ int main(int count, char** arguments) {
   entry = reinterpret_cast<VSTPluginMainProc>(dlsym(module, "VSTPluginMain"));
   constexpr rlimit no_core{0, 0};
   setrlimit(RLIMIT_CORE, &no_core);
+  if (deed == "free-twice") free_twice();
+  if (deed == "hang") hang_in_the_exit_routine(false);
+  if (deed == "hang-and-terminate") hang_in_the_exit_routine(true);
   if (deed == "overflow") overflow_the_stack();
   if (deed == "terminate") be_terminated_while_threads_allocate();
   if (deed == "no-descriptors") run_out_of_descriptors();

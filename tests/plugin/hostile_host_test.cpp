@@ -16,7 +16,11 @@ namespace {
 using testing::AnyOf;
 using testing::HasSubstr;
 
-constexpr int alarm = 128 + SIGALRM;  // what `timeout` ends with when the alarm ended the process
+// What `timeout` ends with when a signal ended the process.
+constexpr int alarm = 128 + SIGALRM;
+constexpr int terminated = 128 + SIGTERM;
+
+constexpr int address_sanitizer = 1;  // it reports a double free before the heap does
 
 // Each test has an application data folder of its own, in which the host's errors are kept, too.
 class HostileHost : public testing::Test {
@@ -37,6 +41,22 @@ class HostileHost : public testing::Test {
 
   const temporary_folder folder_;
 };
+
+TEST_F(HostileHost, EndsWhenItsHeapIsBroken) {
+  const int status = end_of_host("free-twice");
+  EXPECT_THAT(status, AnyOf(SIGABRT, alarm, address_sanitizer));
+  EXPECT_EQ(crashes(), status == address_sanitizer ? 0 : 1);
+}
+
+TEST_F(HostileHost, EndsAfterFiveSecondsWhenItsExitHangs) {
+  EXPECT_EQ(end_of_host("hang"), alarm);
+  EXPECT_EQ(crashes(), 1);
+}
+
+TEST_F(HostileHost, EndsAtOnceWhenItIsTerminatedAgain) {
+  EXPECT_EQ(end_of_host("hang-and-terminate"), terminated);
+  EXPECT_EQ(crashes(), 1);
+}
 
 TEST_F(HostileHost, EndsWhenItsStackOverflows) {
   EXPECT_EQ(end_of_host("overflow"), SIGSEGV);
