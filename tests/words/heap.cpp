@@ -39,7 +39,8 @@ bool failing_allocation::has_failed() const {
   return left_before_failure == done;
 }
 
-// The forms for arrays and those that don't throw call these two.
+// All forms are here: the library's defaults would call the first two, but a sanitizer brings forms of its own, whose
+// memory is not free()'s to take.
 void* operator new(size_t size) {
   before_allocation();
   if (void* const memory = std::malloc(size)) return memory;
@@ -51,6 +52,26 @@ void* operator new(size_t size, std::align_val_t alignment) {
   if (void* const memory = std::aligned_alloc(unit, (size + unit - 1) / unit * unit)) return memory;
   throw std::bad_alloc();
 }
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void* operator new(size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size, alignment);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void* operator new[](size_t size) {
+  return operator new(size);
+}
+void* operator new[](size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
@@ -61,5 +82,11 @@ void operator delete(void* memory, std::align_val_t) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, size_t, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, size_t) noexcept {
   std::free(memory);
 }
