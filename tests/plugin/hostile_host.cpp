@@ -21,6 +21,10 @@
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {  // NOLINT
   return "report_signal_unsafe=0";
 }
+// A host that crashes frees nothing.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {  // NOLINT
+  return "detect_leaks=0";
+}
 
 namespace {
 
