@@ -13,7 +13,8 @@ constexpr int64_t never = -1;
 constexpr int64_t done = -2;
 thread_local int64_t left_before_failure = never;
 
-// Counts an allocation, and throws where it is the one to fail.
+}  // namespace
+
 void before_allocation() {
   count.fetch_add(1, std::memory_order_relaxed);
   if (left_before_failure == 0) {
@@ -22,8 +23,6 @@ void before_allocation() {
   }
   if (left_before_failure > 0) --left_before_failure;
 }
-
-}  // namespace
 
 int64_t allocation_count() {
   return count.load(std::memory_order_relaxed);
@@ -39,29 +38,16 @@ bool failing_allocation::has_failed() const {
   return left_before_failure == done;
 }
 
-// All forms are here: the library's defaults would call the first two, but a sanitizer brings forms of its own, whose
-// memory is not free()'s to take.
+// All forms are replaced: the library's would call the first one, but a sanitizer brings forms of its own, whose memory
+// must not be given to free().
 void* operator new(size_t size) {
   before_allocation();
   if (void* const memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
-void* operator new(size_t size, std::align_val_t alignment) {
-  before_allocation();
-  const auto unit = static_cast<size_t>(alignment);
-  if (void* const memory = std::aligned_alloc(unit, (size + unit - 1) / unit * unit)) return memory;
-  throw std::bad_alloc();
-}
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
   try {
     return operator new(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-void* operator new(size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-  try {
-    return operator new(size, alignment);
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -76,12 +62,6 @@ void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, size_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, size_t, std::align_val_t) noexcept {
   std::free(memory);
 }
 void operator delete[](void* memory) noexcept {

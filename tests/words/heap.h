@@ -17,3 +17,6 @@ class failing_allocation {
   // Whether it has come to that.
   bool has_failed() const;
 };
+
+// Counts an allocation, or fails it by std::bad_alloc. For the operators.
+void before_allocation();
