@@ -1,0 +1,1 @@
+// MIT License. Placeholder until painting is written.
