@@ -1,6 +1,7 @@
 #include "vstgui/platform_offscreen.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "vstgui/platform_cairo.h"
 
