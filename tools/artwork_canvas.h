@@ -92,5 +92,7 @@ void outline(const canvas& on, const box& area, const gradient& paint, double wi
 // Light or shade that starts at the edge of a box with round corners and is gone `reach` pixels outside or inside it.
 void soften_outside(const canvas& on, const box& area, double radius, const colour& paint, double reach);
 void soften_inside(const canvas& on, const box& area, double radius, const colour& paint, double reach);
+// The same without the lower edge: the shade of an opening that is lit from above.
+void soften_below_edge(const canvas& on, const box& area, double radius, const colour& paint, double reach);
 
 }  // namespace artwork

@@ -43,7 +43,7 @@ void draw_menu(const canvas& on) {
   const box pane = inset(field, 1);
   fill(on, pane, gradient{{0.0, {9, 13, 15}}, {1.0, {15, 21, 24}}}, radius - 1);
   draw_reflection(on, pane, 0.03);
-  soften_inside(on, {pane.left, pane.top, pane.right, pane.bottom + 12}, radius - 1, with_alpha(black, 0.75), 9);
+  soften_below_edge(on, pane, radius - 1, with_alpha(black, 0.75), 9);
   draw_arrow(on, unlit);
 }
 
@@ -52,7 +52,7 @@ void draw_pressed_menu(const canvas& on) {
   const box pane = inset(field, 1);
   fill(on, pane, gradient{{0.0, {12, 46, 49}}, {0.5, {17, 60, 63}}, {1.0, {24, 76, 79}}}, radius - 1);
   draw_reflection(on, pane, 0.03);
-  soften_inside(on, {pane.left, pane.top, pane.right, pane.bottom + 12}, radius - 1, with_alpha(black, 0.5), 7);
+  soften_below_edge(on, pane, radius - 1, with_alpha(black, 0.5), 7);
   outline(on, pane, gradient{{0.0, with_alpha(light, 0.15)}, {1.0, with_alpha(light, 0.5)}}, 1, radius - 1);
   draw_arrow(on, light);
 }

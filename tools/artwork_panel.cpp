@@ -41,7 +41,8 @@ void draw_ground(const canvas& on) {
       };
       const uint32_t pixel = 0xFF000000U | mixed(panel_top.red, panel_bottom.red) << 16 |
                              mixed(panel_top.green, panel_bottom.green) << 8 | mixed(panel_top.blue, panel_bottom.blue);
-      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride + static_cast<std::ptrdiff_t>(column) * 4) = pixel;
+      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride +
+                                   static_cast<std::ptrdiff_t>(column) * 4) = pixel;
     }
   }
   cairo_surface_mark_dirty(on.surface());
@@ -54,25 +55,26 @@ void draw_ground(const canvas& on) {
 void draw_name(const canvas& on) {
   const lettering first = {14, 2, 4, white};
   const lettering second = {14, 1, 4, with_alpha(white, 0.78)};
-  constexpr double gap = 12;
+  constexpr double gap = 16;
   const double width = text_width("KESREL", first) + gap + text_width("VOCODER 4 ME", second);
   const double left = std::round(287.5 - width / 2);
-  draw_text(on, "KESREL", left, 24, first);
-  draw_text(on, "VOCODER 4 ME", left + text_width("KESREL", first) + gap, 24, second);
+  draw_text(on, "KESREL", left, 27, first);
+  draw_text(on, "VOCODER 4 ME", left + text_width("KESREL", first) + gap, 27, second);
 }
 
 void draw_monogram(const canvas& on) {
   const box disc = {14.5, 5, 37.5, 28};
   soften_outside(on, {disc.left, disc.top + 1, disc.right, disc.bottom + 1}, 11.5, with_alpha(black, 0.5), 3);
   fill(on, disc, gradient{{0.0, {58, 65, 72}}, {1.0, {30, 35, 40}}}, 11.5);
-  fill(on, inset(disc, 1), gradient{{0.0, {42, 48, 54}}, {1.0, {32, 37, 42}}}, 10.5);
-  draw_text(on, "K", 21.5, 11, {11, 1.5, 0, print});
+  fill(on, inset(disc, 1), gradient{{0.0, {44, 50, 56}}, {1.0, {31, 36, 41}}}, 10.5);
+  outline(on, inset(disc, 2.5), with_alpha(print, 0.35), 1, 9);
+  draw_text(on, "K", 22, 12, {9, 1.5, 0, print});
 }
 
 void draw_maker(const canvas& on) {
-  const lettering style = {9, 1, 3, print};
+  const lettering style = {7, 1, 3, print};
   const double arrow = 549;
-  draw_text(on, "QUORVANT", arrow - 7 - text_width("QUORVANT", style), 12, style);
+  draw_text(on, "QUORVANT", arrow - 7 - text_width("QUORVANT", style), 13, style);
   // Out of the window, to the web.
   cairo_t* const context = on.context();
   cairo_move_to(context, arrow + 0.5, 20.5);
@@ -89,16 +91,20 @@ void draw_maker(const canvas& on) {
 void draw_openings(const canvas& on) {
   const box display = {144, 63, 431, 103};
   soften_outside(on, display, 5, with_alpha(black, 0.35), 3);
-  outline(on, inset(display, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1, 6);
+  outline(on, inset(display, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1,
+          6);
 }
 
 void draw_keybed(const canvas& on) {
-  const box bed = {18, 111, 559, 222};
-  outline(on, inset(bed, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1, 7);
+  const box bed = {18, 114, 559, 222};
+  outline(on, inset(bed, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1,
+          7);
   fill(on, bed, gradient{{0.0, {13, 16, 18}}, {1.0, {9, 11, 13}}}, 6);
-  soften_inside(on, {bed.left, bed.top, bed.right, bed.bottom + 12}, 6, with_alpha(black, 0.6), 8);
+  soften_below_edge(on, bed, 6, with_alpha(black, 0.6), 8);
   // The felt, and the keys below.
-  fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {40, 28, 30}}, {1.0, {22, 15, 16}}});
+  fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {46, 47, 49}}, {1.0, {20, 20, 21}}});
   fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, colour{10, 11, 13});
   draw_keyboard_at_rest(on, 22, keys.top);
 }
