@@ -63,8 +63,8 @@ canvas preview(const window_state& shown, int scale) {
   const box reverb = {453, 75, 505, 94};
   place_switch(on, "switch_L_active_sv_kesrel_72", chorus, is_on("chorus"));
   place_switch(on, "switch_R_active_sv_kesrel_72", reverb, is_on("reverb"));
-  centre_text(on, "CHORUS", chorus, 8, is_on("chorus") ? light : unlit);
-  centre_text(on, "REVERB", reverb, 8, is_on("reverb") ? light : unlit);
+  centre_text(on, "CHORUS", chorus, 8, is_on("chorus") ? light : dim_light);
+  centre_text(on, "REVERB", reverb, 8, is_on("reverb") ? light : dim_light);
   place_switch(on, "KVME_+12_Button", {525, 118, 549, 135}, is_on("octave"));
   place_switch(on, "KV4_MM_X_Button", {23, 115, 41, 132}, is_on("clear"));
   const box menu = {144, 63, 431, 103};
