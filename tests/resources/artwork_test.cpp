@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -202,16 +201,18 @@ TEST_P(Artwork, TellsLitKeysFromUnlitOnesInGrey) {
   const pixels dark = window_with({}, scale);
   const pixels bright = window_with(every(1), scale);
   for (const key_place& place : places) {
-    const int low = (133 + place.hit_height - 28) * scale;
-    double sum = 0.0;
-    int count = 0;
-    for (int y = low; y < low + 28 * scale; ++y) {
+    int alike = 0;
+    for (int y = 133 * scale; y < (133 + place.hit_height) * scale; ++y) {
+      double sum = 0.0;
+      int count = 0;
       for (int x = (22 + place.hit_x) * scale; x < (22 + place.hit_x + place.hit_width) * scale; ++x) {
+        if (bright.at(x, y) == dark.at(x, y)) continue;  // a black key's seam
         sum += lightness(bright.at(x, y)) - lightness(dark.at(x, y));
         ++count;
       }
+      if (sum < 25.0 * count || count == 0) ++alike;
     }
-    EXPECT_GE(sum / count, 25.0) << place.x;
+    EXPECT_LE(alike, scale) << "rows but for the glint, of the key at " << place.x;
   }
 }
 
