@@ -89,13 +89,14 @@ int32_t menu_list::next_selectable(int32_t from, int direction) const {
   return is_selectable(index) ? index : -1;
 }
 
-// Highlights the row, and scrolls as far as it takes to see all of it.
+// Highlights the row, and scrolls as far as it takes to see all of it and what comes before and after.
 bool menu_list::go_to(int32_t index) {
   if (!is_selectable(index)) return false;
   const bool changed = highlight(index);
-  const int top = tops_[static_cast<size_t>(index)];
-  const int bottom = tops_[static_cast<size_t>(index) + 1];
-  return scroll_to(std::clamp(offset_, bottom - rows_height(), std::max(top, bottom - rows_height()))) || changed;
+  const int beside = metrics_.row_height;
+  const int least = tops_[static_cast<size_t>(index) + 1] + beside - rows_height();
+  const int most = tops_[static_cast<size_t>(index)] - beside;
+  return scroll_to(std::clamp(offset_, least, std::max(least, most))) || changed;
 }
 
 bool menu_list::move(step wanted) {

@@ -20,6 +20,7 @@ constexpr CCoord text_size = 12;
 constexpr CCoord row_height = 1.6 * text_size;
 constexpr CCoord separator_height = 9;
 constexpr CCoord arrow_height = 14;
+constexpr CCoord fade_height = 14;
 constexpr CCoord padding = 4;          // above the first row and below the last one
 constexpr CCoord heading_indent = 12;  // headings start where the check marks do
 constexpr CCoord text_indent = 30;
@@ -332,6 +333,8 @@ void x11_menu::paint(painter& target) const {
   for (const menu_list::row& row : list_.visible_rows()) paint_row(target, row);
   target.set_clip(whole);
   if (list_.has_arrows()) {
+    paint_fade(target, false);
+    paint_fade(target, true);
     paint_arrow(target, false);
     paint_arrow(target, true);
   }
@@ -359,6 +362,19 @@ void x11_menu::paint_row(painter& target, const menu_list::row& row) const {
     target.draw_line(low, low + CPoint(5, -8), colour, 1.5);
   }
   target.draw_text(item.title, CPoint(item.heading ? heading_indent : text_indent, baseline), *font_, colour, true);
+}
+
+// Lets rows that are cut off by the view's edge fade into the panel.
+void x11_menu::paint_fade(painter& target, bool downward) const {
+  if (!(downward ? list_.can_scroll_down() : list_.can_scroll_up())) return;
+  const int inset = inset_at(opening_.scale);
+  const int height = to_pixels(fade_height, opening_.scale);
+  for (int i = 0; i < height; ++i) {
+    const int depth = list_.arrow_height() + i;
+    CColor colour = panel_colour;
+    colour.alpha = static_cast<uint8_t>(255 * (height - i) / (height + 1));
+    target.fill_rect(to_units(downward ? inset + list_.view_height() - depth - 1 : inset + depth, 1), colour);
+  }
 }
 
 // Bright when there is more in its direction.

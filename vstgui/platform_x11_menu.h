@@ -53,6 +53,7 @@ class x11_menu {
   int32_t row_at(const CPoint& on_screen) const;
   void paint(painter& target) const;
   void paint_row(painter& target, const menu_list::row& row) const;
+  void paint_fade(painter& target, bool downward) const;
   void paint_arrow(painter& target, bool downward) const;
   CRect to_units(CCoord top, CCoord height) const;
 

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 
@@ -22,6 +23,8 @@ class x_server {
     if (process_ == 0) {
       prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes leaves nothing behind
       close(ends[0]);
+      // It reports each display number that is in use before it takes a free one.
+      if (freopen("/dev/null", "w", stderr) == nullptr) _exit(127);
       execlp("Xvfb", "Xvfb", "-displayfd", number_fd.c_str(), "-screen", "0", "1280x1024x24", "-screen", "1",
              "640x480x16", "-noreset", "-nolisten", "tcp", static_cast<char*>(nullptr));
       _exit(127);
