@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "tools/artwork_keyboard.h"
+#include "tools/artwork_keys.h"
 #include "tools/artwork_letters.h"
 
 namespace artwork {
@@ -107,7 +108,7 @@ void draw_keybed(const canvas& on) {
   soften_below_edge(on, keybed, 6, with_alpha(black, 0.6), 8);
   // The felt, and the keys below.
   fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {46, 47, 49}}, {1.0, {20, 20, 21}}});
-  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, colour{10, 11, 13});
+  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, seam);
   draw_keyboard_at_rest(on, 22, keys.top);
 }
 
