@@ -16,7 +16,7 @@ namespace {
 
 constexpr colour panel_top = {28, 33, 38};
 constexpr colour panel_bottom = {17, 20, 24};
-constexpr colour print = {206, 210, 212};  // what is printed on the panel, beside the product's name
+constexpr colour print = {178, 184, 188};  // what else is printed: white is for the name
 constexpr box display = {144, 63, 431, 103};
 constexpr box keybed = {18, 114, 559, 222};
 constexpr box keys = {24, 133, 553, 214};  // with the seams at both ends
