@@ -25,7 +25,8 @@ void set_gradient(const canvas& on, const box& area, const gradient& paint) {
 double distance_from(const box& area, double radius, double x, double y) {
   const double across = std::abs(x - (area.left + area.right) / 2) - area.width() / 2 + radius;
   const double down = std::abs(y - (area.top + area.bottom) / 2) - area.height() / 2 + radius;
-  const double outside = std::sqrt(std::max(across, 0.0) * std::max(across, 0.0) + std::max(down, 0.0) * std::max(down, 0.0));
+  const double outside =
+      std::sqrt(std::max(across, 0.0) * std::max(across, 0.0) + std::max(down, 0.0) * std::max(down, 0.0));
   return outside + std::min(std::max(across, down), 0.0) - radius;
 }
 
@@ -48,7 +49,8 @@ void soften(const canvas& on, const box& area, double radius, const colour& pain
       const double away = std::clamp(distance / reach, 0.0, 1.0);
       const double edge = std::clamp(distance * on.scale() + 0.5, 0.0, 1.0);
       const double strength = edge * (1.0 - away) * (1.0 - away) * (1.0 - away);
-      pixels[static_cast<std::ptrdiff_t>(row) * stride + column] = static_cast<unsigned char>(std::lround(strength * 255.0));
+      pixels[static_cast<std::ptrdiff_t>(row) * stride + column] =
+          static_cast<unsigned char>(std::lround(strength * 255.0));
     }
   }
   cairo_surface_mark_dirty(mask.get());

@@ -13,11 +13,11 @@ enum class state { unlit, lit };
 constexpr colour seam = {10, 11, 13};
 
 struct key_paint {
-  gradient top;         // from the back to the front
-  colour left_edge;     // catches the light
-  colour right_edge;    // turns away from it
-  colour brink;         // where the top bends down
-  gradient front;       // below the brink
+  gradient top;       // from the back to the front
+  colour left_edge;   // catches the light
+  colour right_edge;  // turns away from it
+  colour brink;       // where the top bends down
+  gradient front;     // below the brink
 };
 
 const key_paint& white_paint(state how) {
@@ -55,24 +55,30 @@ void draw_white(const canvas& on, const box& body, state how) {
   fill(on, {body.left, brink, body.right, brink + 1}, paint.brink);
   cairo_restore(on.context());
   // Below the felt.
-  fill(on, {body.left, body.top, body.right, body.top + 5}, gradient{{0.0, with_alpha(black, 0.45)}, {1.0, with_alpha(black, 0.0)}});
+  fill(on, {body.left, body.top, body.right, body.top + 5},
+       gradient{{0.0, with_alpha(black, 0.45)}, {1.0, with_alpha(black, 0.0)}});
 }
 
 void draw_black(const canvas& on, const box& body, state how) {
   const bool lit = how == state::lit;
   fill(on, inset({body.left, body.top + 1, body.right, body.bottom}, -1), seam);
   // Sides, then what they carry.
-  const gradient sides = lit ? gradient{{0.0, {8, 40, 43}}, {1.0, {22, 92, 96}}} : gradient{{0.0, {24, 26, 29}}, {1.0, {31, 33, 36}}};
+  const gradient sides =
+      lit ? gradient{{0.0, {8, 40, 43}}, {1.0, {22, 92, 96}}} : gradient{{0.0, {24, 26, 29}}, {1.0, {31, 33, 36}}};
   fill(on, body, sides);
   const box top = {body.left + 2, body.top, body.right - 2, body.bottom - 6};
   const gradient face = lit ? gradient{{0.0, {34, 122, 126}}, {0.5, {70, 182, 185}}, {1.0, {150, 250, 250}}}
                             : gradient{{0.0, {34, 36, 40}}, {0.7, {48, 51, 56}}, {1.0, {60, 64, 69}}};
   fill(on, {top.left, top.top - 4, top.right, top.bottom}, face, 2);
-  fill(on, {top.left + 1, top.bottom - 1, top.right - 1, top.bottom}, lit ? colour{226, 255, 254} : colour{112, 117, 123});
-  fill(on, {top.left, top.top, top.left + 1, top.bottom - 2}, lit ? colour{150, 250, 250, 0.4} : colour{96, 101, 107, 0.6});
+  fill(on, {top.left + 1, top.bottom - 1, top.right - 1, top.bottom},
+       lit ? colour{226, 255, 254} : colour{112, 117, 123});
+  fill(on, {top.left, top.top, top.left + 1, top.bottom - 2},
+       lit ? colour{150, 250, 250, 0.4} : colour{96, 101, 107, 0.6});
   fill(on, {body.left + 2, top.bottom, body.right - 2, body.bottom - 1},
-       lit ? gradient{{0.0, {96, 206, 208}}, {1.0, {44, 140, 144}}} : gradient{{0.0, {38, 41, 45}}, {1.0, {22, 24, 27}}});
-  fill(on, {body.left, body.top, body.right, body.top + 5}, gradient{{0.0, with_alpha(black, 0.5)}, {1.0, with_alpha(black, 0.0)}});
+       lit ? gradient{{0.0, {96, 206, 208}}, {1.0, {44, 140, 144}}}
+           : gradient{{0.0, {38, 41, 45}}, {1.0, {22, 24, 27}}});
+  fill(on, {body.left, body.top, body.right, body.top + 5},
+       gradient{{0.0, with_alpha(black, 0.5)}, {1.0, with_alpha(black, 0.0)}});
 }
 
 box seam_around(const box& black_body) {
@@ -92,7 +98,8 @@ std::vector<box> black_holes() {
 void draw_shade(const canvas& on, const box& body, state how) {
   const clipped within(on, body);
   for (const box& hole : black_holes()) {
-    soften_outside(on, {hole.left, hole.top - 10, hole.right, hole.bottom}, 2, with_alpha(black, how == state::lit ? 0.25 : 0.5), 5);
+    soften_outside(on, {hole.left, hole.top - 10, hole.right, hole.bottom}, 2,
+                   with_alpha(black, how == state::lit ? 0.25 : 0.5), 5);
   }
 }
 

@@ -61,7 +61,8 @@ const std::vector<letter>& letters() {
 }
 
 const letter* find_letter(char name) {
-  const auto found = std::find_if(letters().begin(), letters().end(), [name](const letter& l) { return l.name == name; });
+  const auto found =
+      std::find_if(letters().begin(), letters().end(), [name](const letter& l) { return l.name == name; });
   return found == letters().end() ? nullptr : &*found;
 }
 
@@ -116,7 +117,8 @@ double text_width(const char* text, const lettering& style) {
 void draw_text(const canvas& on, const char* text, double left, double top, const lettering& style) {
   cairo_t* const context = on.context();
   // Slanted lines run past the height of the letters and are cut level.
-  const clipped level(on, {left - style.height, top, left + text_width(text, style) + style.height, top + style.height});
+  const clipped level(on,
+                      {left - style.height, top, left + text_width(text, style) + style.height, top + style.height});
   cairo_new_path(context);
   for (const char name : std::string(text)) {
     const double width = advance(name, style);

@@ -41,7 +41,8 @@ void draw_ground(const canvas& on) {
       };
       const uint32_t pixel = 0xFF000000U | mixed(panel_top.red, panel_bottom.red) << 16 |
                              mixed(panel_top.green, panel_bottom.green) << 8 | mixed(panel_top.blue, panel_bottom.blue);
-      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride + static_cast<std::ptrdiff_t>(column) * 4) = pixel;
+      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride +
+                                   static_cast<std::ptrdiff_t>(column) * 4) = pixel;
     }
   }
   cairo_surface_mark_dirty(on.surface());
@@ -89,12 +90,16 @@ void draw_maker(const canvas& on) {
 void draw_openings(const canvas& on) {
   const box display = {144, 63, 431, 103};
   soften_outside(on, display, 5, with_alpha(black, 0.35), 3);
-  outline(on, inset(display, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1, 6);
+  outline(on, inset(display, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1,
+          6);
 }
 
 void draw_keybed(const canvas& on) {
   const box bed = {18, 111, 559, 222};
-  outline(on, inset(bed, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1, 7);
+  outline(on, inset(bed, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1,
+          7);
   fill(on, bed, gradient{{0.0, {13, 16, 18}}, {1.0, {9, 11, 13}}}, 6);
   soften_inside(on, {bed.left, bed.top, bed.right, bed.bottom + 12}, 6, with_alpha(black, 0.6), 8);
   // The felt, and the keys below.

@@ -12,7 +12,8 @@ namespace {
 
 canvas render(const std::string& name, int scale) {
   const auto& pictures = all_pictures();
-  return artwork::render(*std::find_if(pictures.begin(), pictures.end(), [&](const picture& p) { return p.name == name; }), scale);
+  return artwork::render(
+      *std::find_if(pictures.begin(), pictures.end(), [&](const picture& p) { return p.name == name; }), scale);
 }
 
 // Copies the part of the picture at `source` that has the size of `target`.
@@ -43,7 +44,8 @@ void place_keys(const canvas& on, const std::set<int>& lit_keys) {
     const key_shape& key = octave_keys()[static_cast<size_t>(number % keys_per_octave)];
     const double left = 22 + number / keys_per_octave * octave_width + key.x;
     const double down = lit_keys.count(number) != 0 ? 0.0 : unlit_offset;
-    place(on, images, {left, 133, left + key.image.width(), 133 + key.image.height()}, key.image.left, key.image.top + down);
+    place(on, images, {left, 133, left + key.image.width(), 133 + key.image.height()}, key.image.left,
+          key.image.top + down);
   }
 }
 

@@ -14,7 +14,8 @@ namespace {
 
 constexpr const char* usage =
     "usage: kesrel-make-artwork FOLDER\n"
-    "       kesrel-make-artwork --preview FILE.png [--scale 1|2] [--keys all|0,4,7] [--on chorus,reverb,octave,clear,menu]\n"
+    "       kesrel-make-artwork --preview FILE.png [--scale 1|2] [--keys all|0,4,7] [--on "
+    "chorus,reverb,octave,clear,menu]\n"
     "Draws the window's pictures into FOLDER, which must exist; or a preview of the whole window.\n";
 
 std::vector<std::string> split(const std::string& list) {
@@ -30,7 +31,8 @@ void write(const artwork::canvas& drawn, const std::string& path) {
 
 void make_pictures(const std::string& folder) {
   for (const artwork::picture& chosen : artwork::all_pictures()) {
-    for (const int scale : {1, 2}) write(artwork::render(chosen, scale), folder + "/" + artwork::file_name(chosen, scale));
+    for (const int scale : {1, 2})
+      write(artwork::render(chosen, scale), folder + "/" + artwork::file_name(chosen, scale));
   }
 }
 
