@@ -82,8 +82,8 @@ host::host(int screen) {
   start_x_server();
   display = XOpenDisplay(nullptr);
   if (display == nullptr) throw std::runtime_error("no connection to Xvfb");
-  window = XCreateSimpleWindow(display, RootWindow(display, screen), 200, 300, 400, 200, 0, 0,
-                               WhitePixel(display, screen));
+  window =
+      XCreateSimpleWindow(display, RootWindow(display, screen), 200, 300, 400, 200, 0, 0, WhitePixel(display, screen));
   XSelectInput(display, window, StructureNotifyMask);
   XMapWindow(display, window);
   XSetInputFocus(display, PointerRoot, RevertToNone, CurrentTime);
@@ -116,10 +116,18 @@ Window host::child() const {
   return found.size() == 1 ? found[0] : 0;
 }
 
+Window host::find_on_root(const std::function<bool(const XWindowAttributes&)>& matches) const {
+  Window found = 0;
+  XGrabServer(display);  // lest a window disappear before it is looked at
+  for (const Window candidate : children(DefaultRootWindow(display)))
+    if (candidate != window && matches(attributes(candidate))) found = candidate;
+  XUngrabServer(display);
+  XSync(display, False);
+  return found;
+}
+
 Window host::menu() const {
-  for (const Window candidate : children(attributes(window).root))
-    if (attributes(candidate).override_redirect != 0) return candidate;
-  return 0;
+  return find_on_root([](const XWindowAttributes& candidate) { return candidate.override_redirect != 0; });
 }
 
 XWindowAttributes host::attributes(Window of) const {
