@@ -5,7 +5,7 @@
 
 class AudioEffect;
 
-// All operations run on the host's user-interface thread.
+// All operations but setParameter run on the host's user-interface thread.
 //
 // An editor passed to AudioEffect::setEditor belongs to the effect, which deletes it in its base destructor: an
 // editor's destructor must not call the effect.
@@ -36,8 +36,15 @@ class AEffEditor {
   virtual void close() { systemWindow = nullptr; }
   virtual bool isOpen() { return systemWindow != nullptr; }
 
+  // Handles what the window system has queued; the dispatcher calls it before idle(). On X11 a guest in the host's
+  // window has no event loop of its own. May be called while the editor is closed.
+  virtual void pollEvents() {}
+
   // The host's regular call while the editor is open, 10 to 60 times a second.
   virtual void idle() {}
+
+  // For effects that tell their editor of changes: a parameter has a new value. Any thread. No host calls it.
+  virtual void setParameter(VstInt32 /*index*/, float /*value*/) {}
 
   // Keys and wheel; true when the editor handled them.
   virtual bool onKeyDown(VstKeyCode& /*keyCode*/) { return false; }
