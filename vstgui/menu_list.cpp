@@ -105,10 +105,18 @@ bool menu_list::move(step wanted) {
   const int32_t from = highlighted_;
   int32_t target = -1;
   switch (wanted) {
-    case step::first: target = next_selectable(0, 1); break;
-    case step::last: target = next_selectable(last, -1); break;
-    case step::next: target = next_selectable(from + 1, 1); break;
-    case step::previous: target = next_selectable(from < 0 ? last : from - 1, -1); break;
+    case step::first:
+      target = next_selectable(0, 1);
+      break;
+    case step::last:
+      target = next_selectable(last, -1);
+      break;
+    case step::next:
+      target = next_selectable(from + 1, 1);
+      break;
+    case step::previous:
+      target = next_selectable(from < 0 ? last : from - 1, -1);
+      break;
     case step::page_down:
       target = next_selectable(std::min(from + page, last), 1);
       if (target < 0) target = next_selectable(last, -1);

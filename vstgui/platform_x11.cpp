@@ -25,16 +25,26 @@ constexpr int most_events = 2000;
 
 unsigned cursor_shape(CCursorType cursor) {
   switch (cursor) {
-    case kCursorWait: return XC_watch;
-    case kCursorHSize: return XC_sb_h_double_arrow;
-    case kCursorVSize: return XC_sb_v_double_arrow;
-    case kCursorSizeAll: return XC_fleur;
-    case kCursorNESWSize: return XC_bottom_left_corner;
-    case kCursorNWSESize: return XC_bottom_right_corner;
-    case kCursorCopy: return XC_plus;
-    case kCursorNotAllowed: return XC_X_cursor;
-    case kCursorHand: return XC_hand2;
-    default: return XC_left_ptr;
+    case kCursorWait:
+      return XC_watch;
+    case kCursorHSize:
+      return XC_sb_h_double_arrow;
+    case kCursorVSize:
+      return XC_sb_v_double_arrow;
+    case kCursorSizeAll:
+      return XC_fleur;
+    case kCursorNESWSize:
+      return XC_bottom_left_corner;
+    case kCursorNWSESize:
+      return XC_bottom_right_corner;
+    case kCursorCopy:
+      return XC_plus;
+    case kCursorNotAllowed:
+      return XC_X_cursor;
+    case kCursorHand:
+      return XC_hand2;
+    default:
+      return XC_left_ptr;
   }
 }
 
@@ -157,20 +167,29 @@ void x11_window::keep_last_motion(XEvent* event) const {
 void x11_window::dispatch(XEvent* event) {
   if (menu_ != nullptr && menu_->handle(*event)) return;
   switch (event->type) {
-    case MappingNotify: XRefreshKeyboardMapping(&event->xmapping); return;
+    case MappingNotify:
+      XRefreshKeyboardMapping(&event->xmapping);
+      return;
     case DestroyNotify:
       if (event->xdestroywindow.window != pane_->id()) return;
       pane_->mark_destroyed();
       cancel_capture();
       return;
-    default: break;
+    default:
+      break;
   }
   if (event->xany.window != pane_->id()) return;
   switch (event->type) {
-    case Expose: pane_->expose(event->xexpose); break;
-    case UnmapNotify: cancel_capture(); break;
+    case Expose:
+      pane_->expose(event->xexpose);
+      break;
+    case UnmapNotify:
+      cancel_capture();
+      break;
     case FocusIn:
-    case FocusOut: focus_.focus_changed(event->xfocus); break;
+    case FocusOut:
+      focus_.focus_changed(event->xfocus);
+      break;
     case ClientMessage:
       if (event->xclient.message_type != display_->atom("_XEMBED") || event->xclient.format != 32) break;
       focus_.message(event->xclient);
@@ -185,9 +204,15 @@ void x11_window::dispatch(XEvent* event) {
 void x11_window::dispatch_input(XEvent* event) {
   const XCrossingEvent& crossing = event->xcrossing;
   switch (event->type) {
-    case ButtonPress: pressed(event->xbutton); break;
-    case ButtonRelease: released(event->xbutton); break;
-    case MotionNotify: moved(CPoint(event->xmotion.x, event->xmotion.y), event->xmotion.state); break;
+    case ButtonPress:
+      pressed(event->xbutton);
+      break;
+    case ButtonRelease:
+      released(event->xbutton);
+      break;
+    case MotionNotify:
+      moved(CPoint(event->xmotion.x, event->xmotion.y), event->xmotion.state);
+      break;
     case EnterNotify:
       if (crossing.mode != NotifyGrab) moved(CPoint(crossing.x, crossing.y), crossing.state);
       break;
@@ -196,8 +221,11 @@ void x11_window::dispatch_input(XEvent* event) {
       if (crossing.mode != NotifyGrab && crossing.detail != NotifyInferior && held_ == 0) pointer_left(crossing.time);
       break;
     case KeyPress:
-    case KeyRelease: key(event->xkey); break;
-    default: break;
+    case KeyRelease:
+      key(event->xkey);
+      break;
+    default:
+      break;
   }
   // A menu takes the pointer, and with it the release of the press that opened it.
   if (menu_ != nullptr) cancel_capture();

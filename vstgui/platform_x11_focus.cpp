@@ -35,13 +35,26 @@ void x11_focus::message(const XClientMessageEvent& event) {
       host_ = static_cast<Window>(event.data.l[3]);
       if (host_ == 0) host_ = parent_;
       break;
-    case window_activate: host_active_ = true; break;
-    case window_deactivate: host_active_ = false; break;
-    case focus_in: host_focus_ = true; break;
-    case focus_out: host_focus_ = false; break;
-    case modality_on: blocked_ = true; break;
-    case modality_off: blocked_ = false; break;
-    default: break;
+    case window_activate:
+      host_active_ = true;
+      break;
+    case window_deactivate:
+      host_active_ = false;
+      break;
+    case focus_in:
+      host_focus_ = true;
+      break;
+    case focus_out:
+      host_focus_ = false;
+      break;
+    case modality_on:
+      blocked_ = true;
+      break;
+    case modality_off:
+      blocked_ = false;
+      break;
+    default:
+      break;
   }
 }
 

@@ -72,12 +72,18 @@ CButtonState buttons_of_state(unsigned state) {
 
 int32_t button_mask(unsigned button) {
   switch (button) {
-    case 1: return kLButton;
-    case 2: return kMButton;
-    case 3: return kRButton;
-    case 8: return kButton4;
-    case 9: return kButton5;
-    default: return 0;
+    case 1:
+      return kLButton;
+    case 2:
+      return kMButton;
+    case 3:
+      return kRButton;
+    case 8:
+      return kButton4;
+    case 9:
+      return kButton5;
+    default:
+      return 0;
   }
 }
 

@@ -183,12 +183,12 @@ void x11_menu::watch_top_level() {
 void x11_menu::grab() {
   // Events for our own windows are reported to them, all others to the menu, so that presses outside are seen.
   if (!has_pointer_)
-    has_pointer_ = XGrabPointer(display_.get(), pane_->id(), True,
-                                ButtonPressMask | ButtonReleaseMask | PointerMotionMask, GrabModeAsync, GrabModeAsync,
-                                0, 0, CurrentTime) == GrabSuccess;
+    has_pointer_ =
+        XGrabPointer(display_.get(), pane_->id(), True, ButtonPressMask | ButtonReleaseMask | PointerMotionMask,
+                     GrabModeAsync, GrabModeAsync, 0, 0, CurrentTime) == GrabSuccess;
   if (!has_keyboard_)
-    has_keyboard_ = XGrabKeyboard(display_.get(), pane_->id(), False, GrabModeAsync, GrabModeAsync, CurrentTime) ==
-                    GrabSuccess;
+    has_keyboard_ =
+        XGrabKeyboard(display_.get(), pane_->id(), False, GrabModeAsync, GrabModeAsync, CurrentTime) == GrabSuccess;
 }
 
 bool x11_menu::handle(const XEvent& event) {
@@ -205,15 +205,26 @@ bool x11_menu::handle(const XEvent& event) {
     case FocusOut:
       if (event.xfocus.window == top_level_ && leaves_window(event.xfocus)) result_ = -1;
       return event.xfocus.window != opening_.owner;
-    case FocusIn: return event.xfocus.window != opening_.owner;
-    case ButtonPress: pressed(event.xbutton); return true;
-    case ButtonRelease: released(event.xbutton); return true;
-    case MotionNotify: moved_to(CPoint(event.xmotion.x_root, event.xmotion.y_root)); return true;
-    case KeyPress: key_pressed(event.xkey); return true;
+    case FocusIn:
+      return event.xfocus.window != opening_.owner;
+    case ButtonPress:
+      pressed(event.xbutton);
+      return true;
+    case ButtonRelease:
+      released(event.xbutton);
+      return true;
+    case MotionNotify:
+      moved_to(CPoint(event.xmotion.x_root, event.xmotion.y_root));
+      return true;
+    case KeyPress:
+      key_pressed(event.xkey);
+      return true;
     case KeyRelease:
     case EnterNotify:
-    case LeaveNotify: return true;
-    default: return event.xany.window == pane_->id();
+    case LeaveNotify:
+      return true;
+    default:
+      return event.xany.window == pane_->id();
   }
 }
 
@@ -258,21 +269,38 @@ void x11_menu::key_pressed(const XKeyEvent& event) {
   const uint32_t now = ticks_ms();
   using step = menu_list::step;
   switch (key.code.virt) {
-    case VKEY_UP: changed(list_.move(step::previous)); return;
-    case VKEY_DOWN: changed(list_.move(step::next)); return;
-    case VKEY_HOME: changed(list_.move(step::first)); return;
-    case VKEY_END: changed(list_.move(step::last)); return;
-    case VKEY_PAGEUP: changed(list_.move(step::page_up)); return;
-    case VKEY_PAGEDOWN: changed(list_.move(step::page_down)); return;
+    case VKEY_UP:
+      changed(list_.move(step::previous));
+      return;
+    case VKEY_DOWN:
+      changed(list_.move(step::next));
+      return;
+    case VKEY_HOME:
+      changed(list_.move(step::first));
+      return;
+    case VKEY_END:
+      changed(list_.move(step::last));
+      return;
+    case VKEY_PAGEUP:
+      changed(list_.move(step::page_up));
+      return;
+    case VKEY_PAGEDOWN:
+      changed(list_.move(step::page_down));
+      return;
     case VKEY_RETURN:
-    case VKEY_ENTER: choose(list_.highlighted()); return;
+    case VKEY_ENTER:
+      choose(list_.highlighted());
+      return;
     case VKEY_TAB:
-    case VKEY_ESCAPE: result_ = -1; return;
+    case VKEY_ESCAPE:
+      result_ = -1;
+      return;
     case VKEY_SPACE:
       if (list_.is_typing(now)) break;
       choose(list_.highlighted());
       return;
-    default: break;
+    default:
+      break;
   }
   changed(list_.type(key.text, now));
 }

@@ -11,7 +11,7 @@ namespace VSTGUI::platform {
 
 // Where and how a menu opens.
 struct menu_opening {
-  Window owner;            // the frame's window
+  Window owner;  // the frame's window
   double scale;
   bool by_press = false;   // a button is held: it may be released on a row, or at once
   CPoint press_on_screen;  // in pixels
@@ -22,8 +22,7 @@ class x11_menu {
  public:
   // Mapped, and with the pointer and the keyboard grabbed if they can be had by now. Null when the owner isn't visible
   // or the request has no items.
-  static std::unique_ptr<x11_menu> open(x11_display& display, const menu_opening& opening,
-                                        const menu_request& request);
+  static std::unique_ptr<x11_menu> open(x11_display& display, const menu_opening& opening, const menu_request& request);
   x11_menu(const x11_menu&) = delete;
   x11_menu& operator=(const x11_menu&) = delete;
   ~x11_menu();

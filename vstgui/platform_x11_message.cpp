@@ -104,16 +104,30 @@ void message_box::handle(XEvent& event) {
       if (!std::exchange(focus_taken_, true))
         XSetInputFocus(display_.get(), pane_->id(), RevertToPointerRoot, CurrentTime);
       break;
-    case DestroyNotify: pane_->mark_destroyed(); break;
+    case DestroyNotify:
+      pane_->mark_destroyed();
+      break;
     case ClientMessage:
       if (static_cast<Atom>(event.xclient.data.l[0]) == display_.atom("WM_DELETE_WINDOW")) closed_ = true;
       break;
-    case MappingNotify: XRefreshKeyboardMapping(&event.xmapping); break;
-    case KeymapNotify: std::ranges::copy(event.xkeymap.key_vector, held_keys_); break;
-    case KeyPress: key_pressed(event.xkey); break;
-    case KeyRelease: held_keys_[event.xkey.keycode / 8] &= static_cast<char>(~(1 << event.xkey.keycode % 8)); break;
-    case MotionNotify: point_at(event.xmotion.x, event.xmotion.y); break;
-    case LeaveNotify: point_at(-1, -1); break;
+    case MappingNotify:
+      XRefreshKeyboardMapping(&event.xmapping);
+      break;
+    case KeymapNotify:
+      std::ranges::copy(event.xkeymap.key_vector, held_keys_);
+      break;
+    case KeyPress:
+      key_pressed(event.xkey);
+      break;
+    case KeyRelease:
+      held_keys_[event.xkey.keycode / 8] &= static_cast<char>(~(1 << event.xkey.keycode % 8));
+      break;
+    case MotionNotify:
+      point_at(event.xmotion.x, event.xmotion.y);
+      break;
+    case LeaveNotify:
+      point_at(-1, -1);
+      break;
     case ButtonPress:
       point_at(event.xbutton.x, event.xbutton.y);
       pressed_ = hovered_ && event.xbutton.button == Button1;
@@ -125,7 +139,8 @@ void message_box::handle(XEvent& event) {
       closed_ = std::exchange(pressed_, false) && hovered_;
       pane_->invalidate(button_);
       break;
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -135,8 +150,11 @@ void message_box::key_pressed(const XKeyEvent& event) {
     case VKEY_RETURN:
     case VKEY_ENTER:
     case VKEY_ESCAPE:
-    case VKEY_SPACE: closed_ = true; break;
-    default: break;
+    case VKEY_SPACE:
+      closed_ = true;
+      break;
+    default:
+      break;
   }
 }
 

@@ -152,8 +152,7 @@ void x11_pane::show_damage() {
     const CRect inside = CRect(area).bound(buffer);
     const auto fill = [this](const CRect& margin) {
       if (margin.isEmpty()) return;
-      XSetForeground(display_.get(), context_,
-                     depth_ == 32 ? margin_colour : visual_pixel(margin_colour, *visual_));
+      XSetForeground(display_.get(), context_, depth_ == 32 ? margin_colour : visual_pixel(margin_colour, *visual_));
       XFillRectangle(display_.get(), id_, context_, static_cast<int>(margin.left), static_cast<int>(margin.top),
                      static_cast<unsigned>(margin.getWidth()), static_cast<unsigned>(margin.getHeight()));
     };

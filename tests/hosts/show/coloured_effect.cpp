@@ -26,7 +26,7 @@ class coloured_editor final : public AEffEditor {
   explicit coloured_editor(AudioEffectX* owner) : AEffEditor(owner), owner_(*owner) {
     // The host has set the scale before it loads the module.
     const char* const scale = std::getenv("KESREL_SCALE");
-    size_.right = static_cast<VstInt16>(200 * (scale == nullptr ? 0.0 : std::atof(scale)));
+    size_.right = static_cast<VstInt16>(240 * (scale == nullptr ? 0.0 : std::atof(scale)));
     size_.bottom = 100;
   }
 

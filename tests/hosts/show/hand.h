@@ -1,14 +1,15 @@
 // MIT License. The user of kesrel-show's window: mouse, keyboard and the frame's button to close it.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <utility>
 
 class hand {
  public:
-  hand();
+  hand();  // throws std::runtime_error without a display
   ~hand();
+  hand(const hand&) = delete;
+  hand& operator=(const hand&) = delete;
 
   // Sets the display's Xft.dpi.
   void set_dots_per_inch(const std::string& number);
@@ -22,6 +23,8 @@ class hand {
   std::pair<std::pair<int, int>, std::pair<int, int>> size_limits();
 
  private:
-  struct client;
-  std::unique_ptr<client> client_;
+  unsigned long visible_window() const;  // 0 when there is none
+
+  struct _XDisplay* display_;
+  unsigned long window_ = 0;
 };

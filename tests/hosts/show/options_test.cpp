@@ -29,11 +29,3 @@ TEST(ShowOptions, AreRefusedWhenTheyCannotBeApplied) {
   expect_refusal({"--frequency"}, "--frequency");
   expect_refusal({"--screenshot", "same.png", "--save-state", "./same.png"}, "is the state itself");
 }
-
-TEST(ShowOptions, PrintHelp) {
-  const auto help = run({"--help"}, {}, KESREL_SHOW);
-  EXPECT_EQ(help.status, 0);
-  for (const char* option : {"--screenshot FILE.png", "--scale S", "--seconds", "--save", "KESREL_SCALE"}) {
-    EXPECT_TRUE(contains(help.out, option)) << option;
-  }
-}

@@ -14,7 +14,7 @@
 #include "hosts/show/picture.h"
 #include "tests/hosts/command.h"
 #include "tests/hosts/show/hand.h"
-#include "tests/hosts/show/virtual_screen.h"
+#include "tests/words/x_server.h"
 
 namespace {
 
@@ -33,6 +33,9 @@ picture read_png(const std::string& path) {
 class Show : public command_fixture {
  protected:
   Show() {
+    start_x_server();
+    static const std::string display = std::getenv("DISPLAY");
+    setenv("DISPLAY", display.c_str(), 1);
     unsetenv("KESREL_SCALE");
     unsetenv("KESREL_COLOURED");
   }
@@ -73,7 +76,6 @@ class Show : public command_fixture {
 
   const std::string out = folder.path("out");
   const std::string error = folder.path("error");
-  const virtual_screen screen;
 };
 
 // What the effect prints when it is closed: blocks came in real time, and processing ended before.
@@ -82,25 +84,28 @@ const std::string closing_lines = "automate 1 2\nautomate 2 0\n";
 }  // namespace
 
 TEST_F(Show, WritesAScreenshotInTheScaleOfTheDisplayOrTheOption) {
-  expect_orange_screenshot({}, 200);
-  expect_orange_screenshot({"--scale", "1.75"}, 350);
+  expect_orange_screenshot({}, 240);
+  expect_orange_screenshot({"--scale", "1.75"}, 420);
   hand user;
   user.set_dots_per_inch("143");
-  expect_orange_screenshot({}, 300);
+  expect_orange_screenshot({}, 360);
+  user.set_dots_per_inch("96");
   setenv("KESREL_SCALE", "2.25", 1);
-  expect_orange_screenshot({}, 450);
-  expect_orange_screenshot({"--scale", "1"}, 200);
+  expect_orange_screenshot({}, 540);
+  expect_orange_screenshot({"--scale", "1"}, 240);
 }
 
 TEST_F(Show, RefusesWhatItCannotShow) {
   expect_refusal_to_show({"--plugin", folder.path("none.so")}, "the plug-in cannot be loaded");
-  expect_refusal_to_show({"--scale", "3", "--screenshot", folder.path("a.png")}, "600 x 100 pixels must lie on the sc");
   expect_refusal_to_show({"--screenshot", folder.path("none/a.png")}, "a.png' cannot be written");
   expect_refusal_to_show({"--voice", folder.path("none.wav")}, "none.wav' doesn't exist");
   setenv("KESREL_COLOURED", "no editor", 1);
   expect_refusal_to_show({}, "the plug-in has no window");
   setenv("KESREL_COLOURED", "refusal", 1);
   expect_refusal_to_show({}, "the plug-in's window cannot be opened");
+  unsetenv("KESREL_COLOURED");
+  setenv("DISPLAY", (std::string(std::getenv("DISPLAY")) + ".1").c_str(), 1);  // 640 x 480
+  expect_refusal_to_show({"--scale", "3", "--screenshot", folder.path("a.png")}, "720 x 100 pixels must lie on the sc");
   setenv("DISPLAY", ":9999", 1);
   expect_refusal_to_show({}, "kesrel-show: no display: the X server ':9999' cannot be reached\n");
   unsetenv("DISPLAY");

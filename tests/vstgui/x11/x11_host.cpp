@@ -82,8 +82,8 @@ host::host(int screen) {
   start_x_server();
   display = XOpenDisplay(nullptr);
   if (display == nullptr) throw std::runtime_error("no connection to Xvfb");
-  window = XCreateSimpleWindow(display, RootWindow(display, screen), 200, 300, 400, 200, 0, 0,
-                               WhitePixel(display, screen));
+  window =
+      XCreateSimpleWindow(display, RootWindow(display, screen), 200, 300, 400, 200, 0, 0, WhitePixel(display, screen));
   XSelectInput(display, window, StructureNotifyMask);
   XMapWindow(display, window);
   XSetInputFocus(display, PointerRoot, RevertToNone, CurrentTime);

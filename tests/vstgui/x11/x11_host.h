@@ -53,8 +53,8 @@ class host {
 
   std::unique_ptr<VSTGUI::platform::window> open(recorder& frame, double scale = 1) const;
   std::vector<Window> children(Window of) const;
-  Window child() const;              // the only one
-  Window menu() const;               // the topmost override-redirect window; 0 if there is none
+  Window child() const;  // the only one
+  Window menu() const;   // the topmost override-redirect window; 0 if there is none
   XWindowAttributes attributes(Window of) const;
   unsigned long pixel(Window of, int x, int y) const;
   bool got_key(int type, KeySym key) const;  // a key event of the host's own window; earlier ones are dropped
