@@ -152,6 +152,17 @@ TEST_F(OptionMenu, ReportsNothingMoreWhenTheFrameCloses) {
   sounds->forget();
 }
 
+TEST_F(OptionMenu, ReportsNothingMoreWhenTheFrameClosesBeforeTheMenuReturns) {
+  desktop().menu_user = [this](const auto&) {
+    close();
+    EXPECT_TRUE(window.is_open());  // the menu runs in it
+    return 3;
+  };
+  window.press(CPoint(20, 20));
+  EXPECT_FALSE(window.is_open());
+  EXPECT_EQ(listener.take(), opened);
+}
+
 TEST_F(OptionMenu, MayCloseTheFrameByAChoice) {
   listener.on_value = [this] { close(); };
   sounds->popup();
