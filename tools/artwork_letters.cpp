@@ -66,6 +66,13 @@ const letter* find_letter(char name) {
   return found == letters().end() ? nullptr : &*found;
 }
 
+// From a letter's own measure, 0 to 1, down to the middle of a line. Bars at half the height are brought to whole
+// pixels, rather up than down, as the middle of a letter looks too low where it is.
+double height_of(double part, double top, const lettering& style) {
+  const double height = top + part * (style.height - style.weight);
+  return (part == 0.5 ? std::ceil(height - 0.5) : height) + style.weight / 2;
+}
+
 // Whole pixels, so that all stems of a text look alike.
 double advance(char name, const lettering& style) {
   const letter* const found = find_letter(name);
@@ -126,7 +133,7 @@ void draw_text(const canvas& on, const char* text, double left, double top, cons
       for (line part : found->lines) {
         for (point& p : part.points) {
           p.x = left + style.weight / 2 + p.x * (width - style.weight);
-          p.y = top + style.weight / 2 + p.y * (style.height - style.weight);
+          p.y = height_of(p.y, top, style);
         }
         add_line(context, part.points, part.closed, turn_radius * style.height);
       }

@@ -38,7 +38,6 @@ class CFrame : public CViewContainer, private platform::window_events {
   bool getSize(CRect* rect) const;
   bool getSize(CRect& rect) const;
   // The window's corner on the screen, in its pixels. False, too, when it is closed.
-  virtual bool setPosition(CCoord x, CCoord y);
   virtual bool getPosition(CCoord& x, CCoord& y) const;
   // Pixels of the window per unit of the frame. False unless above 0.
   virtual bool setZoom(double zoom);
@@ -56,7 +55,6 @@ class CFrame : public CViewContainer, private platform::window_events {
   // While the frame is inactive the focus view is only noted, for the time when it becomes active.
   virtual void setFocusView(CView* view);
   virtual CView* getFocusView() const { return focus_view_; }
-  bool advanceNextFocusView(CView* oldFocus, bool reverse = false) override;
   virtual void onActivate(bool state);
   // A frame around the focus view; off at first.
   virtual void setFocusDrawingEnabled(bool state) { focus_drawing_ = state; }
@@ -127,7 +125,8 @@ class CFrame : public CViewContainer, private platform::window_events {
   void activated(bool active) override;
 
   int32_t hand_out_key(VstKeyCode& key, int32_t (CView::*handler)(VstKeyCode&));
-  void hover(std::vector<SharedPointer<CView>> views, const CPoint& where, const CButtonState& buttons);
+  void hover(const CPoint& where, const CButtonState& buttons);
+  void leave_all_but(const std::vector<SharedPointer<CView>>& views, const CPoint& where, const CButtonState& buttons);
   void flush_invalid();
   void take_down();
 

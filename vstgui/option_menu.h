@@ -1,6 +1,7 @@
 // MIT License. A field that opens a menu to choose from.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -71,10 +72,10 @@ class COptionMenu : public CParamDisplay {
   virtual CMenuItem* addSeparator(int32_t index = -1);
   virtual bool removeEntry(int32_t index);
   virtual bool removeAllEntry();
-  virtual int32_t getNbEntries() const { return static_cast<int32_t>(menuItems.size()); }
+  virtual int32_t getNbEntries() const { return static_cast<int32_t>(menuItems->size()); }
   // Null when there is no such row.
   virtual CMenuItem* getEntry(int32_t index) const;
-  CMenuItemList* getItems() const { return const_cast<CMenuItemList*>(&menuItems); }
+  CMenuItemList* getItems() const { return menuItems.get(); }
 
   virtual CMenuItem* getCurrent() const { return getEntry(currentIndex); }
   virtual int32_t getCurrentIndex(bool countSeparator = false) const;
@@ -100,7 +101,7 @@ class COptionMenu : public CParamDisplay {
   void setMin(float /*val*/) override {}
   float getMin() const override { return 0; }
   void setMax(float /*val*/) override {}
-  float getMax() const override { return static_cast<float>(menuItems.size()) - 1; }
+  float getMax() const override { return static_cast<float>(getNbEntries() - 1); }
 
   void draw(CDrawContext* context) override;
   CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override;
@@ -112,7 +113,7 @@ class COptionMenu : public CParamDisplay {
 
   virtual void beforePopup() {}
 
-  CMenuItemList menuItems;
+  std::unique_ptr<CMenuItemList> menuItems;
   bool inPopup = false;
   int32_t currentIndex = -1;
   CButtonState lastButton;
@@ -120,12 +121,16 @@ class COptionMenu : public CParamDisplay {
   SharedPointer<CBitmap> bgWhenClick;
 
  private:
-  bool open_menu(CFrame* frame, const CRect& field);
-  void finish_menu(uint32_t serial, CMenuItem* item);
-  void choose(int32_t index);
-  bool step_to(int32_t direction);
+  class open_menu;
 
-  uint32_t menu_serial_ = 0;  // of the menu that is open
+  bool open(CFrame* frame, const CRect& field);
+  void finish(uint32_t serial, const CMenuItem* chosen);
+  void abandon(uint32_t serial);
+  void follow(const CMenuItem* row);
+  int32_t index_of(const CMenuItem* row) const;
+  void step(int32_t direction);
+
+  uint32_t menu_serial_ = 0;  // of the menu that is open, or was last
 };
 
 }  // namespace VSTGUI

@@ -26,12 +26,8 @@ class IPlatformString : public CBaseObject {
 class UTF8String {
  public:
   UTF8String(UTF8StringPtr text = nullptr) : platform_(owned(IPlatformString::createWithUTF8String(text))) {}
-  UTF8String(const UTF8String& other) : UTF8String(other.get()) {}
-  UTF8String& operator=(const UTF8String& other);
-  UTF8String& operator=(UTF8StringPtr text);
-
   UTF8StringPtr get() const { return platform_->utf8().c_str(); }
-  void set(UTF8StringPtr text) { *this = text; }
+  void set(UTF8StringPtr text) { platform_ = owned(IPlatformString::createWithUTF8String(text)); }
   bool empty() const { return platform_->utf8().empty(); }
   size_t getByteCount() const { return platform_->utf8().size() + 1; }
   IPlatformString* getPlatformString() const { return platform_; }

@@ -28,19 +28,19 @@ class CView : public CBaseObject {
   virtual bool checkUpdate(const CRect& updateRect) const { return updateRect.rectOverlap(size); }
 
   // A dirty view is drawn after the frame's next idle(), an invalid one with the next paint.
-  virtual bool isDirty() const { return has(dirty_flag); }
-  virtual void setDirty(bool state = true) { set(dirty_flag, state); }
+  virtual bool isDirty() const { return has_flag(dirty_flag); }
+  virtual void setDirty(bool state = true) { set_flag(dirty_flag, state); }
   virtual void invalidRect(const CRect& rect);
   virtual void invalid();
 
   virtual void setVisible(bool state);
-  bool isVisible() const { return has(visible_flag) && alphaValue > 0; }
+  bool isVisible() const { return has_flag(visible_flag) && alphaValue > 0; }
   // 0 to 1.
   virtual void setAlphaValue(float alpha);
   float getAlphaValue() const { return alphaValue; }
   // What is below a transparent view gets the events that it doesn't handle.
-  virtual void setTransparency(bool state) { set(transparent_flag, state); }
-  bool getTransparency() const { return has(transparent_flag); }
+  virtual void setTransparency(bool state) { set_flag(transparent_flag, state); }
+  bool getTransparency() const { return has_flag(transparent_flag); }
 
   // Mouse. kMouseEventHandled from onMouseDown captures the mouse until a button goes up.
   virtual CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons);
@@ -56,7 +56,7 @@ class CView : public CBaseObject {
   virtual bool onWheel(const CPoint& where, const CMouseWheelAxis& axis, const float& distance,
                        const CButtonState& buttons);
   virtual void setMouseEnabled(bool state = true);
-  bool getMouseEnabled() const { return has(mouse_enabled_flag); }
+  bool getMouseEnabled() const { return has_flag(mouse_enabled_flag); }
   virtual void setMouseableArea(const CRect& rect) { mouseableArea = rect; }
   const CRect& getMouseableArea() const { return mouseableArea; }
   CRect& getMouseableArea(CRect& rect) const { return rect = mouseableArea; }
@@ -64,8 +64,8 @@ class CView : public CBaseObject {
   // Keys: 1 when handled, else -1.
   virtual int32_t onKeyDown(VstKeyCode& /*keyCode*/) { return -1; }
   virtual int32_t onKeyUp(VstKeyCode& /*keyCode*/) { return -1; }
-  virtual bool wantsFocus() const { return has(wants_focus_flag); }
-  virtual void setWantsFocus(bool state) { set(wants_focus_flag, state); }
+  virtual bool wantsFocus() const { return has_flag(wants_focus_flag); }
+  virtual void setWantsFocus(bool state) { set_flag(wants_focus_flag, state); }
   virtual void takeFocus() {}
   virtual void looseFocus() {}
 
@@ -90,9 +90,9 @@ class CView : public CBaseObject {
   // Attached views have a frame. Both are false when nothing changes.
   virtual bool attached(CView* parent);
   virtual bool removed(CView* parent);
-  bool isAttached() const { return has(attached_flag); }
-  bool isSubview() const { return has(subview_flag); }
-  void setSubviewState(bool state) { set(subview_flag, state); }
+  bool isAttached() const { return has_flag(attached_flag); }
+  bool isSubview() const { return has_flag(subview_flag); }
+  void setSubviewState(bool state) { set_flag(subview_flag, state); }
   CView* getParentView() const { return pParentView; }
   CFrame* getFrame() const { return pParentFrame; }
   virtual VSTGUIEditorInterface* getEditor() const;
@@ -120,8 +120,8 @@ class CView : public CBaseObject {
     attached_flag = 1 << 5,
     subview_flag = 1 << 6,
   };
-  bool has(flag bit) const { return (viewFlags & bit) != 0; }
-  void set(flag bit, bool state) { viewFlags = state ? viewFlags | bit : viewFlags & ~bit; }
+  bool has_flag(flag bit) const { return (viewFlags & bit) != 0; }
+  void set_flag(flag bit, bool state) { viewFlags = state ? viewFlags | bit : viewFlags & ~bit; }
 
   SharedPointer<CBitmap> background_;
   SharedPointer<CBitmap> disabled_background_;

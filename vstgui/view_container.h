@@ -98,7 +98,7 @@ class CViewContainer : public CView {
   using child_list = std::vector<SharedPointer<CView>>;
   // From the top. A copy, so that children may go while events are handed out.
   child_list children_below(const CPoint& where, const CButtonState& buttons) const;
-  CMouseEventResult press(CView* child, CPoint where, const CButtonState& buttons);
+  CPoint to_children(const CPoint& where) const { return where - size.getTopLeft(); }
 
   child_list children_;
   SharedPointer<CView> mouse_down_view_;
