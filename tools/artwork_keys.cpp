@@ -5,9 +5,6 @@ namespace artwork {
 
 namespace {
 
-// One colour for everything between keys: a seam looks the same whichever of its neighbours drew it.
-constexpr colour seam = {10, 11, 13};
-
 // How far round corners go on behind the felt, where they aren't seen.
 constexpr double behind = 8;
 

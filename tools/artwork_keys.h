@@ -7,6 +7,9 @@
 
 namespace artwork {
 
+// One colour for everything between keys: a seam looks the same whichever of its neighbours drew it.
+constexpr colour seam = {10, 11, 13};
+
 enum class key_state { unlit, lit };
 
 // What a black key takes from the white ones: its body with a seam at its sides and its front.

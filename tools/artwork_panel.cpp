@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "tools/artwork_keyboard.h"
+#include "tools/artwork_keys.h"
 #include "tools/artwork_letters.h"
 
 namespace artwork {
@@ -15,7 +16,7 @@ namespace {
 
 constexpr colour panel_top = {28, 33, 38};
 constexpr colour panel_bottom = {17, 20, 24};
-constexpr colour print = {206, 210, 212};  // what is printed on the panel, beside the product's name
+constexpr colour print = {178, 184, 188};  // what else is printed: white is for the name
 constexpr box display = {144, 63, 431, 103};
 constexpr box keybed = {18, 114, 559, 222};
 constexpr box keys = {24, 133, 553, 214};  // with the seams at both ends
@@ -107,7 +108,7 @@ void draw_keybed(const canvas& on) {
   soften_below_edge(on, keybed, 6, with_alpha(black, 0.6), 8);
   // The felt, and the keys below.
   fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {46, 47, 49}}, {1.0, {20, 20, 21}}});
-  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, colour{10, 11, 13});
+  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, seam);
   draw_keyboard_at_rest(on, 22, keys.top);
 }
 

@@ -42,7 +42,8 @@ void place_keys(const canvas& on, const std::set<int>& lit_keys) {
   const canvas images = render("keyboard_keys_new", on.scale());
   for (int number = 0; number < octaves * keys_per_octave; ++number) {
     const key_shape& key = octave_keys()[static_cast<size_t>(number % keys_per_octave)];
-    const double left = 22 + number / keys_per_octave * octave_width + key.x;
+    const int octave = number / keys_per_octave;
+    const double left = 22 + octave * octave_width + key.x;
     const double down = lit_keys.count(number) != 0 ? 0.0 : unlit_offset;
     place(on, images, {left, 133, left + key.image.width(), 133 + key.image.height()}, key.image.left,
           key.image.top + down);

@@ -80,7 +80,7 @@ void make_preview(const std::vector<std::string>& arguments) {
     } else if (option == "--on") {
       shown.on = parts_of(value);
     } else {
-      throw std::runtime_error("no such option: " + option + " " + value);
+      throw std::runtime_error(std::string("no such option: ").append(option).append(" ").append(value));
     }
   }
   write(artwork::preview(shown, scale), arguments[1]);

@@ -162,6 +162,8 @@ keys every(int step) {
 }
 
 TEST_P(Artwork, ShowsThePanelWhereKeysAreUnlit) {
+  const pixels images = committed("keyboard_keys_new", GetParam());
+  EXPECT_EQ(images.at(16 * GetParam(), (3 + 87 + 60) * GetParam()) >> 24, 0U);
   EXPECT_TRUE(window_with({}, GetParam()) == committed("quo_kv4_ME_BG", GetParam()));
 }
 
