@@ -19,7 +19,7 @@
 
 namespace {
 
-// --- The state before the first commit, and its marks ---
+// --- The state before the first commit ---
 
 // Bytes that aren't 0 in a record of static storage, whose padding is 0.
 template <typename Record>
@@ -45,18 +45,6 @@ TEST(Tables, StartFromAZeroedState) {
   EXPECT_EQ(set_bytes(fresh), set_bytes(fresh.arena));  // which has its capacity
   static output_equaliser equaliser;
   EXPECT_EQ(set_bytes(equaliser), 0);
-}
-
-TEST(Tables, MarkTheStateForInspection) {
-  const auto state = committed(plain_sound(0.0F), 44100.0F);
-  EXPECT_EQ(state->tag, 0x766f636fU);
-  EXPECT_EQ(state->committed, 1);
-  EXPECT_EQ(state->committing, 0);
-  EXPECT_EQ(state->in_block, 0);
-  EXPECT_EQ(voice_idle, 0);
-  EXPECT_EQ(voice_held, 1);
-  EXPECT_EQ(voice_releasing, -1);
-  EXPECT_EQ(voice_sustained, -2);
 }
 
 // --- Values ---
@@ -189,18 +177,6 @@ TEST(Tables, SwitchAtTheirThresholds) {
 }
 
 // --- Delays ---
-
-TEST(Tables, HoldTheMotionOfTheDelays) {
-  EXPECT_EQ(chorus_motion.step, 3.561896432641489e-05);
-  EXPECT_EQ(chorus_motion.reach, 0.25);
-  EXPECT_EQ(reverb_motion.step, 2.849517146113191e-05);
-  EXPECT_EQ(reverb_motion.reach, 0.45);
-  distance_delay delay;
-  distance_delay_create(&delay);
-  EXPECT_EQ(delay.speed, 343.0F);
-  EXPECT_EQ(delay.sample_rate, 44100.0F);
-  EXPECT_EQ(delay.max_distance, 10.0F);
-}
 
 TEST(Tables, ClearTheLargestRings) {
   const auto reverb = std::make_unique<reverb_state>();
