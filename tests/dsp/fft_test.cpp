@@ -8,8 +8,9 @@
 #include <complex>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <vector>
+
+#include "tests/words/signals.h"
 
 namespace {
 
@@ -23,15 +24,6 @@ struct prepared {
   int32_t log2_size = 0;
   std::vector<float> table;
 };
-
-// Circular complex noise of unit variance.
-std::vector<float> noise(int32_t size) {
-  std::mt19937 generator(1);
-  std::normal_distribution<float> distribution(0.0f, std::numbers::sqrt2_v<float> / 2.0f);
-  std::vector<float> data(static_cast<size_t>(2 * size));
-  for (float& x : data) x = distribution(generator);
-  return data;
-}
 
 // The definition of the transform; every twiddle is computed for itself, modulo the period.
 signal plain_transform(const std::vector<float>& data, int sign) {
@@ -62,7 +54,7 @@ double largest_error(const std::vector<float>& actual, const signal& expected, d
 TEST(Fft, TransformsNoiseOfEverySizeByItsDefinitionAndBack) {
   for (int32_t size = 8; size <= 8192; size *= 2) {
     const prepared fft(size);
-    const std::vector<float> input = noise(size);
+    const std::vector<float> input = noise(static_cast<size_t>(2 * size));
     // Rounding errors grow with the root of the size times its logarithm.
     const double tolerance = 2e-5 * std::sqrt(size / 1024.0) * std::max(1.0, std::log2(size) / 10.0);
     std::vector<float> data = input;

@@ -69,14 +69,10 @@ TEST(Commit, RebuildsATableOnlyWhenItsNumberOrTheModeChanges) {
 
   commit({{wsyn_param_wave_select1, 9.9f}}, state);
   EXPECT_FALSE(noise_stands()) << "a change of mode refills";
-}
 
-TEST(Commit, AModeOfOneHalfLoadsLoopsButKeepsTuningAndRender) {
-  const auto state = committed({{wsyn_param_ring, 1.0f}});
   commit({{wsyn_param_sampled, 0.5f}, {wsyn_param_wave_select1, 3.0f}}, state);
   EXPECT_EQ(state->wrap1, sample_loops[3].loop_length);
-  EXPECT_EQ(state->tune1, -0.0016666666666666668);
-  EXPECT_EQ(state->render, &render_ring);
+  EXPECT_EQ(state->tune1, -0.0016666666666666668) << "a mode of one half loads loops but keeps the tuning";
 }
 
 TEST(Commit, AcceptsParametersThatAreNotNumbers) {
@@ -117,18 +113,6 @@ TEST(Pitch, FollowsReferenceAndRateBetweenLimitsAndOctavesSemitonesAndCents) {
   EXPECT_NEAR(state->tune1, 7.0 / 12 - 30.0 / 1200 - 2.0 / 1200, 1e-7);
   EXPECT_NEAR(state->note_ratio1[72], 2 * std::exp2(state->tune1), 1e-12);
   EXPECT_NEAR(state->note_ratio2[0], std::exp2(-5.0 - 2.0 / 1200), 1e-12);
-}
-
-TEST(Pitch, ShapesDoNotMoveBeforeTheFirstFrameAndThenSoundAnOctaveBelowTheKeyboard) {
-  const auto state = std::make_unique<wsyn_state>();
-  commit({}, state);
-  const auto middle_c = static_cast<float>(state->note_ratio1[60]);
-  voice_record voice;
-  state->render(middle_c, middle_c, &voice, state.get());
-  EXPECT_EQ(voice.phase1, 0.0f);
-  wsyn_modulate_pitch(0.0f, 0, state.get());
-  state->render(middle_c, middle_c, &voice, state.get());
-  EXPECT_NEAR(44100.0 / 1023.0 * static_cast<double>(voice.phase1), 130.79, 0.02);
 }
 
 // --- Rendering ---
