@@ -14,7 +14,6 @@ using halvern::notification;
 using halvern::notification_center;
 using halvern::notification_reference;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 std::vector<std::string> calls;
 
@@ -54,23 +53,18 @@ TEST_F(Center, CallsObserversOfPairsThenNamesThenSendersThenEverything) {
 }
 
 TEST_F(Center, RemovesOneSubscriptionOrAll) {
-  center.subscribe(&first, "news", nullptr);
-  center.subscribe(&first, "news", nullptr);
+  for (int time = 0; time < 2; ++time) center.subscribe(&first, "news", nullptr);
   center.subscribe(&first, "news", &sender);
   center.subscribe(&first, "", nullptr);
   center.subscribe(&second, "", &sender);
   center.unsubscribe(&first, "news", nullptr);
   center.unsubscribe(&first, "never asked", nullptr);
   post("news", &sender);
-  EXPECT_THAT(calls, ElementsAre("first:news", "first:news", "second:news", "first:news"));
-  calls.clear();
   center.unsubscribe(&first);
-  post("news", &sender);
-  EXPECT_THAT(calls, ElementsAre("second:news"));
-  calls.clear();
+  post("last", &sender);
   center.unsubscribe(&second);
-  post("news", &sender);
-  EXPECT_THAT(calls, IsEmpty());
+  post("unheard", &sender);
+  EXPECT_THAT(calls, ElementsAre("first:news", "first:news", "second:news", "first:news", "second:last"));
 }
 
 TEST_F(Center, AllocatesNotificationsFromThePoolOf128Bytes) {
