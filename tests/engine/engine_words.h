@@ -167,19 +167,6 @@ inline double partial_hz(const waveform& x, size_t start, size_t count, double n
   return 0.5 * (low + high);
 }
 
-// Mean frequency of the power within half a semitone of `near_hz`: what an ensemble of detuned partials sounds like.
-inline double centre_hz(const waveform& x, size_t start, size_t count, double near_hz, double rate_hz = 44100.0) {
-  double weighted = 0.0;
-  double sum = 0.0;
-  const double step = 0.5 * rate_hz / static_cast<double>(count);
-  for (double frequency = near_hz * 0.97; frequency < near_hz * 1.03; frequency += step) {
-    const double level = level_at(x, start, count, frequency, rate_hz);
-    weighted += level * level * frequency;
-    sum += level * level;
-  }
-  return weighted / sum;
-}
-
 inline double cents(double frequency_hz, double reference_hz) {
   return 1200.0 * std::log2(frequency_hz / reference_hz);
 }

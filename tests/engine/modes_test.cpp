@@ -125,6 +125,23 @@ TEST(HotSamples, DoNotStallOscillatorsThatFollowTheLevel) {
   }
 }
 
+TEST(Modes, OnSamplesLeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
+  const waveform modulator = noise(frame_size, 1.0F);
+  for (const int32_t mode : {6, 7, 8, 9, 10, 12, 13, 14}) {
+    const auto state = std::make_unique<voco_state>();
+    for (const int32_t capacity : {0, 1024, 2047, 2048 + 512, 3 * 1024}) {
+      if ((mode == 8 || mode == 9 || mode == 10) && capacity >= 2048) continue;  // they need no more
+      state->arena.capacity = capacity;
+      std::ranges::copy(modulator, state->time_modulator.begin());
+      std::ranges::copy(modulator, state->time_carrier.begin());
+      vocoder_algorithm_of(mode).vocode(state.get());
+      EXPECT_TRUE(std::ranges::equal(state->time_modulator, modulator)) << mode << ", " << capacity;
+      EXPECT_EQ(state->arena.used, 0);
+    }
+    EXPECT_EQ(state->wavelet_level_avg[0], 0.0F) << mode;
+  }
+}
+
 // A judge of the modes has the same formula; this is its claim.
 TEST(FastAtan2, StaysWithinItsError) {
   for (int i = 0; i < 10000; ++i) {

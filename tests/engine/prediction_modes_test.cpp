@@ -76,13 +76,4 @@ TEST(Prediction, StaysFiniteOnPoorlyConditionedFramesAndIsSilentForSilence) {
   }
 }
 
-TEST(Prediction, LeavesTheModulatorUnchangedWhenTheArenaIsExhausted) {
-  predictor p;
-  const waveform modulator = noise(frame_length, 1.0F);
-  for (const int32_t capacity : {0, frame_length, 2 * frame_length - 1}) {
-    p.arena->capacity = capacity;
-    EXPECT_EQ(p.vocode(10, modulator, modulator), modulator) << capacity;
-  }
-}
-
 }  // namespace

@@ -101,16 +101,4 @@ TEST(WaveletModes, EqualPlainLoopsToTheLastBit) {
   }
 }
 
-TEST(WaveletModes, LeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
-  const waveform modulator = noise(n, 1.0F);
-  for (const int mode : wavelet_modes) {
-    const auto state = std::make_unique<voco_state>();
-    for (const int32_t capacity : {0, n, 2 * n, 2 * n + 512, mode == 13 ? 6 * n : 3 * n}) {
-      state->arena.capacity = capacity;
-      EXPECT_EQ(vocode(mode, modulator, modulator, state.get()), modulator) << mode << ", " << capacity;
-    }
-    EXPECT_EQ(state->wavelet_level_avg[0], 0.0F) << mode;
-  }
-}
-
 }  // namespace
