@@ -49,61 +49,30 @@ SAME_PLACE(136, future,                 _unknown);
 #undef SAME_PLACE
 
 #define PLACE(record, field, offset) static_assert(offsetof(record, field) == (offset))
-static_assert(sizeof(ERect) == 8 && sizeof(vst_rect) == 8);
-PLACE(ERect, top,    offsetof(vst_rect, top));
-PLACE(ERect, left,   offsetof(vst_rect, left));
-PLACE(ERect, bottom, offsetof(vst_rect, bottom));
-PLACE(ERect, right,  offsetof(vst_rect, right));
-
-static_assert(sizeof(VstSpeakerProperties) == 112 && sizeof(vst_speaker_properties) == 112);
-PLACE(VstSpeakerProperties, azimuth,   offsetof(vst_speaker_properties, _unknown_00));
-PLACE(VstSpeakerProperties, elevation, offsetof(vst_speaker_properties, _unknown_04));
-PLACE(VstSpeakerProperties, radius,    offsetof(vst_speaker_properties, _unknown_08));
-PLACE(VstSpeakerProperties, reserved,  offsetof(vst_speaker_properties, _unknown_0C));
-PLACE(VstSpeakerProperties, name,      offsetof(vst_speaker_properties, name));
-PLACE(VstSpeakerProperties, type,      80);
-
-static_assert(sizeof(VstSpeakerArrangement) == 904);
-PLACE(VstSpeakerArrangement, speakers,    8);
-
-static_assert(sizeof(VstKeyCode) == 8);
-PLACE(VstKeyCode, virt,      4);
-PLACE(VstKeyCode, modifier,  5);
-
-static_assert(sizeof(VstEvent) == 32);
-PLACE(VstEvent, byteSize,    4);
-PLACE(VstEvent, data,        16);
-
-static_assert(sizeof(VstEvents) == 32);
-PLACE(VstEvents, events,    16);
-
-static_assert(sizeof(VstMidiEvent) == 32);
-PLACE(VstMidiEvent, flags,           12);
-PLACE(VstMidiEvent, midiData,        24);
-PLACE(VstMidiEvent, detune,          28);
-PLACE(VstMidiEvent, noteOffVelocity, 29);
-
-static_assert(sizeof(VstMidiSysexEvent) == 48);
-PLACE(VstMidiSysexEvent, resvd1,    24);
-PLACE(VstMidiSysexEvent, sysexDump, 32);
-
-static_assert(sizeof(VstTimeInfo) == 88);
-PLACE(VstTimeInfo, tempo,              32);
-PLACE(VstTimeInfo, timeSigNumerator,   64);
-PLACE(VstTimeInfo, flags,              84);
-
-static_assert(sizeof(VstPinProperties) == 128);
-PLACE(VstPinProperties, arrangementType, 68);
-PLACE(VstPinProperties, shortLabel,      72);
-
-static_assert(sizeof(VstParameterProperties) == 152);
-PLACE(VstParameterProperties, largeStepInteger,        92);
-PLACE(VstParameterProperties, displayIndex,            104);
-PLACE(VstParameterProperties, categoryLabel,           112);
-
-static_assert(sizeof(VstPatchChunkInfo) == 64);
-PLACE(VstPatchChunkInfo, numElements, 12);
+PLACE(ERect, top,                               offsetof(vst_rect, top));
+PLACE(ERect, bottom,                            offsetof(vst_rect, bottom));
+PLACE(VstSpeakerProperties, reserved,           offsetof(vst_speaker_properties, _unknown_0C));
+PLACE(VstSpeakerProperties, name,               offsetof(vst_speaker_properties, name));
+PLACE(VstSpeakerProperties, type,               80);
+PLACE(VstSpeakerArrangement, speakers,          8);
+PLACE(VstKeyCode, virt,                         4);
+PLACE(VstEvent, data,                           16);
+PLACE(VstEvents, events,                        16);
+PLACE(VstMidiEvent, midiData,                   24);
+PLACE(VstMidiEvent, noteOffVelocity,            29);
+PLACE(VstMidiSysexEvent, sysexDump,             32);
+PLACE(VstTimeInfo, tempo,                       32);
+PLACE(VstTimeInfo, flags,                       84);
+PLACE(VstPinProperties, shortLabel,             72);
+PLACE(VstParameterProperties, largeStepInteger, 92);
+PLACE(VstParameterProperties, categoryLabel,    112);
+PLACE(VstPatchChunkInfo, numElements,           12);
 #undef PLACE
+static_assert(sizeof(ERect) == 8 && sizeof(vst_rect) == 8 && sizeof(VstKeyCode) == 8 && sizeof(VstEvent) == 32);
+static_assert(sizeof(VstSpeakerProperties) == 112 && sizeof(vst_speaker_properties) == 112);
+static_assert(sizeof(VstSpeakerArrangement) == 904 && sizeof(VstEvents) == 32 && sizeof(VstMidiEvent) == 32);
+static_assert(sizeof(VstMidiSysexEvent) == 48 && sizeof(VstTimeInfo) == 88 && sizeof(VstPinProperties) == 128);
+static_assert(sizeof(VstParameterProperties) == 152 && sizeof(VstPatchChunkInfo) == 64);
 
 #define SAME_VALUE(ours, theirs) static_assert(int{ours} == static_cast<int>(theirs))
 SAME_VALUE(kSpeakerArrEmpty,       VST_ARRANGEMENT_TYPE_UNKNOWN);
