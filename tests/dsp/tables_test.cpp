@@ -58,10 +58,10 @@ TEST(Tables, DescribeTheLoops) {
   std::array<float, wsyn_param_count> params{};
   params[3] = 1.0F;  // loops
   for (size_t i = 0; i < std::size(loops); ++i) {
-    EXPECT_EQ(sample_loops[i].source_length, loops[i].source_length) << i;
-    EXPECT_EQ(sample_loops[i].largest_step, loops[i].largest_step) << i;
-    EXPECT_EQ(sample_loops[i].entries, loops[i].entries) << i;
-    EXPECT_EQ(sample_loops[i].root_key, loops[i].root_key) << i;
+    const auto fields = [](const sample_loop& x) {
+      return std::tie(x.source_length, x.largest_step, x.entries, x.root_key);
+    };
+    EXPECT_EQ(fields(sample_loops[i]), fields(loops[i])) << i;
     params[4] = params[5] = static_cast<float>(i);
     wsyn_commit(params.data(), state.get());
     EXPECT_EQ(state->loop_length[i], static_cast<float>(loops[i].loop_length));

@@ -64,39 +64,33 @@ TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
   }
 }
 
-TEST(DistanceDelay, PassesSamplesUnchangedWithoutStorage) {
+TEST(DistanceDelay, ComesInOtherSizesAndPassesSamplesUnchangedWithoutStorage) {
+  distance_delay other;
+  distance_delay_create(48000.0F, 5, &other);
+  EXPECT_EQ(other.length, 700);
+  distance_delay_set(1.0F, true, &other);
+  EXPECT_NEAR(other.delay, 699.7, 0.01);
+
   const waveform in = noise(100, 1.0F);
   const std::vector<double> positions(in.size(), 0.5);
-  distance_delay released = fresh_delay(0.5F);
-  distance_delay_release(&released);
-  distance_delay absurd;
-  distance_delay unmade;
-  distance_delay_create(nan_value, 10, &absurd);
-  for (distance_delay* const delay : {&released, &absurd, &unmade}) {
+  const auto expect_passed = [&](distance_delay* delay) {
     waveform samples = in;
     distance_delay_set(0.2F, true, delay);
     distance_delay_process(samples.data(), samples.data(), 100, delay);
     distance_delay_follow(positions.data(), samples.data(), 100, delay);
     EXPECT_EQ(delay->ready, 0);
     EXPECT_EQ(samples, in);
+  };
+  for (const float rate : {0.0F, -44100.0F, infinite, nan_value, 1e9F}) {
+    distance_delay absurd;
+    distance_delay_create(rate, 10, &absurd);
+    expect_passed(&absurd);
   }
-  distance_delay_prepare(&released);
-  EXPECT_EQ(released.ready, 1);
-  EXPECT_NEAR(released.delay, 128.57, 0.005);
-}
-
-TEST(DistanceDelay, ComesInOtherSizes) {
-  distance_delay delay;
-  distance_delay_create(48000.0F, 5, &delay);
-  EXPECT_EQ(delay.length, 700);
-  distance_delay_set(1.0F, true, &delay);
-  EXPECT_NEAR(delay.delay, 699.7, 0.01);
-  for (const float rate : {0.0F, -44100.0F, infinite, 40.0F, 1e9F}) {
-    distance_delay_create(rate, 10, &delay);
-    waveform samples = noise(100, 1.0F);
-    distance_delay_process(samples.data(), samples.data(), 100, &delay);
-    EXPECT_TRUE(all_finite(samples)) << rate;
-  }
+  distance_delay_release(&other);
+  expect_passed(&other);
+  distance_delay_prepare(&other);
+  EXPECT_EQ(other.ready, 1);
+  EXPECT_NEAR(other.delay, 139.9, 0.1);
 }
 
 struct positions {
@@ -165,12 +159,9 @@ TEST(Chorus, DelaysEachChannelByItsOwnMotion) {
   EXPECT_LT(longest, 322.0F);
 }
 
-TEST(Chorus, KeepsItsPositionWhileOffAndPassesSignalsWithoutItsDelays) {
+TEST(Chorus, KeepsItsPositionWhileOff) {
   const auto state = std::make_unique<voco_state>();
-  waveform voice = noise(512, 0.3F);
-  waveform carrier = noise(512, 0.3F, 2);
-  waveform left(512);
-  waveform right(512);
+  waveform voice = noise(512, 0.3F), carrier = noise(512, 0.3F, 2), left(512), right(512);
   const auto run_block = [&](float chorus) {
     voco_params params = voco_params_from(external_carrier_sound(2.0F), chorus, 44100.0F);
     voco_commit(&params, state.get());
@@ -182,11 +173,6 @@ TEST(Chorus, KeepsItsPositionWhileOffAndPassesSignalsWithoutItsDelays) {
   const float delay = state->chorus.left.delay;
   EXPECT_EQ(run_block(0.0F), 512.0);
   EXPECT_EQ(state->chorus.left.delay, delay);
-  distance_delay_release(&state->chorus.left);
-  distance_delay_release(&state->chorus.right);
-  waveform unchanged = voice;
-  chorus_process(unchanged.data(), right.data(), 512, &state->chorus);
-  EXPECT_EQ(unchanged, voice);
 }
 
 }  // namespace

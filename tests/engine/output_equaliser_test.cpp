@@ -73,15 +73,4 @@ TEST(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLengthEvenAfte
   }
 }
 
-TEST(OutputEqualiser, AddsOffsetsToItsCurve) {
-  output_equaliser equaliser = fresh_equaliser(0.0F);
-  const std::array<float, eq_bands> offsets = {0, 0, 0, 0, 0, -6.0F, 0, 0, 0, 0};
-  equaliser_prepare(44100.0F, offsets.data(), &equaliser);
-  eq_section expected;
-  eq_prepare(44100.0F, 1000.0F, -6.0F, 1.0F, &expected);
-  EXPECT_EQ(equaliser.left[5].b0, expected.b0);
-  EXPECT_EQ(equaliser.right[5].a2, expected.a2);
-  EXPECT_EQ(equaliser.left[4].b0, fresh_equaliser(0.0F).left[4].b0);
-}
-
 }  // namespace

@@ -179,8 +179,11 @@ TEST(Reverb, ClearsItsTailOnlyWhenTheSizeChanges) {
   EXPECT_EQ(state->write_index, 1);
   EXPECT_EQ(state->motion_counter, 0.0);
 
+  state->left.fill(1.0F);
+  state->right.fill(1.0F);
   distance_delay_release(&state->motion_right);
-  reverb_configure(0.0F, 0.51F, state.get());
+  reverb_configure(0.0F, 1.0F, state.get());
+  for (const auto& ring : {state->left, state->right}) EXPECT_EQ(std::count(&ring[0], &ring[22422], 0.0F), 22422);
   EXPECT_EQ(state->motion_right.ready, 1) << "a missing delay is made again";
 }
 

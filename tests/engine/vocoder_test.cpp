@@ -60,9 +60,7 @@ TEST(Vocoder, RefusesNegativeAndNonFiniteRatesAndTakesZeroAs44100) {
 
 TEST(Vocoder, WritesNothingBeforeItHasASound) {
   const instance_ptr instance = make_instance();
-  waveform left(64, 9.0F);
-  waveform right(64, 9.0F);
-  const waveform voice = noise(64, 0.5F);
+  waveform left(64, 9.0F), right(64, 9.0F), voice = noise(64, 0.5F);
   const float* const inputs[4] = {voice.data(), nullptr, nullptr, nullptr};
   float* const outputs[2] = {left.data(), right.data()};
   EXPECT_EQ(vocoder_process_sound(0, 0, 0, 0, nullptr, 64, inputs, outputs, instance.get()), 1);

@@ -6,8 +6,6 @@
 #include <atomic>
 #include <thread>
 
-#include "support/memory/quick_allocator.h"
-
 namespace {
 
 using halvern::notification;
@@ -65,18 +63,6 @@ TEST_F(Center, RemovesOneSubscriptionOrAll) {
   center.unsubscribe(&second);
   post("unheard", &sender);
   EXPECT_THAT(calls, ElementsAre("first:news", "first:news", "second:news", "first:news", "second:last"));
-}
-
-TEST_F(Center, AllocatesNotificationsFromThePoolOf128Bytes) {
-  auto* const pool = memory::get_pool(128, 0, 0);
-  const size_t before = pool->bytes_in_use();
-  {
-    const notification_reference posted(new halvern::notification_ex_2<std::string, unsigned>("name", "text", 4));
-    EXPECT_EQ(pool->bytes_in_use(), before + 128);
-    const notification_reference large(new halvern::notification_ex_1<std::array<char, 200>>("name", {}));
-    EXPECT_EQ(pool->bytes_in_use(), before + 128);
-  }
-  EXPECT_EQ(pool->bytes_in_use(), before);
 }
 
 TEST(CenterThreads, MayPostWhileOthersSubscribe) {
