@@ -43,22 +43,6 @@ void fit(benchmark::State& run) {
 }
 BENCHMARK(fit)->Arg(10)->Arg(35)->Arg(80)->Arg(130);
 
-// A zero pivot at the start, which leaves the fast way; the refill of the matrix is part of the time.
-void invert_with_zero_pivot(benchmark::State& run) {
-  frame f;
-  const auto n = static_cast<int32_t>(run.range(0)) - 1;
-  for (auto _ : run) {
-    for (int32_t i = 1; i <= n; ++i) {
-      for (int32_t j = 1; j <= n; ++j) {
-        f.workspace->matrix.entry[static_cast<size_t>(i)][static_cast<size_t>(j)] = i == j ? 0.0 : 1.0 / (i + j);
-      }
-    }
-    lpc_matrix_invert(n, &f.workspace->matrix, &f.workspace->inversion);
-    benchmark::ClobberMemory();
-  }
-}
-BENCHMARK(invert_with_zero_pivot)->Arg(10)->Arg(35)->Arg(80);
-
 // One filter over a frame. Its copy is part of the time: synthesis works in place.
 template <bool synthesis>
 void filter(benchmark::State& run) {

@@ -41,10 +41,6 @@ AEffect* load() {
   return entry(&test_host::callback);
 }
 
-VstIntPtr call(AEffect* effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr) {
-  return effect->dispatcher(effect, opcode, index, value, ptr, 0.0F);
-}
-
 void shake_hands(AEffect* effect) {
   call(effect, effVendorSpecific, handshake_id, 1);
 }
