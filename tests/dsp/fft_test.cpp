@@ -42,11 +42,11 @@ signal plain_transform(const std::vector<float>& data, int sign) {
 }
 
 // Largest deviation of either part.
-double largest_error(const std::vector<float>& actual, const signal& expected, double scale = 1.0) {
+double largest_error(const std::vector<float>& actual, const signal& expected) {
   double error = 0.0;
   for (size_t k = 0; k < expected.size(); ++k) {
-    error = std::max(error, std::abs(actual[2 * k] - scale * expected[k].real()));
-    error = std::max(error, std::abs(actual[2 * k + 1] - scale * expected[k].imag()));
+    error = std::max(error, std::abs(actual[2 * k] - expected[k].real()));
+    error = std::max(error, std::abs(actual[2 * k + 1] - expected[k].imag()));
   }
   return error;
 }
@@ -63,22 +63,6 @@ TEST(Fft, TransformsNoiseOfEverySizeByItsDefinitionAndBack) {
     fft_inverse(data.data(), fft.log2_size, fft.table.data());
     for (size_t i = 0; i < data.size(); ++i) ASSERT_NEAR(data[i], input[i], 2e-6) << size << ", float " << i;
   }
-}
-
-TEST(Fft, LargestSizeKeepsATone) {
-  const int32_t size = 1 << fft_max_log2_size;
-  const prepared fft(size);
-  const int64_t bin = 123457;
-  std::vector<float> data(static_cast<size_t>(2 * size));
-  for (int64_t n = 0; n < size; ++n) {
-    const double angle = 2.0 * std::numbers::pi * static_cast<double>(n * bin % size) / size;
-    data[static_cast<size_t>(2 * n)] = static_cast<float>(std::cos(angle));
-    data[static_cast<size_t>(2 * n + 1)] = static_cast<float>(std::sin(angle));
-  }
-  fft_forward(data.data(), fft.log2_size, fft.table.data());
-  signal expected(static_cast<size_t>(size));
-  expected[bin] = size;
-  EXPECT_LT(largest_error(data, expected), 1e-6 * size);
 }
 
 TEST(FftCosTable, HoldsTheQuarterWaveAndIsUntouchedForARefusedSize) {

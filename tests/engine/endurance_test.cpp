@@ -66,16 +66,6 @@ TEST_P(Endurance, NeverMakesABadSample) {
   for (int second = 0; second < seconds_of(GetParam()); ++second) loudest = std::max(loudest, play(second));
   EXPECT_GT(loudest, 0.01F);
   EXPECT_LT(loudest, 1000.0F);
-
-  spoilt = {-1e30F, 1e20F, 3e38F};
-  for (int second = 0; second < pattern_seconds / 2; ++second) play(second);
-  sound[value_reverb_level] = 0.0F;  // finite samples stay in its tail
-  spoilt.fill(0.0F);
-  play(1);
-  loudest = 0.0F;
-  for (int second = 0; second < 4; ++second) loudest = std::max(loudest, play(second));
-  EXPECT_GT(loudest, 0.01F);
-  EXPECT_LT(loudest, 1000.0F);
 }
 
 INSTANTIATE_TEST_SUITE_P(Mode, Endurance, testing::ValuesIn(all_modes));

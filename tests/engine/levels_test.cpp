@@ -30,15 +30,10 @@ double level_db(const waveform& x) {
   return decibels(sum / static_cast<double>(x.size() - settled));
 }
 
-struct figures {
-  double left_db;
-  double right_db;
-};
-
 // With the chorus and the reverb, which treat left and right differently, over a chord of the internal carrier.
 TEST(FactorySounds, HaveTheirLevels) {
   // clang-format off
-  constexpr figures sounds[] = {
+  constexpr std::pair<double, double> sounds[] = {  // left dB, right dB
       {-15.04, -16.43},  // 0
       {-15.50, -16.25},  // 1
       {-15.45, -16.84},  // 2
@@ -63,8 +58,8 @@ TEST(FactorySounds, HaveTheirLevels) {
       ASSERT_EQ(vocoder_process_sound(0, 1, 1, static_cast<int32_t>(number), key, 480, inputs, outputs, instance.get()),
                 0);
     }
-    EXPECT_NEAR(level_db(out.left), sounds[number].left_db, 0.1);
-    EXPECT_NEAR(level_db(out.right), sounds[number].right_db, 0.1);
+    EXPECT_NEAR(level_db(out.left), sounds[number].first, 0.1);
+    EXPECT_NEAR(level_db(out.right), sounds[number].second, 0.1);
   }
 }
 

@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <set>
 #include <string>
 
@@ -23,24 +19,6 @@ TEST(ValueList, ReadsNumbersBetweenCommasAndSemicolons) {
   // The token after an empty one is skipped.
   EXPECT_EQ(parse_value_list("1,,3,4,5"), (values{1, 0, 4, 5, 0}));
   EXPECT_EQ(parse_value_list(",2,3"), (values{0, 3, 0}));
-}
-
-// A host may run under a locale with a decimal comma. The test compiles one of its own, as few systems have any.
-TEST(ValueList, DoesNotDependOnTheHostsLocale) {
-  std::string folder = testing::TempDir() + "kesrel-locale-XXXXXX";
-  ASSERT_NE(mkdtemp(folder.data()), nullptr);
-  std::ofstream(folder + "/source")
-      << "LC_CTYPE\nEND LC_CTYPE\n"
-         "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping -1\nEND LC_NUMERIC\n";
-  const std::string compile = "cd '" + folder + "' && localedef -c -i source -f ANSI_X3.4-1968 ./comma 2>/dev/null";
-  std::system(compile.c_str());  // it complains of the categories that are missing
-  setenv("LOCPATH", folder.c_str(), 1);
-  ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr);
-  ASSERT_EQ(std::strtof("0,5", nullptr), 0.5F) << "a comma is the decimal sign now";
-  EXPECT_EQ(parse_value_list("0.5;1.5"), (values{0.5F, 1.5F}));
-  std::setlocale(LC_NUMERIC, "C");
-  unsetenv("LOCPATH");
-  std::filesystem::remove_all(folder);
 }
 
 TEST(SoundRecord, TakesUpTo512ValuesAndKeepsTheLaterOnesUnderAShorterList) {

@@ -9,12 +9,9 @@
 #include "dsp/oscillators.h"
 #include "engine/distance_delay.h"
 #include "engine/motion.h"
-#include "engine/notes.h"
 #include "engine/output_equaliser.h"
 #include "engine/parameter_commit.h"
-#include "engine/voco_process.h"
 #include "engine/voco_state.h"
-#include "engine/voices.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -85,51 +82,6 @@ TEST(Tables, CommitEachValueToItsField) {
   EXPECT_EQ(fields.lfo_step1, 31.0F * 31.0F * 128.0F);
   EXPECT_EQ(fields.lfo_step2, 36.0F * 36.0F * 128.0F);
   EXPECT_EQ(fields.shaper_drive, 17.0F * 4.0F);
-}
-
-TEST(Tables, ClearTheEnvelopesAloneWhenTheModeChanges) {
-  const auto state = committed(plain_sound(2.0F));
-  const auto commit = [&](float mode) {
-    voco_params params = voco_params_from(plain_sound(mode), 0.0F, 44100.0F);
-    voco_commit(&params, state.get());
-  };
-  voco_state::frame ones;
-  ones.fill(1.0F);
-  const std::array<voco_state::frame*, 6> envelopes = {&state->fast_env,    &state->slow_env,
-                                                       &state->carrier_mag, &state->carrier_phase,
-                                                       &state->target_env,  &state->modulator_phase};
-  const std::array<voco_state::frame*, 5> others = {&state->ola_left, &state->ola_right, &state->modulator_frame,
-                                                    &state->carrier_frame, &state->dry_modulator_ring};
-  for (voco_state::frame* const x : envelopes) *x = ones;
-  for (voco_state::frame* const x : others) *x = ones;
-  state->wavelet_level_avg.fill(1.0F);
-  state->frame_pos = 700;
-
-  commit(2.9F);  // the same mode
-  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, ones);
-  commit(3.0F);
-  for (const voco_state::frame* const x : envelopes) EXPECT_EQ(*x, voco_state::frame{});
-  for (const voco_state::frame* const x : others) EXPECT_EQ(*x, ones);
-  EXPECT_EQ(state->wavelet_level_avg[9], 1.0F);
-  EXPECT_EQ(state->frame_pos, 700);
-}
-
-// --- The internal carrier ---
-
-TEST(Tables, PutHalfTheSynthesizerInTheCarrier) {
-  sound_values sound = plain_sound(2.0F);
-  sound[value_internal_carrier] = 0.6F;
-  const auto state = committed(sound);
-  for (const int32_t note : {45, 57, 64}) notes_on(note, &state->synth, &state->note_mirror);
-  const auto twin = std::make_unique<voco_state>();
-  twin->synth = state->synth;
-  wsyn_select_render(&twin->synth);
-  waveform in(1000, 0.0F), second(1000, 0.7F), left(1000), right(1000);
-  voco_process(in.data(), second.data(), left.data(), right.data(), 500, state.get());
-  for (size_t i = 0; i < 500; ++i) {
-    ASSERT_EQ(state->carrier_frame[512 + i], 0.5F * wsyn_next_sample(&twin->synth)) << i;
-  }
-  EXPECT_GT(std::fabs(state->carrier_frame[1000]), 1e-4F);
 }
 
 // --- Thresholds ---

@@ -116,22 +116,17 @@ TEST(Debugger, IsStandardErrorAndHearsOfFailedTruncationsFoldersAndElementsInUse
                 "\nquick_allocator_impl destructed memory still in use! size:64 count:2\n");
 }
 
-TEST(CreatedFiles, AreAccessibleToTheUserAlone) {
+TEST(CreatedFiles, AreAccessibleToTheUserAloneAndClosed) {
   const test_folder folder;
   const auto rights = [&](const char* name) {
     return std::filesystem::status(folder.path(name)).permissions() & std::filesystem::perms::mask;
   };
-  create_file(create_folder(folder.place(), "logs"), "log");
-  EXPECT_EQ(rights("logs"), std::filesystem::perms::owner_all);
-  EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-}
-
-TEST(Descriptors, AreAllClosed) {
-  const test_folder folder;
   const auto open_descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
   const auto before = open_descriptors();
   {
-    const files::filepath place = create_file(folder.place(), "file");
+    const files::filepath place = create_file(create_folder(folder.place(), "logs"), "log");
+    EXPECT_EQ(rights("logs"), std::filesystem::perms::owner_all);
+    EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     files::append_to_file(place, memory::data("x", 1));
     files::hdd_file reader(place, files::file_mode::reading);
     reader.clone();
