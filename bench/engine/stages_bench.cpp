@@ -1,9 +1,6 @@
 // MIT License. What do the stages of the engine cost per sample?
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-
-#include "dsp/oscillators.h"
 #include "engine/chorus.h"
 #include "engine/float_mode.h"
 #include "engine/notes.h"

@@ -50,20 +50,6 @@ TEST(DistanceDelay, IsAsLongAsSoundNeedsForTheDistanceAndKnowsItsLevel) {
   EXPECT_FLOAT_EQ(distance_delay_gain(distance_delay{}), 1.0F);
 }
 
-TEST(DistanceDelay, DelaysByItsDelayAndInterpolates) {
-  for (const float position : {0.0F, 0.3F, 1.0F}) {
-    distance_delay delay = fresh_delay(position);
-    plain_delay plain{delay.delay};
-    const waveform in = noise(10000, 1.0F);
-    waveform out(in.size());
-    waveform expected;
-    for (const float sample : in) expected.push_back(plain.next(sample, delay.target_delay));
-    distance_delay_process(in.data(), out.data(), 7777, &delay);
-    distance_delay_process(in.data() + 7777, out.data() + 7777, 10000 - 7777, &delay);
-    EXPECT_EQ(out, expected) << position;
-  }
-}
-
 TEST(DistanceDelay, ComesInOtherSizesAndPassesSamplesUnchangedWithoutStorage) {
   distance_delay other;
   distance_delay_create(48000.0F, 5, &other);

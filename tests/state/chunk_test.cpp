@@ -62,13 +62,10 @@ TEST(Chunk, ReadsWhatWasWrittenAndKeepsItsBlockAlive) {
 TEST(Chunk, IsRefusedWhenItIsLongerThanItsBlock) {
   const std::string text = "chunk::chunk(data_ref) chunk corrupt! chunk size bigger than avail data!";
   for (const char* const size : {"00000003", "7fffffff", "ffffffff", "fffffff8"}) {
-    const auto block = block_of("strn" + from_hex(size) + "ab");
-    EXPECT_EQ(error_of([&] { chunk{block}; }), text) << size;
-    EXPECT_THROW(chunk{block}, chunks::error::chunk_error);
+    EXPECT_EQ(error_of([&] { chunk{block_of("strn" + from_hex(size) + "ab")}; }), text) << size;
   }
   for (const size_t length : {0U, 4U, 7U}) {
-    const auto block = block_of(std::string("strn\0\0\0", length));
-    EXPECT_EQ(error_of([&] { chunk{block}; }), text) << length;
+    EXPECT_EQ(error_of([&] { chunk{block_of(std::string("strn\0\0\0", length))}; }), text) << length;
   }
 }
 
