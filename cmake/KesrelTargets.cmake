@@ -29,11 +29,16 @@ if(KESREL_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# kesrel_library(NAME SOURCES ... LINKS ...)
-#   A static library of one folder. LINKS is what its headers and sources may include.
+# kesrel_library(NAME [OBJECT] SOURCES ... LINKS ...)
+#   A static library of one folder. LINKS is what its headers and sources may include. An OBJECT library goes whole into
+#   the programs that link it: they choose an implementation of what a library below them calls.
 function(kesrel_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
-  add_library(${name} STATIC ${arg_SOURCES})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "" "SOURCES;LINKS")
+  if(arg_OBJECT)
+    add_library(${name} OBJECT ${arg_SOURCES})
+  else()
+    add_library(${name} STATIC ${arg_SOURCES})
+  endif()
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:kesrel_flags>)

@@ -12,6 +12,9 @@
 // The host-visible parameters: three switches, each on only at exactly 1.0.
 enum parameter_index : int32_t { parameter_chorus_on, parameter_reverb_on, parameter_octave_on, parameter_count };
 
+// No parameter: with this index the effect tells its editor that other state has changed.
+constexpr int32_t update_editor_index = 9;
+
 // Requests wait until the audio thread takes them at the start of a block. No operation locks or allocates, and all of
 // them may overlap.
 //

@@ -94,7 +94,8 @@ bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
 }
 
 void KesrelVocoder4TarvixEffect::setParameter(VstInt32 index, float value) {
-  store_parameter(index, value);
+  if (!store_parameter(index, value)) return;
+  if (AEffEditor* const window = getEditor()) window->setParameter(index, value);
 }
 
 void KesrelVocoder4TarvixEffect::setParameterAutomated(VstInt32 index, float value) {
@@ -148,9 +149,16 @@ void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
   const menu_row_ref row = catalogue_.row_at(row_index);
   if (row == nullptr) return;
   trace("select_preset_by_index");
-  if (!pass_gate(row->category_id)) return;
-  sound_uuid_.set(row->uuid);
-  requests_.choose_sound(row_index);
+  if (pass_gate(row->category_id)) {
+    sound_uuid_.set(row->uuid);
+    requests_.choose_sound(row_index);
+  }
+  update_editor();
+}
+
+// Any thread: the editor shows the effect's state at its next idle call.
+void KesrelVocoder4TarvixEffect::update_editor() {
+  if (AEffEditor* const window = getEditor()) window->setParameter(update_editor_index, 1.0F);
 }
 
 bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {

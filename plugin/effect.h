@@ -16,6 +16,7 @@
 #include "plugin/key_update.h"
 #include "plugin/program_bank.h"
 #include "state/bank_image.h"
+#include "vst2/aeff_editor.h"
 #include "vst2/audio_effect_x.h"
 
 // The effect as host and editor see it.
@@ -55,14 +56,14 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   bool setSpeakerArrangement(VstSpeakerArrangement* input, VstSpeakerArrangement* output) override;
 
   // The host handshake: `index` 'KVHs' with `value` 1 builds the catalogue and answers 1. Everything else answers 0.
-  // Each handshake appends the same catalogue once more.
+  // Each handshake appends the same catalogue and makes another editor.
   VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
 
   // Audio thread. One host block is one engine block of any length; outputs may be the inputs' own arrays in any order.
   void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
 
-  // Parameters, from any thread. Indices outside the three do nothing and read as 0. A change by the host isn't
-  // reported back; setParameterAutomated, the editor's, reports to the host.
+  // Parameters, from any thread. Indices outside the three do nothing and read as 0. A change by the host goes to the
+  // editor; setParameterAutomated, the editor's own, reports to the host. Neither comes back to where it came from.
   void setParameter(VstInt32 index, float value) override;
   void setParameterAutomated(VstInt32 index, float value) override;
   float getParameter(VstInt32 index) override;
@@ -96,10 +97,12 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::vector<menu_row_ref> getMenuRows() const;
   std::vector<sound_category_ref> getCategories() const;
   // Requests the row at that position of the menu, if there is one and its category may be used. A separator or title
-  // row is accepted and gives the dry input.
+  // row is accepted and gives the dry input. The editor is told to show what is then selected.
   void select_preset_by_index(int32_t row_index);
   // The sound last chosen, as stored state names it.
   std::string sound_uuid() const { return sound_uuid_.get(); }
+  // Its position in the menu, or `no_row`.
+  int32_t selected_row() const { return catalogue_.find_row_by_uuid(sound_uuid()); }
   // The requested keys, which the next block plays.
   void getPendingKeys(key_flags& keys) const { requests_.copy_keys(keys); }
   void set_pending_keys(const key_flags& keys) { requests_.hold_keys(keys); }
@@ -111,6 +114,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
 
   // Host and user-interface threads.
   void shake_hands();
+  void make_editor();
+  void update_editor();
   bool store_parameter(VstInt32 index, float value);
   void load_default_bank();
 
@@ -132,6 +137,9 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::array<const float*, 2> arranged_inputs(float** inputs) const;
 
   const activation_gate& gate_;
+
+  // Those of handshakes before the last: the base owns the last one.
+  std::vector<std::unique_ptr<AEffEditor>> earlier_editors_;
 
   // The handshake's work. The catalogue keeps its rows, so that the audio thread never holds the last reference to one.
   sound_catalogue catalogue_;

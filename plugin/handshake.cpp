@@ -1,4 +1,5 @@
 // MIT License. The host handshake, which makes the effect ready to sound.
+#include "editor/create_editor.h"
 #include "plugin/default_bank.h"
 #include "plugin/effect.h"
 #include "plugin/trace.h"
@@ -23,14 +24,24 @@ VstIntPtr KesrelVocoder4TarvixEffect::vendorSpecific(VstInt32 index, VstIntPtr v
   }
 }
 
-// `ready_` is set last and publishes everything else to the audio thread. A handshake that runs out of memory before
-// that changes nothing.
+// `ready_` publishes everything before it to the audio thread. A handshake that runs out of memory before that changes
+// nothing.
 void KesrelVocoder4TarvixEffect::shake_hands() {
   trace("interface version 1");
   catalogue_.append_factory_sounds();
   load_default_bank();
   ready_.store(true, std::memory_order_release);
+  make_editor();
   trace("interface okay");
+}
+
+// An earlier editor may be open, and its operations may be running on another thread: it stays for as long as the
+// effect.
+void KesrelVocoder4TarvixEffect::make_editor() {
+  earlier_editors_.reserve(earlier_editors_.size() + 1);
+  AEffEditor* const earlier = getEditor();
+  create_editor(this);
+  if (earlier != nullptr) earlier_editors_.emplace_back(earlier);
 }
 
 // The built-in programs remain when the bank can't be loaded.

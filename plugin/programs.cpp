@@ -112,4 +112,5 @@ void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   for (VstInt32 index = 0; index < parameter_count; ++index) {
     setParameterAutomated(index, switch_value(switches[index]));
   }
+  update_editor();
 }

@@ -18,8 +18,8 @@ struct colour {  // of the screen's space, 0 to 255
 
 constexpr colour black = {0, 0, 0};
 constexpr colour white = {255, 255, 255};
-constexpr colour light = {150, 250, 250};  // "on", and nothing else
-constexpr colour unlit = {81, 145, 145};   // what could be on
+constexpr colour light = {150, 250, 250};     // "on", and nothing else
+constexpr colour dim_light = {81, 145, 145};  // what could be on
 
 constexpr colour with_alpha(const colour& base, double alpha) {
   return {base.red, base.green, base.blue, alpha};
@@ -68,29 +68,51 @@ class canvas {
   std::unique_ptr<cairo_t, void (*)(cairo_t*)> context_;
 };
 
-// Limits drawing to a path until the end of the scope.
-class clipped {
+// Until the end of its scope, a change of how things are drawn.
+class drawing_scope {
  public:
-  // To the area within `outer` and outside all of `holes`.
-  clipped(const canvas& on, const box& outer, const std::vector<box>& holes = {});
-  ~clipped();
-  clipped(const clipped&) = delete;
-  clipped& operator=(const clipped&) = delete;
+  drawing_scope(const drawing_scope&) = delete;
+  drawing_scope& operator=(const drawing_scope&) = delete;
+
+ protected:
+  explicit drawing_scope(const canvas& on) : context_(on.context()) { cairo_save(context_); }
+  ~drawing_scope() { cairo_restore(context_); }
 
  private:
   cairo_t* context_;
 };
 
+// Limits drawing to what is within `outer` and outside all of `holes`.
+class clipped : drawing_scope {
+ public:
+  clipped(const canvas& on, const box& outer, const std::vector<box>& holes = {});
+};
+
+// Limits drawing to a box with round corners.
+class rounded : drawing_scope {
+ public:
+  rounded(const canvas& on, const box& area, double radius);
+};
+
+// Moves the origin.
+class moved : drawing_scope {
+ public:
+  moved(const canvas& on, double right, double down);
+};
+
 void set_colour(const canvas& on, const colour& paint);
-void round_path(const canvas& on, const box& area, double radius);
 void fill(const canvas& on, const box& area, const colour& paint, double radius = 0.0);
 void fill(const canvas& on, const box& area, const gradient& paint, double radius = 0.0);
 // A line of `width` just inside the edge of `area`.
 void outline(const canvas& on, const box& area, const colour& paint, double width, double radius);
 void outline(const canvas& on, const box& area, const gradient& paint, double width, double radius);
+// Makes it transparent.
+void erase(const canvas& on, const box& area);
 
 // Light or shade that starts at the edge of a box with round corners and is gone `reach` pixels outside or inside it.
 void soften_outside(const canvas& on, const box& area, double radius, const colour& paint, double reach);
 void soften_inside(const canvas& on, const box& area, double radius, const colour& paint, double reach);
+// The same without the lower edge: the shade of an opening that is lit from above.
+void soften_below_edge(const canvas& on, const box& area, double radius, const colour& paint, double reach);
 
 }  // namespace artwork

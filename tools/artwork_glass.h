@@ -7,7 +7,7 @@ namespace artwork {
 
 enum class glass { dark, lit };
 
-// The light of lit glass reaches 3 pixels beyond `area`.
-void draw_glass(const canvas& on, const box& area, double radius, glass how);
+// Lit glass throws light up to `glow` pixels beyond `area`.
+void draw_glass(const canvas& on, const box& area, double radius, glass how, double glow);
 
 }  // namespace artwork

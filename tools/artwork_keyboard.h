@@ -17,8 +17,8 @@ struct key_shape {
   double x;   // of the image's left edge from that of the octave
   bool is_black;
 
-  // Where the key itself is seen, from the octave's left edge and the top of the keys. An image has more on its left and
-  // a seam on its right, so that the images of neighbours overlap and their bodies never do.
+  // Where the key itself is seen, from the octave's left edge and the top of the keys. An image has more on its left
+  // and a seam on its right, so that the images of neighbours overlap and their bodies never do.
   box body() const { return {x + 3, 0, x + image.width() - 1, image.height() - (is_black ? 1 : 0)}; }
 };
 

@@ -61,8 +61,16 @@ const std::vector<letter>& letters() {
 }
 
 const letter* find_letter(char name) {
-  const auto found = std::find_if(letters().begin(), letters().end(), [name](const letter& l) { return l.name == name; });
+  const auto found =
+      std::find_if(letters().begin(), letters().end(), [name](const letter& l) { return l.name == name; });
   return found == letters().end() ? nullptr : &*found;
+}
+
+// From a letter's own measure, 0 to 1, down to the middle of a line. Bars at half the height are brought to whole
+// pixels, rather up than down, as the middle of a letter looks too low where it is.
+double height_of(double part, double top, const lettering& style) {
+  const double height = top + part * (style.height - style.weight);
+  return (part == 0.5 ? std::ceil(height - 0.5) : height) + style.weight / 2;
 }
 
 // Whole pixels, so that all stems of a text look alike.
@@ -116,7 +124,8 @@ double text_width(const char* text, const lettering& style) {
 void draw_text(const canvas& on, const char* text, double left, double top, const lettering& style) {
   cairo_t* const context = on.context();
   // Slanted lines run past the height of the letters and are cut level.
-  const clipped level(on, {left - style.height, top, left + text_width(text, style) + style.height, top + style.height});
+  const clipped level(on,
+                      {left - style.height, top, left + text_width(text, style) + style.height, top + style.height});
   cairo_new_path(context);
   for (const char name : std::string(text)) {
     const double width = advance(name, style);
@@ -124,7 +133,7 @@ void draw_text(const canvas& on, const char* text, double left, double top, cons
       for (line part : found->lines) {
         for (point& p : part.points) {
           p.x = left + style.weight / 2 + p.x * (width - style.weight);
-          p.y = top + style.weight / 2 + p.y * (style.height - style.weight);
+          p.y = height_of(p.y, top, style);
         }
         add_line(context, part.points, part.closed, turn_radius * style.height);
       }

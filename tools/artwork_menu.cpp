@@ -23,9 +23,7 @@ void draw_arrow(const canvas& on, const colour& paint) {
 // What the room leaves on the upper half of the glass.
 void draw_reflection(const canvas& on, const box& pane, double strength) {
   cairo_t* const context = on.context();
-  cairo_save(context);
-  round_path(on, pane, radius - 1);
-  cairo_clip(context);
+  const rounded within(on, pane, radius - 1);
   cairo_move_to(context, pane.left, pane.top);
   cairo_line_to(context, pane.right, pane.top);
   cairo_line_to(context, pane.right, pane.top + 13);
@@ -33,7 +31,6 @@ void draw_reflection(const canvas& on, const box& pane, double strength) {
   cairo_close_path(context);
   set_colour(on, with_alpha(white, strength));
   cairo_fill(context);
-  cairo_restore(context);
 }
 
 }  // namespace
@@ -43,8 +40,8 @@ void draw_menu(const canvas& on) {
   const box pane = inset(field, 1);
   fill(on, pane, gradient{{0.0, {9, 13, 15}}, {1.0, {15, 21, 24}}}, radius - 1);
   draw_reflection(on, pane, 0.03);
-  soften_inside(on, {pane.left, pane.top, pane.right, pane.bottom + 12}, radius - 1, with_alpha(black, 0.75), 9);
-  draw_arrow(on, unlit);
+  soften_below_edge(on, pane, radius - 1, with_alpha(black, 0.75), 9);
+  draw_arrow(on, dim_light);
 }
 
 void draw_pressed_menu(const canvas& on) {
@@ -52,7 +49,7 @@ void draw_pressed_menu(const canvas& on) {
   const box pane = inset(field, 1);
   fill(on, pane, gradient{{0.0, {12, 46, 49}}, {0.5, {17, 60, 63}}, {1.0, {24, 76, 79}}}, radius - 1);
   draw_reflection(on, pane, 0.03);
-  soften_inside(on, {pane.left, pane.top, pane.right, pane.bottom + 12}, radius - 1, with_alpha(black, 0.5), 7);
+  soften_below_edge(on, pane, radius - 1, with_alpha(black, 0.5), 7);
   outline(on, pane, gradient{{0.0, with_alpha(light, 0.15)}, {1.0, with_alpha(light, 0.5)}}, 1, radius - 1);
   draw_arrow(on, light);
 }

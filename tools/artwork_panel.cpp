@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "tools/artwork_keyboard.h"
+#include "tools/artwork_keys.h"
 #include "tools/artwork_letters.h"
 
 namespace artwork {
@@ -15,7 +16,9 @@ namespace {
 
 constexpr colour panel_top = {28, 33, 38};
 constexpr colour panel_bottom = {17, 20, 24};
-constexpr colour print = {206, 210, 212};  // what is printed on the panel, beside the product's name
+constexpr colour print = {178, 184, 188};  // what else is printed: white is for the name
+constexpr box display = {144, 63, 431, 103};
+constexpr box keybed = {18, 114, 559, 222};
 constexpr box keys = {24, 133, 553, 214};  // with the seams at both ends
 
 uint32_t scrambled(uint32_t value) {
@@ -41,7 +44,8 @@ void draw_ground(const canvas& on) {
       };
       const uint32_t pixel = 0xFF000000U | mixed(panel_top.red, panel_bottom.red) << 16 |
                              mixed(panel_top.green, panel_bottom.green) << 8 | mixed(panel_top.blue, panel_bottom.blue);
-      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride + static_cast<std::ptrdiff_t>(column) * 4) = pixel;
+      *reinterpret_cast<uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride +
+                                   static_cast<std::ptrdiff_t>(column) * 4) = pixel;
     }
   }
   cairo_surface_mark_dirty(on.surface());
@@ -51,55 +55,60 @@ void draw_ground(const canvas& on) {
   fill(on, {0, bottom - 1, right, bottom}, colour{8, 9, 11});
 }
 
+// Set to the width of the display below it.
 void draw_name(const canvas& on) {
-  const lettering first = {14, 2, 4, white};
-  const lettering second = {14, 1, 4, with_alpha(white, 0.78)};
-  constexpr double gap = 12;
-  const double width = text_width("KESREL", first) + gap + text_width("VOCODER 4 ME", second);
-  const double left = std::round(287.5 - width / 2);
-  draw_text(on, "KESREL", left, 24, first);
-  draw_text(on, "VOCODER 4 ME", left + text_width("KESREL", first) + gap, 24, second);
+  constexpr double top = 27;
+  const lettering heavy = {14, 2, 4, white};
+  const lettering fine = {14, 1, 4, with_alpha(white, 0.78)};
+  draw_text(on, "KESREL", display.left, top, heavy);
+  draw_text(on, "VOCODER 4 ME", display.right - text_width("VOCODER 4 ME", fine), top, fine);
 }
 
+// A button for the about box.
 void draw_monogram(const canvas& on) {
-  const box disc = {14.5, 5, 37.5, 28};
-  soften_outside(on, {disc.left, disc.top + 1, disc.right, disc.bottom + 1}, 11.5, with_alpha(black, 0.5), 3);
-  fill(on, disc, gradient{{0.0, {58, 65, 72}}, {1.0, {30, 35, 40}}}, 11.5);
-  fill(on, inset(disc, 1), gradient{{0.0, {42, 48, 54}}, {1.0, {32, 37, 42}}}, 10.5);
-  draw_text(on, "K", 21.5, 11, {11, 1.5, 0, print});
+  const box disc = {keybed.left, 5, keybed.left + 23, 28};
+  constexpr double radius = 11.5;
+  soften_outside(on, {disc.left, disc.top + 1, disc.right, disc.bottom + 1}, radius, with_alpha(black, 0.5), 3);
+  fill(on, disc, gradient{{0.0, {58, 65, 72}}, {1.0, {30, 35, 40}}}, radius);
+  fill(on, inset(disc, 1), gradient{{0.0, {44, 50, 56}}, {1.0, {31, 36, 41}}}, radius - 1);
+  outline(on, inset(disc, 2.5), with_alpha(print, 0.35), 1, radius - 2.5);
+  draw_text(on, "K", disc.left + 7.5, disc.top + 7, {9, 1.5, 0, print});
 }
 
+// The maker's name, with an arrow out of the window, to the web.
 void draw_maker(const canvas& on) {
-  const lettering style = {9, 1, 3, print};
-  const double arrow = 549;
-  draw_text(on, "QUORVANT", arrow - 7 - text_width("QUORVANT", style), 12, style);
-  // Out of the window, to the web.
+  const lettering style = {7, 1, 3, print};
+  const double right = keybed.right;
+  const double top = 13;
+  draw_text(on, "QUORVANT", right - 15 - text_width("QUORVANT", style), top, style);
   cairo_t* const context = on.context();
-  cairo_move_to(context, arrow + 0.5, 20.5);
-  cairo_line_to(context, arrow + 7, 14);
-  cairo_move_to(context, arrow + 2, 13.5);
-  cairo_line_to(context, arrow + 7.5, 13.5);
-  cairo_line_to(context, arrow + 7.5, 19);
+  cairo_move_to(context, right - 7.5, top + 7.5);
+  cairo_line_to(context, right - 1, top + 1);
+  cairo_move_to(context, right - 6, top + 0.5);
+  cairo_line_to(context, right - 0.5, top + 0.5);
+  cairo_line_to(context, right - 0.5, top + 6);
   set_colour(on, with_alpha(print, 0.7));
   cairo_set_line_width(context, 1);
   cairo_stroke(context);
 }
 
-// The openings of the display and the switches.
-void draw_openings(const canvas& on) {
-  const box display = {144, 63, 431, 103};
+// Around the display, whose glass is a picture of its own.
+void draw_opening(const canvas& on) {
   soften_outside(on, display, 5, with_alpha(black, 0.35), 3);
-  outline(on, inset(display, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1, 6);
+  outline(on, inset(display, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.5, with_alpha(white, 0.03)}, {1.0, with_alpha(white, 0.16)}}, 1,
+          6);
 }
 
 void draw_keybed(const canvas& on) {
-  const box bed = {18, 111, 559, 222};
-  outline(on, inset(bed, -1), gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1, 7);
-  fill(on, bed, gradient{{0.0, {13, 16, 18}}, {1.0, {9, 11, 13}}}, 6);
-  soften_inside(on, {bed.left, bed.top, bed.right, bed.bottom + 12}, 6, with_alpha(black, 0.6), 8);
+  outline(on, inset(keybed, -1),
+          gradient{{0.0, with_alpha(black, 0.5)}, {0.3, with_alpha(white, 0.02)}, {1.0, with_alpha(white, 0.13)}}, 1,
+          7);
+  fill(on, keybed, gradient{{0.0, {13, 16, 18}}, {1.0, {9, 11, 13}}}, 6);
+  soften_below_edge(on, keybed, 6, with_alpha(black, 0.6), 8);
   // The felt, and the keys below.
-  fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {40, 28, 30}}, {1.0, {22, 15, 16}}});
-  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, colour{10, 11, 13});
+  fill(on, {keys.left, 131, keys.right, 133}, gradient{{0.0, {46, 47, 49}}, {1.0, {20, 20, 21}}});
+  fill(on, {keys.left, keys.top, keys.right, keys.bottom + 1}, seam);
   draw_keyboard_at_rest(on, 22, keys.top);
 }
 
@@ -110,7 +119,7 @@ void draw_panel(const canvas& on) {
   draw_monogram(on);
   draw_name(on);
   draw_maker(on);
-  draw_openings(on);
+  draw_opening(on);
   draw_keybed(on);
 }
 

@@ -12,7 +12,8 @@ namespace {
 
 canvas render(const std::string& name, int scale) {
   const auto& pictures = all_pictures();
-  return artwork::render(*std::find_if(pictures.begin(), pictures.end(), [&](const picture& p) { return p.name == name; }), scale);
+  return artwork::render(
+      *std::find_if(pictures.begin(), pictures.end(), [&](const picture& p) { return p.name == name; }), scale);
 }
 
 // Copies the part of the picture at `source` that has the size of `target`.
@@ -41,9 +42,11 @@ void place_keys(const canvas& on, const std::set<int>& lit_keys) {
   const canvas images = render("keyboard_keys_new", on.scale());
   for (int number = 0; number < octaves * keys_per_octave; ++number) {
     const key_shape& key = octave_keys()[static_cast<size_t>(number % keys_per_octave)];
-    const double left = 22 + number / keys_per_octave * octave_width + key.x;
+    const int octave = number / keys_per_octave;
+    const double left = 22 + octave * octave_width + key.x;
     const double down = lit_keys.count(number) != 0 ? 0.0 : unlit_offset;
-    place(on, images, {left, 133, left + key.image.width(), 133 + key.image.height()}, key.image.left, key.image.top + down);
+    place(on, images, {left, 133, left + key.image.width(), 133 + key.image.height()}, key.image.left,
+          key.image.top + down);
   }
 }
 
@@ -61,8 +64,8 @@ canvas preview(const window_state& shown, int scale) {
   const box reverb = {453, 75, 505, 94};
   place_switch(on, "switch_L_active_sv_kesrel_72", chorus, is_on("chorus"));
   place_switch(on, "switch_R_active_sv_kesrel_72", reverb, is_on("reverb"));
-  centre_text(on, "CHORUS", chorus, 8, is_on("chorus") ? light : unlit);
-  centre_text(on, "REVERB", reverb, 8, is_on("reverb") ? light : unlit);
+  centre_text(on, "CHORUS", chorus, 8, is_on("chorus") ? light : dim_light);
+  centre_text(on, "REVERB", reverb, 8, is_on("reverb") ? light : dim_light);
   place_switch(on, "KVME_+12_Button", {525, 118, 549, 135}, is_on("octave"));
   place_switch(on, "KV4_MM_X_Button", {23, 115, 41, 132}, is_on("clear"));
   const box menu = {144, 63, 431, 103};

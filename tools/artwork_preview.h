@@ -9,8 +9,8 @@
 namespace artwork {
 
 struct window_state {
-  std::set<int> lit_keys;      // 0 to 35
-  std::set<std::string> on;    // of chorus, reverb, octave, clear, menu
+  std::set<int> lit_keys;    // 0 to 35
+  std::set<std::string> on;  // of chorus, reverb, octave, clear, menu
   std::string sound = "Vocoder Choir";
 };
 

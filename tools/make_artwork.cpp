@@ -1,12 +1,15 @@
 // MIT License. kesrel-make-artwork: draws the window's pictures, or the window put together from them.
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
+#include "tools/artwork_keyboard.h"
 #include "tools/artwork_preview.h"
 #include "tools/artwork_set.h"
 
@@ -14,7 +17,8 @@ namespace {
 
 constexpr const char* usage =
     "usage: kesrel-make-artwork FOLDER\n"
-    "       kesrel-make-artwork --preview FILE.png [--scale 1|2] [--keys all|0,4,7] [--on chorus,reverb,octave,clear,menu]\n"
+    "       kesrel-make-artwork --preview FILE.png [--scale 1|2] [--keys all|0,4,7] [--on "
+    "chorus,reverb,octave,clear,menu]\n"
     "Draws the window's pictures into FOLDER, which must exist; or a preview of the whole window.\n";
 
 std::vector<std::string> split(const std::string& list) {
@@ -30,8 +34,37 @@ void write(const artwork::canvas& drawn, const std::string& path) {
 
 void make_pictures(const std::string& folder) {
   for (const artwork::picture& chosen : artwork::all_pictures()) {
-    for (const int scale : {1, 2}) write(artwork::render(chosen, scale), folder + "/" + artwork::file_name(chosen, scale));
+    for (const int scale : {1, 2})
+      write(artwork::render(chosen, scale), folder + "/" + artwork::file_name(chosen, scale));
   }
+}
+
+std::set<int> keys_of(const std::string& list) {
+  std::set<int> keys;
+  const int count = artwork::octaves * artwork::keys_per_octave;
+  if (list == "all") {
+    for (int key = 0; key < count; ++key) keys.insert(key);
+    return keys;
+  }
+  for (const std::string& part : split(list)) {
+    int key = -1;
+    const auto [end, error] = std::from_chars(part.data(), part.data() + part.size(), key);
+    if (error != std::errc() || end != part.data() + part.size() || key < 0 || key >= count) {
+      throw std::runtime_error("no key from 0 to 35: " + part);
+    }
+    keys.insert(key);
+  }
+  return keys;
+}
+
+std::set<std::string> parts_of(const std::string& list) {
+  const std::set<std::string> known = {"chorus", "reverb", "octave", "clear", "menu"};
+  std::set<std::string> parts;
+  for (const std::string& part : split(list)) {
+    if (known.count(part) == 0) throw std::runtime_error("nothing to switch on: " + part);
+    parts.insert(part);
+  }
+  return parts;
 }
 
 void make_preview(const std::vector<std::string>& arguments) {
@@ -40,16 +73,14 @@ void make_preview(const std::vector<std::string>& arguments) {
   for (size_t index = 2; index + 1 < arguments.size(); index += 2) {
     const std::string& option = arguments[index];
     const std::string& value = arguments[index + 1];
-    if (option == "--scale") {
-      scale = value == "2" ? 2 : 1;
-    } else if (option == "--on") {
-      for (const std::string& name : split(value)) shown.on.insert(name);
-    } else if (option == "--keys" && value == "all") {
-      for (int key = 0; key < 36; ++key) shown.lit_keys.insert(key);
+    if (option == "--scale" && (value == "1" || value == "2")) {
+      scale = value == "1" ? 1 : 2;
     } else if (option == "--keys") {
-      for (const std::string& key : split(value)) shown.lit_keys.insert(std::atoi(key.c_str()));
+      shown.lit_keys = keys_of(value);
+    } else if (option == "--on") {
+      shown.on = parts_of(value);
     } else {
-      throw std::runtime_error("unknown option " + option);
+      throw std::runtime_error(std::string("no such option: ").append(option).append(" ").append(value));
     }
   }
   write(artwork::preview(shown, scale), arguments[1]);

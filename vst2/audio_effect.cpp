@@ -29,6 +29,11 @@ constexpr bool writes_text(VstInt32 opcode) {
   }
 }
 
+void idle(AEffEditor* editor) {
+  editor->pollEvents();
+  editor->idle();
+}
+
 }  // namespace
 
 AudioEffect::AudioEffect(audioMasterCallback host, VstInt32 programs, VstInt32 params)
@@ -67,6 +72,7 @@ VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr val
   auto* const text = static_cast<char*>(ptr);
   const auto number = static_cast<VstInt32>(value);
   const bool isPreset = index != 0;
+  AEffEditor* const window = getEditor();
   switch (opcode) {
     case effOpen:            open();                           return 0;
     case effClose:           close();                          return 0;
@@ -80,10 +86,10 @@ VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr val
     case effSetSampleRate:   setSampleRate(opt);               return 0;
     case effSetBlockSize:    setBlockSize(number);             return 0;
     case effMainsChanged:    value == 0 ? suspend() : resume(); return 0;
-    case effEditGetRect:     return editor && editor->getRect(static_cast<ERect**>(ptr));
-    case effEditOpen:        return editor && editor->open(ptr);
-    case effEditClose:       if (editor) editor->close();      return 0;
-    case effEditIdle:        if (editor) editor->idle();       return 0;
+    case effEditGetRect:     return window && window->getRect(static_cast<ERect**>(ptr));
+    case effEditOpen:        return window && window->open(ptr);
+    case effEditClose:       if (window) window->close();      return 0;
+    case effEditIdle:        if (window) idle(window);         return 0;
     case effIdentify:        return CCONST('N', 'v', 'E', 'f');
     case effGetChunk:        return getChunk(static_cast<void**>(ptr), isPreset);
     case effSetChunk:        return setChunk(ptr, number, isPreset);

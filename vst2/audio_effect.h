@@ -71,7 +71,7 @@ class AudioEffect {
   virtual void programsAreChunks(bool state = true) { setFlag(effFlagsProgramChunks, state); }
   virtual void setInitialDelay(VstInt32 delay) { cEffect.initialDelay = delay; }
 
-  // Takes ownership of `newEditor`, which may be null. An earlier editor is not deleted.
+  // Takes ownership of `newEditor`, which may be null. An earlier editor is not deleted. Published to all threads.
   void setEditor(AEffEditor* newEditor);
   virtual AEffEditor* getEditor() { return editor; }
 
@@ -121,7 +121,7 @@ class AudioEffect {
   void setFlag(VstAEffectFlags flag, bool state);
 
   audioMasterCallback audioMaster;  // null without a host
-  AEffEditor* editor;               // owned; null without an editor
+  std::atomic<AEffEditor*> editor;  // owned; null without an editor
   std::atomic<float> sampleRate;    // Hz
   std::atomic<VstInt32> blockSize;  // samples
   VstInt32 numPrograms;             // at construction: the bound of effSetProgram, whatever the record says later

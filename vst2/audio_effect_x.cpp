@@ -39,6 +39,7 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
   auto* const text = static_cast<char*>(ptr);
   const auto number = static_cast<VstInt32>(value);
   VstKeyCode key = key_code(index, value, opt);
+  AEffEditor* const window = getEditor();
   switch (opcode) {
     case effProcessEvents:           return processEvents(static_cast<VstEvents*>(ptr));
     case effCanBeAutomated:          return canParameterBeAutomated(index);
@@ -63,9 +64,9 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
     case effGetTailSize:             return getGetTailSize();
     case effGetParameterProperties:  return getParameterProperties(index, static_cast<VstParameterProperties*>(ptr));
     case effGetVstVersion:           return getVstVersion();
-    case effEditKeyDown:             return editor && editor->onKeyDown(key);
-    case effEditKeyUp:               return editor && editor->onKeyUp(key);
-    case effSetEditKnobMode:         return editor && editor->setKnobMode(number);
+    case effEditKeyDown:             return window && window->onKeyDown(key);
+    case effEditKeyUp:               return window && window->onKeyUp(key);
+    case effSetEditKnobMode:         return window && window->setKnobMode(number);
     case effGetMidiProgramName:      return getMidiProgramName(index, static_cast<MidiProgramName*>(ptr));
     case effGetCurrentMidiProgram:   return getCurrentMidiProgram(index, static_cast<MidiProgramName*>(ptr));
     case effGetMidiProgramCategory:  return getMidiProgramCategory(index, static_cast<MidiProgramCategory*>(ptr));

@@ -62,7 +62,8 @@ class painter {
                          bool antialias) = 0;
 };
 
-// What a window reports to its frame. The window must not be destroyed by an event: the frame does that later.
+// What a window reports to its frame. An event may close the frame, but the window lives until the call of its own in
+// which it reported the event has returned: poll_events, or open_menu if it waits for the user's choice.
 class window_events {
  public:
   // `damaged` is to be painted; the painter's clip is set to it.
@@ -141,7 +142,7 @@ std::unique_ptr<window> open_window(void* parent, const CPoint& size, double sca
 
 // Shows a text with an OK button and an information icon, and returns when the user has closed it; at once when there
 // is no display. `text` has lines that end in CR LF, and tabs.
-void show_message(const std::string& title, const std::string& text);
+void show_message(const std::string& title, const std::string& text, double scale = 1);
 
 // Milliseconds since some moment in the past; they wrap.
 uint32_t ticks_ms();

@@ -221,7 +221,7 @@ std::unique_ptr<window> open_window(void* parent, const CPoint& size, double sca
   return std::make_unique<offscreen::offscreen_window>(std::move(state));
 }
 
-void show_message(const std::string& title, const std::string& text) {
+void show_message(const std::string& title, const std::string& text, double /*scale*/) {
   offscreen::desktop().messages.push_back({title, text});
 }
 

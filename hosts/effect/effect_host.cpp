@@ -16,8 +16,12 @@ namespace {
 constexpr int core_latency_samples = 1024;
 constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
 
-// Answers the effect's calls to its host; 0 to those that this host doesn't support, as the interface requires.
-VstIntPtr answer(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
+// The host's entry. An effect that is still being created has no host_calls yet.
+VstIntPtr answer(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+  if (effect != nullptr && effect->resvd1 != 0) {
+    auto* const calls = reinterpret_cast<host_calls*>(effect->resvd1);  // NOLINT(performance-no-int-to-ptr)
+    return calls->answer(*effect, opcode, index, value, ptr, opt);
+  }
   switch (opcode) {
     case audioMasterVersion:
       return kVstVersion;
@@ -62,10 +66,11 @@ int shortest_block(int rate_hz) {
   return static_cast<int>(std::ceil(0.5 * rate_hz / core_rate_hz));
 }
 
-effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels)
+effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int input_channels, host_calls* calls)
     : effect_(create_effect(plugin)) {
   if (effect_ == nullptr) throw failure("the plug-in refuses to start");
   if (effect_->magic != kEffectMagic) throw failure("what the plug-in starts is no VST 2.4 effect");
+  effect_->resvd1 = reinterpret_cast<VstIntPtr>(calls);
   dispatch(effOpen);
   try {
     check_identity();
@@ -80,10 +85,7 @@ effect_host::effect_host(const std::string& plugin, int rate_hz, int block, int 
 }
 
 effect_host::~effect_host() {
-  if (started_) {
-    dispatch(effStopProcess);
-    dispatch(effMainsChanged, 0, 0);
-  }
+  stop();
   dispatch(effClose);
 }
 
@@ -105,10 +107,30 @@ void effect_host::set_state(image_kind kind, std::string image) {
   dispatch(effSetChunk, state_index(kind), static_cast<VstIntPtr>(image.size()), image.data());
 }
 
+std::optional<window_size> effect_host::editor_size() const {
+  ERect* rectangle = nullptr;
+  dispatch(effEditGetRect, 0, 0, &rectangle);  // the result isn't reliable: old effects give a rectangle and 0
+  if (rectangle == nullptr) return std::nullopt;
+  const window_size size{rectangle->right - rectangle->left, rectangle->bottom - rectangle->top};
+  return size.width > 0 && size.height > 0 ? std::optional(size) : std::nullopt;
+}
+
+bool effect_host::pass_key(const VstKeyCode& key, bool down) {
+  return dispatch(down ? effEditKeyDown : effEditKeyUp, key.character, key.virt, nullptr,
+                  static_cast<float>(key.modifier)) != 0;
+}
+
 void effect_host::start() {
   dispatch(effMainsChanged, 0, 1);
   dispatch(effStartProcess);
   started_ = true;
+}
+
+void effect_host::stop() {
+  if (!started_) return;
+  started_ = false;
+  dispatch(effStopProcess);
+  dispatch(effMainsChanged, 0, 0);
 }
 
 // The table of sounds and the state format belong to this one plug-in.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "hosts/effect/program_image.h"
@@ -17,15 +18,33 @@ int64_t latency_samples(int rate_hz);
 // shorter blocks round to nothing, and the output would be silence.
 int shortest_block(int rate_hz);
 
+// What an effect asks of its host.
+class host_calls {
+ public:
+  // Answers one of AudioMasterOpcodes; 0 where it isn't supported. Comes from any thread, and from within calls to the
+  // effect.
+  virtual VstIntPtr answer(const AEffect& effect, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
+                           float opt) = 0;
+
+ protected:
+  ~host_calls() = default;
+};
+
+struct window_size {
+  int width;  // pixels
+  int height;
+};
+
 // One instance of the effect, from opening to closing, used through the VST 2.4 interface alone. All calls come from
-// one thread.
+// one thread but process(), which may have a thread of its own between start() and stop().
 class effect_host {
  public:
   // Loads the module at `plugin`, or KesrelVocoder4ME.so beside this program when that is empty; it stays loaded until
   // the process ends. Opens its effect for `input_channels` (1 or 2), `rate_hz` and blocks of up to `block` samples,
   // and sends it the handshake. From then on, signals that ask the program to end are recorded: see interruption_guard.
+  //   calls    answers the effect once it exists, and must outlive this object; null answers as an offline host does
   //   throws   failure when there is no such module, when it refuses, and when it is a different plug-in
-  effect_host(const std::string& plugin, int rate_hz, int block, int input_channels);
+  effect_host(const std::string& plugin, int rate_hz, int block, int input_channels, host_calls* calls = nullptr);
   ~effect_host();
   effect_host(const effect_host&) = delete;
   effect_host& operator=(const effect_host&) = delete;
@@ -45,8 +64,22 @@ class effect_host {
   // block.
   void set_state(image_kind kind, std::string image);
 
-  // Starts processing, which ends with this object.
+  // The editor's window. Closing comes before the parent window is destroyed.
+  bool has_editor() const { return (effect_->flags & effFlagsHasEditor) != 0; }
+  // Empty when the editor doesn't say.
+  std::optional<window_size> editor_size() const;
+  //   parent    on X11 the window's id, on Windows its handle
+  //   returns   false when the editor refuses
+  bool open_editor(void* parent) { return dispatch(effEditOpen, 0, 0, parent) != 0; }
+  void close_editor() { dispatch(effEditClose); }
+  // For a host to call some 30 times a second while the editor is open.
+  void idle_editor() { dispatch(effEditIdle); }
+  // Returns whether the editor has handled the key.
+  bool pass_key(const VstKeyCode& key, bool down);
+
+  // Starts processing, which ends with stop() or with this object.
   void start();
+  void stop();
 
   // Runs one block.
   //   shapes    inputs[2][count], outputs[2][count]

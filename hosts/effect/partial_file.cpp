@@ -55,8 +55,12 @@ void copy_permissions(const struct stat& former, int descriptor) {
 bool is_same_file(const std::string& path, const std::string& other) {
   std::error_code error;
   if (fs::equivalent(path, other, error)) return true;
-  const auto place = fs::weakly_canonical(end_of_links(path), error);
-  return !place.empty() && place == fs::weakly_canonical(end_of_links(other), error);
+  // Of a relative path whose first part doesn't exist, weakly_canonical would leave the folder out.
+  const auto place_of = [&](const std::string& name) {
+    return fs::weakly_canonical(fs::absolute(end_of_links(name), error), error);
+  };
+  const auto place = place_of(path);
+  return !place.empty() && place == place_of(other);
 }
 
 }  // namespace

@@ -113,6 +113,14 @@ const sound& sound_of(const program& content) {
                 "': choose one with --sound");
 }
 
+program fresh_program(const sound& chosen) {
+  program fresh;
+  fresh.name = chosen.name.substr(0, kVstMaxProgNameLen);  // the longest that other hosts accept
+  fresh.uuid = chosen.uuid;
+  fresh.keys = {12, 16, 19};
+  return fresh;
+}
+
 void use_program(const program& wanted, effect_host* host) {
   use_image(wanted, single_program_image(wanted, host->program(), host->identity()), host);
 }

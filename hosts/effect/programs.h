@@ -14,6 +14,10 @@ program current_program(const effect_host& host);
 // The sound that a program names. Throws failure when it is unknown: the effect would pass the voice through unchanged.
 const sound& sound_of(const program& content);
 
+// A program for a sound that is asked for without a program: a major chord in the middle of the keyboard, all switches
+// off.
+program fresh_program(const sound& chosen);
+
 // Replaces the current program.
 //   throws   failure when the effect's state afterwards differs from `wanted`
 void use_program(const program& wanted, effect_host* host);

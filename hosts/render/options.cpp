@@ -6,7 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "hosts/effect/text.h"
-#include "hosts/render/voice.h"
+#include "hosts/voice/voice.h"
 
 namespace {
 

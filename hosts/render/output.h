@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "hosts/effect/partial_file.h"
-#include "hosts/render/rate_converter.h"
+#include "hosts/voice/rate_converter.h"
 
 enum class sample_format { pcm_24, float_32 };
 

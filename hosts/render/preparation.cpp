@@ -6,17 +6,8 @@
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
-#include "vst2/types.h"
 
 namespace {
-
-// The program for a sound that is asked for without a program: a major chord in the middle of the keyboard.
-program fresh_program(const sound& chosen) {
-  program fresh;
-  fresh.name = chosen.name.substr(0, kVstMaxProgNameLen);  // the longest that other hosts accept
-  fresh.keys = {12, 16, 19};
-  return fresh;
-}
 
 program requested(const render_options& options, const program& current) {
   program wanted = current;

@@ -21,7 +21,7 @@
 #include "hosts/effect/text.h"
 #include "hosts/render/output.h"
 #include "hosts/render/preparation.h"
-#include "hosts/render/voice.h"
+#include "hosts/voice/voice.h"
 
 namespace {
 

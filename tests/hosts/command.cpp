@@ -1,4 +1,4 @@
-// MIT License. Words for tests that run kesrel-render as a user does.
+// MIT License. Words for tests that run kesrel-render, or another host, as a user does.
 #include "tests/hosts/command.h"
 
 #include <signal.h>
@@ -15,14 +15,12 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// Starts the program with its output in `out` and `error`, and its log in a temporary folder.
-pid_t spawn(const arguments& words, const std::string& out, const std::string& error) {
+// The program's log is in a temporary folder.
+pid_t start(const arguments& words, const std::string& out, const std::string& error, const char* program) {
   static const temporary_folder log_folder;
   setenv("XDG_DATA_HOME", log_folder.path().c_str(), 1);
   arguments owned = words;
-  owned.insert(owned.begin(), KESREL_RENDER);
+  owned.insert(owned.begin(), program);
   std::vector<char*> argv;
   for (auto& word : owned) argv.push_back(word.data());
   argv.push_back(nullptr);
@@ -34,11 +32,9 @@ pid_t spawn(const arguments& words, const std::string& out, const std::string& e
   signal(SIGINT, SIG_DFL);
   const bool redirected = freopen("/dev/null", "r", stdin) != nullptr && freopen(out.c_str(), "w", stdout) != nullptr &&
                           freopen(error.c_str(), "w", stderr) != nullptr;
-  if (redirected) execv(KESREL_RENDER, argv.data());
+  if (redirected) execv(program, argv.data());
   _exit(127);
 }
-
-}  // namespace
 
 int status_of(pid_t process) {
   int status = 0;
@@ -46,15 +42,11 @@ int status_of(pid_t process) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-outcome run(const arguments& words, const std::string& out) {
+outcome run(const arguments& words, const std::string& out, const char* program) {
   const temporary_folder output;
   const std::string out_file = out.empty() ? output.path("out") : out;
-  const int status = status_of(spawn(words, out_file, output.path("error")));
+  const int status = status_of(start(words, out_file, output.path("error"), program));
   return {status, out.empty() ? read_file(out_file) : "", read_file(output.path("error"))};
-}
-
-pid_t start(const arguments& words) {
-  return spawn(words, "/dev/null", "/dev/null");
 }
 
 recording read_recording(const std::string& path) {

@@ -1,4 +1,4 @@
-// MIT License. Words for tests that run kesrel-render as a user does.
+// MIT License. Words for tests that run kesrel-render, or another host, as a user does.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,10 +19,11 @@ struct outcome {
 };
 
 // Runs the program to its end. With `out`, its standard output goes to that file and isn't returned.
-outcome run(const arguments& words, const std::string& out = {});
+outcome run(const arguments& words, const std::string& out = {}, const char* program = KESREL_RENDER);
 
 // Starts the program and doesn't wait for it.
-pid_t start(const arguments& words);
+pid_t start(const arguments& words, const std::string& out = "/dev/null", const std::string& error = "/dev/null",
+            const char* program = KESREL_RENDER);
 
 // Waits for a program. Returns its exit status, or -n after signal n.
 int status_of(pid_t process);

@@ -88,6 +88,7 @@ class SpyEditor : public AEffEditor {
   SPY(bool, getRect, (ERect** p), p)
   SPY(bool, open, (void* p), p)
   SPY(void, close, ())
+  SPY(void, pollEvents, ())
   SPY(void, idle, ())
   SPY(bool, onKeyDown, (VstKeyCode& key), key.character, int{key.virt}, int{key.modifier})
   SPY(bool, onKeyUp, (VstKeyCode& key), key.character, int{key.virt}, int{key.modifier})
@@ -175,7 +176,7 @@ const std::pair<const char*, VstIntPtr> forwarded_opcodes[] = {
     /*  4 */ {"setProgramName 0x10", 0}, {"getProgramName 0x10", 0}, {"getParameterLabel 7 0x10", 0},
     /*  7 */ {"getParameterDisplay 7 0x10", 0}, {"getParameterName 7 0x10", 0}, {"", 0}, {"setSampleRate 2.5", 0},
     /* 11 */ {"setBlockSize 9", 0}, {"resume", 0}, {"editor getRect 0x10", 1}, {"editor open 0x10", 1},
-    /* 15 */ {"editor close", 0}, {"", 0}, {"", 0}, {"", 0}, {"editor idle", 0}, {"", 0}, {"", 0}, {"", 0x4E764566},
+    /* 15 */ {"editor close", 0}, {"", 0}, {"", 0}, {"", 0}, {"editor pollEvents editor idle", 0}, {"", 0}, {"", 0}, {"", 0x4E764566},
     /* 23 */ {"getChunk 0x10 1", -77}, {"setChunk 0x10 9 1", -77}, {"processEvents 0x10", -77},
     /* 26 */ {"canParameterBeAutomated 7", 1}, {"string2parameter 7 0x10", 1}, {"", 0},
     /* 29 */ {"getProgramNameIndexed 9 7 0x10", 1}, {"", 0}, {"", 0}, {"", 0}, {"getInputProperties 7 0x10", 1},

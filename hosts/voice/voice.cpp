@@ -1,5 +1,5 @@
 // MIT License. The voice: its sound file, and the stream that the effect gets from it.
-#include "hosts/render/voice.h"
+#include "hosts/voice/voice.h"
 
 #include <unistd.h>
 
@@ -69,26 +69,58 @@ constexpr int piece_samples = 4096;
 
 }  // namespace
 
-voice_reader::voice_reader(const std::string& path) : path_(path) {
+voice_reader::voice_reader(const std::string& path) : called_(called(path)) {
   check_readable(path);
   file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
-  const std::string name = called(path);
-  if (!file_) throw failure(name + " is no sound file that can be read: " + sf_strerror(nullptr));
-  if (info_.channels > 2) {
-    throw failure(name + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
-  }
-  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
-    throw failure(name + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
-                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
-  }
-  if (info_.frames <= 0) throw failure(name + " has no samples");
+  check_content();
   if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
     const double present = static_cast<double>(info_.frames) / info_.samplerate;
     const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
     char seconds[96];
     std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
-    warning_ = name + " is cut short: " + seconds;
+    warning_ = called_ + " is cut short: " + seconds;
   }
+}
+
+voice_reader::voice_reader(const std::string& name, std::string_view bytes)
+    : called_(called(name)), memory_(new memory_file{bytes}) {
+  SF_VIRTUAL_IO calls = memory_calls();
+  file_.reset(sf_open_virtual(&calls, SFM_READ, &info_, memory_.get()));
+  check_content();
+}
+
+SF_VIRTUAL_IO voice_reader::memory_calls() {
+  static constexpr auto own = [](void* user) { return static_cast<memory_file*>(user); };
+  static constexpr auto size_of = [](const memory_file& file) { return static_cast<sf_count_t>(file.bytes.size()); };
+  SF_VIRTUAL_IO calls{};
+  calls.get_filelen = [](void* user) { return size_of(*own(user)); };
+  calls.tell = [](void* user) { return own(user)->position; };
+  calls.write = [](const void*, sf_count_t, void*) { return sf_count_t{0}; };
+  calls.seek = [](sf_count_t offset, int whence, void* user) {
+    memory_file& file = *own(user);
+    const sf_count_t origin = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.position : size_of(file);
+    return file.position = std::clamp<sf_count_t>(origin + offset, 0, size_of(file));
+  };
+  calls.read = [](void* target, sf_count_t count, void* user) {
+    memory_file& file = *own(user);
+    const sf_count_t some = std::min(count, size_of(file) - file.position);
+    std::memcpy(target, file.bytes.data() + file.position, static_cast<std::size_t>(some));
+    file.position += some;
+    return some;
+  };
+  return calls;
+}
+
+void voice_reader::check_content() const {
+  if (!file_) throw failure(called_ + " is no sound file that can be read: " + sf_strerror(nullptr));
+  if (info_.channels > 2) {
+    throw failure(called_ + " has " + std::to_string(info_.channels) + " channels: possible are 1 and 2");
+  }
+  if (info_.samplerate < lowest_rate_hz || info_.samplerate > highest_rate_hz) {
+    throw failure(called_ + " has a rate of " + std::to_string(info_.samplerate) + " Hz: possible are " +
+                  std::to_string(lowest_rate_hz) + " to " + std::to_string(highest_rate_hz));
+  }
+  if (info_.frames <= 0) throw failure(called_ + " has no samples");
 }
 
 void voice_reader::read(std::array<float*, 2> channels, int count) {
@@ -96,8 +128,8 @@ void voice_reader::read(std::array<float*, 2> channels, int count) {
   interleaved_.resize(static_cast<std::size_t>(count) * stride);
   if (sf_readf_float(file_.get(), interleaved_.data(), count) < count) {
     const bool is_known = sf_error(file_.get()) != SF_ERR_NO_ERROR;
-    throw failure(called(path_) + (is_known ? std::string(" cannot be read to its end: ") + sf_strerror(file_.get())
-                                            : " breaks off before its end"));
+    throw failure(called_ + (is_known ? std::string(" cannot be read to its end: ") + sf_strerror(file_.get())
+                                      : " breaks off before its end"));
   }
   for (std::size_t channel = 0; channel < stride; ++channel) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {

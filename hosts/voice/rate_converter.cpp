@@ -1,5 +1,5 @@
 // MIT License. Sample rate conversion of a stream.
-#include "hosts/render/rate_converter.h"
+#include "hosts/voice/rate_converter.h"
 
 #include <algorithm>
 #include <string>

@@ -1,0 +1,18 @@
+// MIT License.
+#include "editor/window_scale.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <string_view>
+
+double window_scale() {
+  const char* const variable = std::getenv("KESREL_SCALE");
+  if (variable == nullptr) return 1;
+  const std::string_view text = variable;
+  double scale = 1;
+  const auto [end, error] = std::from_chars(text.begin(), text.end(), scale);
+  if (error != std::errc() || end != text.end() || !std::isfinite(scale)) return 1;
+  return std::clamp(std::round(scale * 4) / 4, 1.0, 3.0);
+}
