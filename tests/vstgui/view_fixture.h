@@ -53,9 +53,7 @@ class probe : public CView {
     note("down at " + std::to_string(static_cast<int>(where.x)));
     return answer;
   }
-  CMouseEventResult onMouseUp(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
-    return note("up");
-  }
+  CMouseEventResult onMouseUp(CPoint& /*where*/, const CButtonState& /*buttons*/) override { return note("up"); }
   CMouseEventResult onMouseMoved(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
     note("moved");
     return moved_answer;
