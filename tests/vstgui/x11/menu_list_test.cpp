@@ -65,40 +65,32 @@ TEST(MenuList, ScrollsSoThatTheHighlightIsSeen) {
       if (row.index == index) return row.top >= 10 && row.top + row.height <= 210;
     return false;
   };
-  EXPECT_TRUE(list.has_arrows());
   EXPECT_TRUE(sees(30) && sees(27) && sees(33)) << "in the middle";
   list.move(step::page_down);
-  EXPECT_EQ(list.highlighted(), 39);
-  EXPECT_TRUE(sees(39) && sees(40));
-  list.move(step::page_up);
-  list.move(step::page_up);
-  EXPECT_EQ(list.highlighted(), 21);
-  EXPECT_TRUE(sees(21) && sees(20));
+  EXPECT_TRUE(list.highlighted() == 39 && sees(39) && sees(40));
+  for (int i = 0; i < 2; ++i) list.move(step::page_up);
+  EXPECT_TRUE(list.highlighted() == 21 && sees(21) && sees(20));
   list.move(step::last);
-  EXPECT_TRUE(sees(66));
-  EXPECT_FALSE(list.can_scroll_down());
-  EXPECT_FALSE(list.move(step::page_down));
+  EXPECT_TRUE(sees(66) && !list.can_scroll_down() && !list.move(step::page_down));
   list.move(step::first);
-  EXPECT_EQ(list.highlighted(), 1);
-  EXPECT_TRUE(sees(0)) << "the heading with it";
-  EXPECT_FALSE(list.can_scroll_up());
+  EXPECT_TRUE(list.highlighted() == 1 && sees(0) && !list.can_scroll_up()) << "the heading with it";
 }
 
 TEST(MenuList, ScrollsByRowsAndAtItsArrows) {
   menu_list list = long_menu(-1);
+  // The direction at both arrows and in between, and the first and the last row.
+  const auto view = [&] {
+    std::vector<int32_t> seen;
+    for (const int y : {5, 100, 215}) seen.push_back(list.scroll_direction_at(y));
+    for (const int y : {9, 10, 209, 210}) seen.push_back(list.row_at(y));
+    return seen;
+  };
   EXPECT_FALSE(list.scroll_rows(-3));
-  EXPECT_EQ(list.scroll_direction_at(5), 0);
-  EXPECT_EQ(list.scroll_direction_at(215), 1);
+  EXPECT_EQ(view(), (std::vector<int32_t>{0, 0, 1, -1, 0, 9, -1}));
   EXPECT_TRUE(list.scroll_rows(3));
-  EXPECT_EQ(list.row_at(10), 3);
-  EXPECT_EQ(list.row_at(9), -1) << "an arrow";
-  EXPECT_EQ(list.row_at(209), 12);
-  EXPECT_EQ(list.row_at(210), -1);
-  EXPECT_EQ(list.scroll_direction_at(5), -1);
-  EXPECT_EQ(list.scroll_direction_at(100), 0);
+  EXPECT_EQ(view(), (std::vector<int32_t>{-1, 0, 1, -1, 3, 12, -1}));
   EXPECT_TRUE(list.scroll_rows(1000));
-  EXPECT_EQ(list.row_at(209), 66);
-  EXPECT_EQ(list.scroll_direction_at(215), 0);
+  EXPECT_EQ(view(), (std::vector<int32_t>{-1, 0, 0, -1, 57, 66, -1}));
 }
 
 TEST(MenuList, FindsTitlesThatAreTyped) {

@@ -11,6 +11,21 @@
 
 namespace x11_tests {
 
+namespace {
+
+std::vector<Window> children(Display* display, Window of) {
+  Window root = 0;
+  Window parent = 0;
+  Window* list = nullptr;
+  unsigned count = 0;
+  XQueryTree(display, of, &root, &parent, &list, &count);
+  std::vector<Window> found(list, list + count);
+  XFree(list);
+  return found;
+}
+
+}  // namespace
+
 void recorder::note(const char* format, ...) {
   char text[80];
   va_list values;
@@ -23,37 +38,6 @@ void recorder::note(const char* format, ...) {
 void recorder::paint(platform::painter& target, const CRect& damaged) {
   note("paint %g,%g,%g,%g", damaged.left, damaged.top, damaged.right, damaged.bottom);
   target.fill_rect(damaged, colour);
-}
-
-CMouseEventResult recorder::mouse_down(const CPoint& where, const CButtonState& buttons) {
-  note("down %g,%g %d", where.x, where.y, buttons());
-  on_down();
-  return kMouseEventHandled;
-}
-
-CMouseEventResult recorder::mouse_moved(const CPoint& where, const CButtonState& buttons) {
-  note("moved %g,%g %d", where.x, where.y, buttons());
-  return kMouseEventHandled;
-}
-
-CMouseEventResult recorder::mouse_up(const CPoint& where, const CButtonState& buttons) {
-  note("up %g,%g %d", where.x, where.y, buttons());
-  return kMouseEventHandled;
-}
-
-bool recorder::mouse_wheel(const CPoint& where, CMouseWheelAxis axis, float distance, const CButtonState&) {
-  note("wheel %g,%g %c%+g", where.x, where.y, axis == kMouseWheelAxisX ? 'x' : 'y', static_cast<double>(distance));
-  return true;
-}
-
-bool recorder::key_down(VstKeyCode& key) {
-  note("key %d %d %d", key.character, key.virt, key.modifier);
-  return handles_keys;
-}
-
-bool recorder::key_up(VstKeyCode& key) {
-  note("key up %d", key.character);
-  return handles_keys;
 }
 
 host::host(int screen) {
@@ -75,17 +59,6 @@ std::unique_ptr<platform::window> host::open(recorder& frame) const {
   return platform::open_window(reinterpret_cast<void*>(window), CPoint(200, 100), 1, frame);
 }
 
-static std::vector<Window> children(Display* display, Window of) {
-  Window root = 0;
-  Window parent = 0;
-  Window* list = nullptr;
-  unsigned count = 0;
-  XQueryTree(display, of, &root, &parent, &list, &count);
-  std::vector<Window> found(list, list + count);
-  XFree(list);
-  return found;
-}
-
 Window host::child() const {
   const std::vector<Window> found = children(display, window);
   return found.size() == 1 ? found[0] : 0;
@@ -105,11 +78,10 @@ Window host::menu() const {
   return find_on_root([](const XWindowAttributes& candidate) { return candidate.override_redirect != 0; });
 }
 
-Window host::focus() const {
+bool host::has_focus(Window of) const {
   Window holder = 0;
   int revert_to = 0;
-  XGetInputFocus(display, &holder, &revert_to);
-  return holder;
+  return XGetInputFocus(display, &holder, &revert_to) != 0 && holder == of;
 }
 
 XWindowAttributes host::attributes(Window of) const {

@@ -29,15 +29,30 @@ class recorder : public platform::window_events {
   void note(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
   void paint(platform::painter& target, const CRect& damaged) override;
-  CMouseEventResult mouse_down(const CPoint& where, const CButtonState& buttons) override;
-  CMouseEventResult mouse_moved(const CPoint& where, const CButtonState& buttons) override;
-  CMouseEventResult mouse_up(const CPoint& where, const CButtonState& buttons) override;
+  CMouseEventResult mouse_down(const CPoint& where, const CButtonState& buttons) override {
+    return on_down(), noted("down", where, buttons);
+  }
+  CMouseEventResult mouse_moved(const CPoint& where, const CButtonState& buttons) override {
+    return noted("moved", where, buttons);
+  }
+  CMouseEventResult mouse_up(const CPoint& where, const CButtonState& buttons) override {
+    return noted("up", where, buttons);
+  }
   void mouse_left() override { note("left"); }
   void mouse_cancelled() override { note("cancelled"); }
-  bool mouse_wheel(const CPoint& where, CMouseWheelAxis axis, float distance, const CButtonState& buttons) override;
-  bool key_down(VstKeyCode& key) override;
-  bool key_up(VstKeyCode& key) override;
+  bool mouse_wheel(const CPoint& where, CMouseWheelAxis axis, float distance, const CButtonState&) override {
+    return note("wheel %g,%g %c%+g", where.x, where.y, "xy"[axis], static_cast<double>(distance)), true;
+  }
+  bool key_down(VstKeyCode& key) override {
+    return note("key %d %d %d", key.character, key.virt, key.modifier), handles_keys;
+  }
+  bool key_up(VstKeyCode& key) override { return note("key up %d", key.character), handles_keys; }
   void activated(bool active) override { note(active ? "active" : "inactive"); }
+
+ private:
+  CMouseEventResult noted(const char* name, const CPoint& where, const CButtonState& buttons) {
+    return note("%s %g,%g %d", name, where.x, where.y, buttons()), kMouseEventHandled;
+  }
 };
 
 // A top-level window at 200,300 on a screen of the tests' server, of 400 x 200 pixels, visible.
@@ -56,7 +71,7 @@ class host {
   // The topmost other window on the screen that matches; 0 if there is none.
   Window find_on_root(const std::function<bool(const XWindowAttributes&)>& matches) const;
   Window menu() const;
-  Window focus() const;
+  bool has_focus(Window of) const;
   XWindowAttributes attributes(Window of) const;
   unsigned long pixel(Window of, int x, int y) const;
   // Whether the host got this event of a key for its window; those before are dropped.
