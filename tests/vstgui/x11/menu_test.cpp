@@ -89,17 +89,19 @@ TEST_F(X11Menu, IsDismissedByEscapeAndByAPressOutside) {
   for (const bool by_key : {true, false}) {
     ASSERT_TRUE(open_three());
     poll(*window_);
-    by_key ? host_.type({XK_Escape}) : host_.click(900, 600);
+    by_key ? host_.type(XK_Escape) : host_.click(900, 600);
     EXPECT_EQ(answer(), rows{-1});
   }
 }
 
 TEST_F(X11Menu, IsUsedByKeys) {
+  constexpr KeySym keys[] = {XK_m, XK_i, XK_o, XK_Return};
   ASSERT_TRUE(open_long(5));
-  host_.type({XK_m, XK_i, XK_o, XK_Return});
+  for (const KeySym key : keys) host_.type(key);
   EXPECT_EQ(answer(), rows{40});
   ASSERT_TRUE(open_long(19));
-  host_.type({XK_Down, XK_KP_Enter});
+  host_.type(XK_Down);
+  host_.type(XK_KP_Enter);
   EXPECT_EQ(answer(), rows{21}) << "past the separator";
 }
 

@@ -76,14 +76,14 @@ TEST_F(X11Window, FollowsThePointerOutsideFromThePressToTheRelease) {
 
 TEST_F(X11Window, TellsButtonsModifiersAndTheWheel) {
   host_.move(10, 20);
-  host_.type({XK_Caps_Lock});
+  host_.type(XK_Caps_Lock);
   host_.hold(XK_Shift_L, true);
   heard();
   host_.press(3);
   EXPECT_EQ(heard(), "down 10,20 24; active; ") << "right and shift";
   host_.release(3);
   host_.hold(XK_Shift_L, false);
-  host_.type({XK_Caps_Lock});
+  host_.type(XK_Caps_Lock);
   heard();
   for (const unsigned button : {4U, 5U, 6U, 7U, 8U}) {
     host_.press(button);
@@ -124,11 +124,11 @@ TEST_F(X11Window, TakesKeysAfterAPressAndPassesOnThoseThatItDoesNotHandle) {
   host_.click(10, 20);
   heard();
   EXPECT_TRUE(host_.has_focus(host_.child()));
-  host_.type({XK_a});
+  host_.type(XK_a);
   EXPECT_EQ(heard(), "key 97 0 0; key up 97; ");
   EXPECT_TRUE(host_.got_key(KeyPress, XK_a) && host_.got_key(KeyRelease, XK_a));
   frame_.handles_keys = true;
-  host_.type({XK_Return});
+  host_.type(XK_Return);
   EXPECT_EQ(heard(), "key 0 4 0; key up 0; ");
   EXPECT_FALSE(host_.got_key(KeyPress, XK_Return));
   constexpr KeySym keys[] = {XK_KP_Enter, XK_Tab, XK_Escape, XK_Left, XK_Down, XK_Page_Up, XK_Shift_L, XK_b};
@@ -147,7 +147,7 @@ TEST_F(X11Window, LeavesTheFocusToAHostThatSpeaksXembed) {
   heard();
   EXPECT_EQ(answered_xembed(), 3) << "asks for the focus";
   EXPECT_TRUE(host_.has_focus(PointerRoot));
-  host_.type({XK_Tab});
+  host_.type(XK_Tab);
   heard();
   EXPECT_EQ(answered_xembed(), 6) << "the next element";
   EXPECT_FALSE(host_.got_key(KeyPress, XK_Tab));

@@ -11,21 +11,6 @@
 
 namespace x11_tests {
 
-namespace {
-
-std::vector<Window> children(Display* display, Window of) {
-  Window root = 0;
-  Window parent = 0;
-  Window* list = nullptr;
-  unsigned count = 0;
-  XQueryTree(display, of, &root, &parent, &list, &count);
-  std::vector<Window> found(list, list + count);
-  XFree(list);
-  return found;
-}
-
-}  // namespace
-
 void recorder::note(const char* format, ...) {
   char text[80];
   va_list values;
@@ -59,15 +44,26 @@ std::unique_ptr<platform::window> host::open(recorder& frame) const {
   return platform::open_window(reinterpret_cast<void*>(window), CPoint(200, 100), 1, frame);
 }
 
+std::vector<Window> host::children(Window of) const {
+  Window root = 0;
+  Window parent = 0;
+  Window* list = nullptr;
+  unsigned count = 0;
+  XQueryTree(display, of, &root, &parent, &list, &count);
+  std::vector<Window> found(list, list + count);
+  XFree(list);
+  return found;
+}
+
 Window host::child() const {
-  const std::vector<Window> found = children(display, window);
+  const std::vector<Window> found = children(window);
   return found.size() == 1 ? found[0] : 0;
 }
 
 Window host::find_on_root(const std::function<bool(const XWindowAttributes&)>& matches) const {
   Window found = 0;
   XGrabServer(display);  // lest a window disappear before it is looked at
-  for (const Window candidate : children(display, DefaultRootWindow(display)))
+  for (const Window candidate : children(DefaultRootWindow(display)))
     if (candidate != window && matches(attributes(candidate))) found = candidate;
   XUngrabServer(display);
   sync();
@@ -125,9 +121,8 @@ void host::hold(KeySym key, bool down) const {
   sync(XTestFakeKeyEvent(display, XKeysymToKeycode(display, key), down ? True : False, 0));
 }
 
-void host::type(std::initializer_list<KeySym> keys) const {
-  for (const KeySym key : keys)
-    for (const bool down : {true, false}) hold(key, down);
+void host::type(KeySym key) const {
+  for (const bool down : {true, false}) hold(key, down);
 }
 
 bool wait_until(const std::function<bool()>& condition) {

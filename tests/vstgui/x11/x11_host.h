@@ -67,7 +67,8 @@ class host {
   Window window;
 
   std::unique_ptr<platform::window> open(recorder& frame) const;  // 200 x 100
-  Window child() const;                                           // the only one of `window`
+  std::vector<Window> children(Window of) const;
+  Window child() const;  // the only one of `window`
   // The topmost other window on the screen that matches; 0 if there is none.
   Window find_on_root(const std::function<bool(const XWindowAttributes&)>& matches) const;
   Window menu() const;
@@ -85,7 +86,7 @@ class host {
   void release(unsigned button = 1) const { sync(XTestFakeButtonEvent(display, button, False, 0)); }
   void click(int x, int y, unsigned button = 1) const;
   void hold(KeySym key, bool down) const;
-  void type(std::initializer_list<KeySym> keys) const;
+  void type(KeySym key) const;
 };
 
 // Tries for ten seconds.
