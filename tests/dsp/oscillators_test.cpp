@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "dsp/wave_store.h"
@@ -96,9 +96,8 @@ TEST(Pitch, FollowsTheReferenceBetweenLimitsAndTheOctave) {
 // --- Rendering ---
 
 TEST(SelectRender, ChoosesByModeThenSyncAndRingAndKeepsTheChoiceForAFieldOfOneHalf) {
+  // Mode, sync, ring and the choice; null leaves what there is, or takes the sum.
   const std::tuple<float, float, float, wsyn_render_fn> cases[] = {
-      // null leaves what there is, or takes the sum
-
       {0.0f, 0.0f, 0.0f, render_sum},       {0.0f, 0.0f, 1.0f, render_ring},    {0.0f, 1.0f, 0.0f, render_sum_sync},
       {0.0f, 1.0f, 1.0f, render_ring_sync}, {1.0f, 0.5f, 0.5f, render_sampled}, {0.5f, 0.0f, 0.0f, nullptr},
       {0.0f, 0.5f, 0.0f, nullptr},          {0.0f, 1.0f, 0.5f, nullptr},        {NAN, 0.0f, 0.0f, nullptr},

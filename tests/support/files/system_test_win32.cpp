@@ -37,6 +37,7 @@ TEST(LongPath, HasThePrefixFrom260CharactersOnAndKeepsTheServerOfAShare) {
 
 TEST(LongPath, WorksInSystemCalls) {
   const test_folder folder;
+  EXPECT_TRUE(files::get_user_app_support_path().is_folder());
   filepath deep = folder.place();
   while (deep.path().size() < 300) deep = create_folder(deep, std::string(50, 'd'));
   const filepath made = create_file(deep, "file");
