@@ -1,3 +1,4 @@
+// MIT License. Tests of how the mouse reaches views.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {

@@ -1,3 +1,4 @@
+// MIT License. Tests of pop-up menus.
 #include <cmath>
 
 #include "tests/vstgui/view_fixture.h"

@@ -1,3 +1,4 @@
+// MIT License.
 #include "tests/vstgui/view_fixture.h"
 
 #include "support/files/embedded_resources.h"
