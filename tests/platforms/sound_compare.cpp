@@ -2,13 +2,14 @@
 //
 //   kesrel_sound_compare FOLDER FOLDER
 //
-// Prints the greatest difference of each sound, relative to the sound's peak. Succeeds when none is above -120 dB and
-// the states are alike.
+// Prints the greatest difference of each sound that differs, relative to the sound's peak. Succeeds when none is above
+// -120 dB and the states are identical.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +19,8 @@
 namespace {
 
 constexpr double allowed_db = -120.0;
+constexpr double quietest_peak = 0.001;
+constexpr char state_name[] = "state";
 
 std::vector<float> samples_of(const std::filesystem::path& path) {
   const std::string bytes = read_file(path.string());
@@ -26,38 +29,33 @@ std::vector<float> samples_of(const std::filesystem::path& path) {
   return samples;
 }
 
-std::set<std::string> names_in(const std::filesystem::path& folder) {
+std::set<std::string> recordings_in(const std::filesystem::path& folder) {
   std::set<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    if (entry.is_regular_file()) names.insert(entry.path().filename().string());
+    if (entry.path().extension() == ".f32") names.insert(entry.path().filename().string());
   }
   return names;
 }
 
-// Whether two recordings agree. They have to be as long, and not silent.
-bool agree(const std::string& name, const std::vector<float>& first, const std::vector<float>& second) {
-  if (first.size() != second.size()) {
-    std::printf("%-40s %zu and %zu samples\n", name.c_str(), first.size(), second.size());
-    return false;
-  }
+// The greatest difference in dB relative to the first recording's peak, minus infinity for none. Infinity when it can't
+// be told: they differ in length, or one is silent or holds what is no number.
+double difference_db(const std::vector<float>& first, const std::vector<float>& second) {
+  constexpr double unlike = std::numeric_limits<double>::infinity();
+  if (first.size() != second.size()) return unlike;
   double peak = 0;
-  double difference = 0;
-  size_t unlike = 0;
+  double greatest = 0;
   for (size_t i = 0; i < first.size(); ++i) {
+    const double difference = std::abs(double{first[i]} - double{second[i]});
+    if (std::isnan(difference)) return unlike;
     peak = std::max(peak, std::abs(double{first[i]}));
-    if (first[i] == second[i]) continue;
-    ++unlike;
-    const double here = std::abs(double{first[i]} - double{second[i]});
-    difference = here > difference || std::isnan(here) ? here : difference;
+    greatest = std::max(greatest, difference);
   }
-  const double relative_db = 20 * std::log10(difference / peak);
-  if (unlike == 0) {
-    std::printf("%-40s peak %.3f  identical\n", name.c_str(), peak);
-  } else {
-    std::printf("%-40s peak %.3f  %7.1f dB  in %zu of %zu samples\n", name.c_str(), peak, relative_db, unlike,
-                first.size());
-  }
-  return peak > 0.001 && (unlike == 0 || relative_db <= allowed_db);
+  return peak > quietest_peak ? 20 * std::log10(greatest / peak) : unlike;
+}
+
+bool have_one_state(const std::filesystem::path& first, const std::filesystem::path& second) {
+  const std::string state = read_file((first / state_name).string());
+  return !state.empty() && state == read_file((second / state_name).string());
 }
 
 }  // namespace
@@ -66,18 +64,21 @@ int main(int count, char** arguments) {
   if (count != 3) return 2;
   const std::filesystem::path first = arguments[1];
   const std::filesystem::path second = arguments[2];
-  const std::set<std::string> names = names_in(first);
-  bool good = names_in(second) == names && names.contains("state");
-  if (!good) std::printf("the folders hold other recordings\n");
+  const std::set<std::string> names = recordings_in(first);
+  bool good = !names.empty() && recordings_in(second) == names;
+  if (!good) std::printf("The folders hold other recordings.\n");
+  size_t identical = 0;
   for (const std::string& name : names) {
-    if (name == "state") {
-      const std::string state = read_file((first / name).string());
-      const bool same = !state.empty() && state == read_file((second / name).string());
-      std::printf("%-40s %zu bytes %s\n", name.c_str(), state.size(), same ? "identical" : "DIFFER");
-      good = good && same;
+    const double difference = difference_db(samples_of(first / name), samples_of(second / name));
+    if (difference > -std::numeric_limits<double>::infinity()) {
+      std::printf("%s: %.1f dB\n", name.c_str(), difference);
     } else {
-      good = agree(name, samples_of(first / name), samples_of(second / name)) && good;
+      ++identical;
     }
+    good = good && difference <= allowed_db;
   }
-  return good ? 0 : 1;
+  const bool one_state = have_one_state(first, second);
+  std::printf("Sound: %zu of %zu recordings identical to the last bit. State: %s.\n", identical, names.size(),
+              one_state ? "identical" : "differs");
+  return good && one_state ? 0 : 1;
 }
