@@ -213,8 +213,6 @@ bool CFrame::takesEvents(CView* child) const {
   return CViewContainer::takesEvents(child) && (!modal_view_ || modal_view_ == child);
 }
 
-void CFrame::onViewAdded(CView* /*view*/) {}
-
 void CFrame::onViewRemoved(CView* view) {
   std::erase(hovered_, view);
   if (next_focus_view_ == view) next_focus_view_ = nullptr;

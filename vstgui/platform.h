@@ -62,7 +62,8 @@ class painter {
                          bool antialias) = 0;
 };
 
-// What a window reports to its frame. The window must not be destroyed by an event: the frame does that later.
+// What a window reports to its frame. An event may close the frame, but the window lives until the call of its own in
+// which it reported the event has returned: poll_events, or open_menu if it waits for the user's choice.
 class window_events {
  public:
   // `damaged` is to be painted; the painter's clip is set to it.

@@ -114,7 +114,6 @@ bool CView::attached(CView* parent) {
   pParentView = parent;
   if (parent) pParentFrame = parent->getFrame();
   set_flag(attached_flag, true);
-  if (parent && pParentFrame) pParentFrame->onViewAdded(this);
   return true;
 }
 
