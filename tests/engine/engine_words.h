@@ -11,7 +11,6 @@
 #include <numeric>
 #include <vector>
 
-#include "dsp/fft.h"
 #include "dsp/oscillators.h"
 #include "engine/modes.h"
 #include "engine/parameter_commit.h"
@@ -99,11 +98,20 @@ inline waveform silence(size_t count) {
   return waveform(count, 0.0F);
 }
 
+// The signal under a parabola that is 0 at either end.
+inline waveform windowed(waveform x) {
+  for (size_t t = 0; t < x.size(); ++t) {
+    const float u = (2.0F * static_cast<float>(t) + 1.0F) / static_cast<float>(x.size()) - 1.0F;
+    x[t] *= 1.0F - u * u;
+  }
+  return x;
+}
+
 inline waveform sine(size_t count, double frequency_hz, double level, double rate_hz = 44100.0) {
   waveform out(count);
   for (size_t i = 0; i < count; ++i) {
-    out[i] =
-        static_cast<float>(level * std::sin(2.0 * std::numbers::pi * frequency_hz * static_cast<double>(i) / rate_hz));
+    const double turn = 2.0 * std::numbers::pi * frequency_hz * static_cast<double>(i) / rate_hz;
+    out[i] = static_cast<float>(level * std::sin(turn));
   }
   return out;
 }
@@ -115,10 +123,10 @@ inline waveform vowel(size_t count, double formant_hz, double level) {
     const double frequency = 110.0 * harmonic;
     const double octaves_off = std::log2(frequency / formant_hz);
     const double amplitude = level * std::exp(-octaves_off * octaves_off * 12.0);
+    const double start = harmonic * harmonic * 0.7;
     for (size_t i = 0; i < count; ++i) {
-      out[i] += static_cast<float>(
-          amplitude *
-          std::cos(2.0 * std::numbers::pi * frequency * static_cast<double>(i) / 44100.0 + harmonic * harmonic * 0.7));
+      const double turn = 2.0 * std::numbers::pi * frequency * static_cast<double>(i) / 44100.0;
+      out[i] += static_cast<float>(amplitude * std::cos(turn + start));
     }
   }
   return out;
@@ -139,29 +147,6 @@ inline double level_at(const waveform& x, size_t start, size_t count, double fre
   return std::abs(sum) * 4.0 / static_cast<double>(count);
 }
 
-// Mean power between two frequencies, over Hann-windowed frames of 4096 samples.
-inline double band_power(const waveform& x, size_t start, double low_hz, double high_hz, double rate_hz = 44100.0) {
-  constexpr int32_t size = 4096;
-  int32_t log2_size = 0;
-  std::vector<float> table(size / 4 + 1);
-  fft_cos_table_init(&log2_size, size, table.data());
-  double sum = 0.0;
-  int frames = 0;
-  for (; start + size <= x.size(); start += size / 2, ++frames) {
-    std::vector<float> data(2 * size, 0.0F);
-    for (size_t i = 0; i < size; ++i) {
-      data[2 * i] = x[start + i] *
-                    static_cast<float>(0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * static_cast<double>(i) / size));
-    }
-    fft_forward(data.data(), log2_size, table.data());
-    for (auto k = static_cast<size_t>(low_hz * size / rate_hz); static_cast<double>(k) <= high_hz * size / rate_hz;
-         ++k) {
-      sum += double{data[2 * k]} * data[2 * k] + double{data[2 * k + 1]} * data[2 * k + 1];
-    }
-  }
-  return frames == 0 ? 0.0 : sum / frames;
-}
-
 inline double decibels(double power_ratio) {
   return 10.0 * std::log10(power_ratio);
 }
@@ -180,19 +165,6 @@ inline double partial_hz(const waveform& x, size_t start, size_t count, double n
     }
   }
   return 0.5 * (low + high);
-}
-
-// Mean frequency of the power within half a semitone of `near_hz`: what an ensemble of detuned partials sounds like.
-inline double centre_hz(const waveform& x, size_t start, size_t count, double near_hz, double rate_hz = 44100.0) {
-  double weighted = 0.0;
-  double sum = 0.0;
-  const double step = 0.5 * rate_hz / static_cast<double>(count);
-  for (double frequency = near_hz * 0.97; frequency < near_hz * 1.03; frequency += step) {
-    const double level = level_at(x, start, count, frequency, rate_hz);
-    weighted += level * level * frequency;
-    sum += level * level;
-  }
-  return weighted / sum;
 }
 
 inline double cents(double frequency_hz, double reference_hz) {
@@ -216,10 +188,7 @@ inline float largest_difference(const waveform& a, const waveform& b) {
 }
 
 inline bool all_finite(const waveform& x) {
-  for (const float sample : x) {
-    if (!std::isfinite(sample)) return false;
-  }
-  return true;
+  return std::ranges::all_of(x, [](float sample) { return std::isfinite(sample); });
 }
 
 constexpr std::array<int, vocoder_mode_count> all_modes = [] {

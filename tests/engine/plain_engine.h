@@ -147,10 +147,10 @@ struct band_pass {
   }
 };
 
-inline float mean_magnitude(const frame& x) {
+inline float magnitude_sum(const frame& x) {
   float sum = 0.0F;
   for (const float sample : x) sum += std::fabs(sample);
-  return sum / 1024.0F;
+  return sum;
 }
 
 // --- The engine ---
@@ -218,38 +218,25 @@ class engine {
       std::fill_n(x->begin() + hop, hop, 0.0F);
     }
     measure();
-    switch (mode_) {
-      case 6:
-        return add(filter_bank(1.125F, 2.025F), welch, 1.0F);
-      case 7:
-        return add(filter_bank(0.375F, 0.6F), welch, 5.5F);
-      case 8:
-        return add(prediction(10), welch, 5.5F);
-      case 9:
-        return add(prediction(35), welch, 5.5F);
-      case 10:
-        return add(prediction(80), welch, 5.5F);
-      case 12:
-      case 13:
-        return add(wavelets(), hann, 5.5F);
-      case 14:
-        return add(wavelets(), welch, 5.5F);
-      default:
-        return add_quadrature(transform_path());
-    }
+    if (mode_ == 6) return add(filter_bank(1.125F, 2.025F), welch, 1.0F);
+    if (mode_ == 7) return add(filter_bank(0.375F, 0.6F), welch, 5.5F);
+    if (mode_ == 8) return add(prediction(10), welch, 5.5F);
+    if (mode_ == 9) return add(prediction(35), welch, 5.5F);
+    if (mode_ == 10) return add(prediction(80), welch, 5.5F);
+    if (mode_ == 12 || mode_ == 13) return add(wavelets(), hann, 5.5F);
+    if (mode_ == 14) return add(wavelets(), welch, 5.5F);
+    add_quadrature(transform_path());
   }
 
   void measure() {
-    float sum = 0.0F;
     crossings = 0;
     int last = 0;
     for (const float x : voice_) {
-      sum += std::fabs(x);
       const int sign = x > 0.0F ? 1 : x < 0.0F ? -1 : 2;  // zero has a sign of its own
       if (sign != last) ++crossings;
       last = sign;
     }
-    level = sum * 0.0078125F;
+    level = magnitude_sum(voice_) * 0.0078125F;
   }
 
   float follow(size_t k, float m) {
@@ -294,9 +281,9 @@ class engine {
         filter.run(x->begin(), x->end());
         mode_ == 6 ? filter.run(x->rbegin(), x->rend()) : filter.run(x->begin(), x->end());
       }
-      if (!frozen_) target_[band] = mean_magnitude(m);
+      if (!frozen_) target_[band] = magnitude_sum(m) / 1024.0F;
       const float v = follow(band, target_[band]);
-      const float flatten = 1.0F / std::max(mean_magnitude(c), 0.001F);
+      const float flatten = 1.0F / std::max(magnitude_sum(c) / 1024.0F, 0.001F);
       for (size_t i = 0; i < frame_length; ++i) {
         sum[i] += c[i] * flatten * v * carrier_gain;
         if (sibilance_ == 1 && band >= 16) sum[i] += m[i] * sibilance_gain;
@@ -372,24 +359,14 @@ class engine {
   }
 
   spectrum vocoded() {
-    switch (mode_) {
-      case 0:
-        return geometric_mean();
-      case 1:
-        return two_bin_bands();
-      case 2:
-        return carrier_phase();
-      case 3:
-        return smooth(512);
-      case 4:
-        return smooth(128);
-      case 5:
-        return smooth(32);
-      case 11:
-        return voice_phase();
-      default:
-        return y_;
-    }
+    if (mode_ == 0) return geometric_mean();
+    if (mode_ == 1) return two_bin_bands();
+    if (mode_ == 2) return shaped(carrier_phase_);
+    if (mode_ == 3) return smooth(512);
+    if (mode_ == 4) return smooth(128);
+    if (mode_ == 5) return smooth(32);
+    if (mode_ == 11) return shaped(voice_phase_);
+    return y_;
   }
 
   spectrum geometric_mean() {
@@ -434,17 +411,10 @@ class engine {
     }
   }
 
-  spectrum carrier_phase() {
+  spectrum shaped(const frame& phase) {
     analyse(angle);
     spectrum output{};
-    for (size_t k = 0; k < bins_in_use; ++k) output[k] = polar(4.0F * target_[k], carrier_phase_[k]);
-    return output;
-  }
-
-  spectrum voice_phase() {
-    analyse(angle);
-    spectrum output{};
-    for (size_t k = 0; k < bins_in_use; ++k) output[k] = polar(4.0F * target_[k], voice_phase_[k]);
+    for (size_t k = 0; k < bins_in_use; ++k) output[k] = polar(4.0F * target_[k], phase[k]);
     return output;
   }
 

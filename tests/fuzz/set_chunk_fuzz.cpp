@@ -38,19 +38,16 @@ class fuzzed_effect {
     if (saved(single_program) != first) std::abort();
   }
 
-  void list_names() {
+  void list_names_and_play() {
     char text[kVstMaxProgNameLen + 1];
     for (VstInt32 index = -1; index < 26; ++index) effect_.getProgramNameIndexed(0, index, text);
     effect_.getProgramName(text);
-  }
-
-  void change_program(uint8_t number) { effect_.setProgram(number % 30); }
-
-  void play() {
     stereo_block block(4);
     block.run(effect_.getAeffect());
     host_.automated.clear();
   }
+
+  void change_program(uint8_t number) { effect_.setProgram(number % 30); }
 
  private:
   std::string saved(bool single_program) {
@@ -78,8 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const uint8_t order = bytes[size - 1];
   const bool single_program = (order & 1) != 0;
   effect->restore(bytes, size - 1, single_program);
-  effect->list_names();
-  effect->play();
+  effect->list_names_and_play();
   effect->save(single_program);
   effect->change_program(order >> 1);
   effect->save(!single_program);

@@ -11,7 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <random>
+
+#include "tests/words/signals.h"
 
 namespace fs = std::filesystem;
 
@@ -72,14 +73,11 @@ void write_recording(const std::string& path, const recording& content) {
 }
 
 recording voice_of(double seconds, int rate_hz, int channels) {
-  std::mt19937 generator(1);
   recording voice{rate_hz, channels, 0, {}};
-  const int frames = static_cast<int>(seconds * rate_hz);
-  for (int i = 0; i < frames; ++i) {
-    const double beat = 0.5 - 0.5 * std::cos(2.0 * 3.14159265 * 4.0 * i / rate_hz);
-    const double noise = static_cast<double>(generator()) / 4294967296.0 - 0.5;
-    voice.samples.insert(voice.samples.end(), static_cast<std::size_t>(channels),
-                         static_cast<float>(0.5 * beat * noise));
+  double time = 0.0;
+  for (const float hiss : noise(static_cast<std::size_t>(seconds * rate_hz), 0.25F)) {
+    const auto beat = static_cast<float>(0.5 - 0.5 * std::cos(2.0 * 3.14159265 * 4.0 * time++ / rate_hz));
+    voice.samples.insert(voice.samples.end(), static_cast<std::size_t>(channels), beat * hiss);
   }
   return voice;
 }

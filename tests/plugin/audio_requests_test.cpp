@@ -9,30 +9,6 @@
 
 namespace {
 
-TEST(AudioRequests, AskForAKeyUpdateOncePerChangeThatMovesKeys) {
-  audio_requests requests;
-  EXPECT_EQ(requests.sound(), no_row);
-  EXPECT_FALSE(requests.take_key_update());
-  const auto is_taken_once = [&] { return requests.take_key_update() && !requests.take_key_update(); };
-  requests.hold_keys({});
-  EXPECT_TRUE(is_taken_once());
-  requests.choose_sound(5);
-  EXPECT_TRUE(is_taken_once());
-  EXPECT_EQ(requests.sound(), 5);
-  requests.turn(parameter_octave_on, true);
-  EXPECT_TRUE(is_taken_once());
-  EXPECT_TRUE(requests.is_on(parameter_octave_on));
-
-  requests.turn(parameter_chorus_on, true);
-  requests.set_switch(parameter_octave_on, false);
-  requests.set_sound(6);
-  EXPECT_FALSE(requests.take_key_update());
-  EXPECT_TRUE(requests.is_on(parameter_chorus_on));
-  EXPECT_FALSE(requests.is_on(parameter_reverb_on));
-  EXPECT_FALSE(requests.is_on(parameter_octave_on));
-  EXPECT_EQ(requests.sound(), 6);
-}
-
 // In turn: `taken` orders what the audio thread did before the next request, never the request before its data.
 TEST(AudioRequests, ShowTheThreadThatTakesThemWhatWasWrittenBefore) {
   audio_requests requests;

@@ -64,12 +64,6 @@ class Effect : public testing::Test {
     return recording.take_calls();
   }
 
-  void set_input_channels(VstInt32 channels) {
-    VstSpeakerArrangement arrangement{};
-    arrangement.numChannels = channels;
-    ASSERT_TRUE(effect.setSpeakerArrangement(&arrangement, nullptr));
-  }
-
   void hold_keys(std::initializer_list<size_t> held) {
     key_flags keys = {};
     for (const size_t key : held) keys[key] = 1;

@@ -1,6 +1,8 @@
 // MIT License. Tests of the effect object in front of an engine that only records.
 #include "plugin/effect.h"
 
+#include <algorithm>
+
 #include "tests/plugin/effect_fixture.h"
 #include "tests/plugin/own_log.h"
 
@@ -10,12 +12,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-
-TEST_F(Effect, OwnsOneEngineFromConstructionToDestruction) {
-  recording.calls.clear();
-  { KesrelVocoder4TarvixEffect short_lived(&test_host::callback, gate); }
-  EXPECT_THAT(recording.take_calls(), ElementsAre("create 44100", "destroy"));
-}
 
 TEST_F(Effect, IsSilentUntilTheHandshakeAndThenSingsTheDefaultBanksFirstProgram) {
   for (const auto& [index, value] : {std::pair(handshake_id, 0), {handshake_id, 2}, {handshake_id + 1, 1}}) {
@@ -43,14 +39,10 @@ TEST_F(Effect, GivesTheEngineAKeyOnlyInTheBlockOfASwitch) {
   run_block(0);
 
   ASSERT_EQ(recording.blocks.size(), 2U);
-  const recorded_block& first = recording.blocks[0];
-  EXPECT_EQ(first.curve, 0);
-  EXPECT_EQ(first.chorus_on, 1);
-  EXPECT_EQ(first.reverb_on, 0);
-  EXPECT_EQ(first.sound_number, 8);
-  EXPECT_EQ(first.frames, 5);
-  EXPECT_THAT(first.inputs, ElementsAre(block.inputs[0], block.inputs[1], nullptr, nullptr));
-  EXPECT_GT(first.sound_key.size(), 0U);
+  const auto& [curve, chorus_on, reverb_on, sound_number, key, frames, inputs] = recording.blocks[0];
+  EXPECT_THAT((std::array{curve, chorus_on, reverb_on, sound_number, frames}), ElementsAre(0, 1, 0, 8, 5));
+  EXPECT_THAT(inputs, ElementsAre(block.inputs[0], block.inputs[1], nullptr, nullptr));
+  EXPECT_NE(key, "");
   EXPECT_EQ(recording.blocks[1].sound_key, "");
   EXPECT_EQ(recording.blocks[1].frames, 0);
 
@@ -110,13 +102,21 @@ TEST_F(Effect, MovesTheKeysWithTheSoundAndTheOctaveSwitch) {
   effect.select_preset_by_index(0);  // without a sound the octave switch has no effect
   EXPECT_THAT(calls_of_block(), ElementsAre("off 72 0", "off 84 0", "on 36 127", "on 48 127"));
   EXPECT_THAT(calls_of_block(), IsEmpty());
+
+  key_flags all_keys;
+  std::ranges::fill(all_keys, uint8_t{0xFF});
+  effect.set_pending_keys(all_keys);
+  EXPECT_EQ(calls_of_block().size(), 34U) << "none beyond the keyboard, and none that sounds already";
+  effect.select_preset_by_index(first_sound);
+  const std::vector<std::string> moved = calls_of_block();
+  ASSERT_EQ(moved.size(), 25U);
+  EXPECT_EQ(moved[0] + moved[11] + moved[12] + moved[23], "off 36 0off 47 0on 72 127on 83 127");
 }
 
 TEST_F(Effect, StrikesHeldKeysAgainAtANewRateAndIsProcessedOnceAnotherSoundIsChosen) {
   start_without_sound();
   effect.select_preset_by_index(ambient_indigo);
-  run_block();
-  recording.calls.clear();
+  calls_of_block();
   effect.setSampleRate(48000.0F);
   EXPECT_EQ(effect.getSampleRate(), 48000.0F);
   EXPECT_THAT(recording.take_calls(), ElementsAre("destroy", "create 48000"));
@@ -131,13 +131,11 @@ TEST_F(Effect, StrikesHeldKeysAgainAtANewRateAndIsProcessedOnceAnotherSoundIsCho
 TEST_F(Effect, SwitchesAParameterOnAtExactlyOneAndReportsOnlyTheEditorsChangesToTheHost) {
   start_without_sound();
   effect.select_preset_by_index(first_sound);
-  effect.setParameter(parameter_reverb_on, 0.7F);
-  run_block();
-  EXPECT_EQ(effect.getParameter(parameter_reverb_on), 0.7F);
-  EXPECT_EQ(recording.blocks.back().reverb_on, 0);
-  effect.setParameter(parameter_reverb_on, 1.0F);
-  run_block();
-  EXPECT_EQ(recording.blocks.back().reverb_on, 1);
+  for (const float value : {0.7F, 1.0F}) {
+    effect.setParameter(parameter_reverb_on, value);
+    run_block();
+    EXPECT_EQ(recording.blocks.back().reverb_on, value == 1.0F);
+  }
   EXPECT_EQ(recording.blocks.back().chorus_on, 0);
   EXPECT_THAT(host.automated, IsEmpty());
 
@@ -149,14 +147,20 @@ TEST_F(Effect, SwitchesAParameterOnAtExactlyOneAndReportsOnlyTheEditorsChangesTo
   EXPECT_EQ(host.automated.size(), 1U);
 }
 
-TEST_F(Effect, FeedsMonoToBothSidesAndSilenceForAMissingSecondInput) {
+TEST_F(Effect, TakesMonoAndStereoAndMissesASecondInput) {
+  const auto arrange = [this](VstInt32 in, VstInt32 out) {
+    VstSpeakerArrangement input{}, output{};
+    input.numChannels = in;
+    output.numChannels = out;
+    return effect.setSpeakerArrangement(&input, &output);
+  };
   start_without_sound();
   stereo_block block(4);
   float* first_alone[] = {block.left.data(), nullptr};
   for (const VstInt32 channels : {1, 2}) {
-    const float* const second = channels == 1 ? first_alone[0] : nullptr;
-    const std::string line = channels == 1 ? "" : "stereo input setup but no second input data channel on process!\n";
-    set_input_channels(channels);
+    EXPECT_TRUE(arrange(channels, 3 - channels));
+    EXPECT_FALSE(arrange(3, 2) || arrange(2 / channels, 3)) << "refused, it changes nothing";
+    EXPECT_TRUE(effect.setSpeakerArrangement(nullptr, nullptr));
     const log_capture log;
     effect.select_preset_by_index(0);
     block.run_with(first_alone, effect.getAeffect());
@@ -164,8 +168,10 @@ TEST_F(Effect, FeedsMonoToBothSidesAndSilenceForAMissingSecondInput) {
     EXPECT_EQ(block.out_right, channels == 1 ? block.left : std::vector<float>(4, 0.0F));
     effect.select_preset_by_index(first_sound);
     block.run_with(first_alone, effect.getAeffect());
+    const float* const second = channels == 1 ? first_alone[0] : nullptr;
     EXPECT_THAT(recording.blocks.back().inputs, ElementsAre(first_alone[0], second, nullptr, nullptr));
-    EXPECT_EQ(log.text(), line + line);
+    const std::string line = "stereo input setup but no second input data channel on process!\n";
+    EXPECT_EQ(log.text(), channels == 1 ? "" : line + line);
   }
 }
 
@@ -180,48 +186,21 @@ TEST_F(Effect, DoesWithoutMissingChannels) {
       effect.processReplacing(const_cast<float**>(inputs), const_cast<float**>(outputs), block.frames);
     }
   };
-  const auto expect_silence = [&] {
-    EXPECT_THAT(block.out_left, Each(0.0F));
-    EXPECT_THAT(block.out_right, Each(0.0F));
-  };
   run(voice);
-  expect_silence();
+  EXPECT_THAT(block.out_left, Each(0.0F));
+  EXPECT_THAT(block.out_right, Each(0.0F));
   start_without_sound();
   run(voice);
   expect_dry(block);
   run(none);
-  expect_silence();
+  EXPECT_THAT(block.out_left, Each(0.0F));
+  EXPECT_THAT(block.out_right, Each(0.0F));
   run(nullptr);
-}
 
-TEST_F(Effect, CopiesTheDryInputInPlaceWithTheSidesExchanged) {
-  start_without_sound();
-  const stereo_block original(4);
-  stereo_block block(4);
-  float* inputs[] = {block.left.data(), block.right.data()};
-  float* outputs[] = {block.right.data(), block.left.data()};
-  effect.processReplacing(inputs, outputs, block.frames);
-  EXPECT_EQ(block.right, original.left);
-  EXPECT_EQ(block.left, original.right);
-}
-
-TEST_F(Effect, RefusesArrangementsBeyondStereo) {
-  const auto arrange = [this](VstInt32 in, VstInt32 out) {
-    VstSpeakerArrangement input{}, output{};
-    input.numChannels = in;
-    output.numChannels = out;
-    return effect.setSpeakerArrangement(&input, &output);
-  };
-  EXPECT_TRUE(arrange(1, 2));
-  EXPECT_FALSE(arrange(3, 2));
-  EXPECT_FALSE(arrange(2, 3));
-  EXPECT_TRUE(effect.setSpeakerArrangement(nullptr, nullptr));
-
-  start_without_sound();
-  stereo_block block = run_block();
-  EXPECT_EQ(block.out_right, block.left) << "the input is still mono";
-  EXPECT_TRUE(arrange(2, 1));
-  expect_dry(run_block());
+  float* const exchanged[] = {block.right.data(), block.left.data()};
+  effect.processReplacing(const_cast<float**>(voice), const_cast<float**>(exchanged), block.frames);
+  EXPECT_EQ(block.right, stereo_block(4).left) << "in place";
+  EXPECT_EQ(block.left, stereo_block(4).right);
 }
 
 }  // namespace

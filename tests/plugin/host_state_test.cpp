@@ -26,6 +26,14 @@ class HostState : public Effect {
   }
 };
 
+std::string text_of(const state::image_bytes& image) {
+  return {reinterpret_cast<const char*>(image->bytes()), static_cast<size_t>(image->size())};
+}
+
+std::string single(const chunks::chunk& record) {
+  return text_of(state::single_program_image({0x4B56344D, 1}, 0, record));
+}
+
 // A bank of some programs named by letters, from "A" on.
 std::string bank_of(int count, int32_t current_program, int32_t version = 1) {
   std::vector<chunks::chunk> records;
@@ -35,8 +43,7 @@ std::string bank_of(int count, int32_t current_program, int32_t version = 1) {
     program.sound_uuid = "quorvant.factory.Colorized_Pulser";
     records.push_back(to_chunk(program));
   }
-  const auto image = state::bank_image({0x4B56344D, version}, current_program, records);
-  return {reinterpret_cast<const char*>(image->bytes()), static_cast<size_t>(image->size())};
+  return text_of(state::bank_image({0x4B56344D, version}, current_program, records));
 }
 
 // The records of a bank, with their headers.
@@ -49,14 +56,10 @@ std::vector<std::string> records_of(const std::string& bank) {
   return records;
 }
 
-TEST_F(HostState, IsTheDefaultBankAfterTheHandshake) {
-  shake_hands();
-  EXPECT_EQ(save(), read_file(KESREL_RESOURCES "/bank/defaultbank.vstpreset").substr(0, 3538));
-}
-
-TEST_F(HostState, ComesBackByteForByte) {
+TEST_F(HostState, IsTheDefaultBankAfterTheHandshakeAndComesBackByteForByte) {
   shake_hands();
   const std::string factory_state = save();
+  EXPECT_EQ(factory_state, read_file(KESREL_RESOURCES "/bank/defaultbank.vstpreset").substr(0, 3538));
   effect.setProgram(7);
   effect.select_preset_by_index(ambient_indigo);
   effect.setParameter(parameter_reverb_on, 1.0F);
@@ -76,12 +79,12 @@ TEST_F(HostState, OfASingleProgramReplacesTheProgramInUseAndNoOther) {
   shake_hands();
   effect.setProgram(4);
   hold_keys({5});
-  const std::string single = save(true);
+  const std::string saved = save(true);
   effect.setProgram(9);
   std::vector<std::string> expected = records_of(save());
   ASSERT_EQ(expected.size(), 24U);
-  expected[9] = single.substr(head_size);
-  EXPECT_EQ(load(single, true), "");
+  expected[9] = saved.substr(head_size);
+  EXPECT_EQ(load(saved, true), "");
   EXPECT_EQ(effect.getProgram(), 9);
   EXPECT_EQ(records_of(save()), expected);
 }
@@ -112,9 +115,15 @@ TEST_F(HostState, IgnoresImagesOfAnotherKindOrPlugin) {
   EXPECT_EQ(save(), before);
 }
 
-TEST_F(HostState, ReportsAnImageThatBreaksOff) {
+TEST_F(HostState, ReportsAForeignRecordButStoresItAndAnImageThatBreaksOff) {
   shake_hands();
+  const std::string before = save();
   std::string bank = bank_of(24, 3);
+  bank[head_size] = 'X';
+  EXPECT_EQ(load(bank), "restored chunk broken\n");
+  EXPECT_EQ(save(), bank);
+  load(before);
+  bank = bank_of(24, 3);
   EXPECT_EQ(load(bank.substr(0, bank.size() - 1)),
             "setChunk failed\nchunk::chunk(data_ref) chunk corrupt! chunk size bigger than avail data!\n");
   EXPECT_EQ(name_of(1), "Detuned Sawtooth B") << "refused as a whole";
@@ -127,12 +136,28 @@ TEST_F(HostState, ReportsAnImageThatBreaksOff) {
   EXPECT_EQ(effect.sound_uuid(), "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder");
 }
 
-TEST_F(HostState, WarnsAboutAForeignRecordAndStoresIt) {
+TEST_F(HostState, KeepsTheUuidOfAnUnknownSound) {
   shake_hands();
-  std::string bank = bank_of(24, 3);
-  bank[head_size] = 'X';
-  EXPECT_EQ(load(bank), "restored chunk broken\n");
-  EXPECT_EQ(save(), bank);
+  state::program stranger;
+  stranger.sound_uuid = "elsewhere.sound";
+  load(single(to_chunk(stranger)), true);
+  expect_dry(run_block());
+  effect.setProgram(1);
+  effect.setProgram(0);
+  EXPECT_EQ(effect.sound_uuid(), "elsewhere.sound");
+}
+
+TEST_F(HostState, OfALaterVersionIsIgnoredAndThatWithoutTextsReported) {
+  shake_hands();
+  for (const uint32_t version : {1011U, 1010U}) {
+    chunks::mutable_chunk record(state::program_chunk_id);
+    record.write(version);
+    EXPECT_EQ(load(single(record), true), version == 1011
+                                              ? ""
+                                              : "execute_chunk_to_current_program failed\n"
+                                                "basic_chunk_input_stream: chunk not valid or no chunk at all!\n");
+    EXPECT_EQ(effect.sound_uuid(), "quorvant.factory.Basic_Detuned_Sawtooth_Vocoder");
+  }
 }
 
 TEST_F(HostState, SurvivesACurrentProgramOutsideTheSlots) {

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "tests/plugin/test_host.h"
 
@@ -38,10 +39,6 @@ VSTPluginMainProc entry = nullptr;
 AEffect* load() {
   host();
   return entry(&test_host::callback);
-}
-
-VstIntPtr call(AEffect* effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr) {
-  return effect->dispatcher(effect, opcode, index, value, ptr, 0.0F);
 }
 
 void shake_hands(AEffect* effect) {
@@ -148,26 +145,25 @@ void play_while_the_process_exits() {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const std::string_view deed = count == 3 ? arguments[2] : "";
-  if (deed == "late") std::atexit(use_the_effect_at_the_end);
+  const std::pair<std::string_view, void (*)()> deeds[] = {
+      {"free-twice", free_twice},
+      {"hang", [] { hang_in_the_exit_routine(false); }},
+      {"hang-and-terminate", [] { hang_in_the_exit_routine(true); }},
+      {"overflow", overflow_the_stack},
+      {"terminate", be_terminated_while_threads_allocate},
+      {"no-descriptors", run_out_of_descriptors},
+      {"late", [] { late_effect = load(); }},
+      {"play-on", play_while_the_process_exits},
+  };
+  const std::string_view wanted = count == 3 ? arguments[2] : "";
+  if (wanted == "late") std::atexit(use_the_effect_at_the_end);
   void* const module = count == 3 ? dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
   if (module == nullptr) return 1;
   entry = reinterpret_cast<VSTPluginMainProc>(dlsym(module, "VSTPluginMain"));
   constexpr rlimit no_core{0, 0};
   setrlimit(RLIMIT_CORE, &no_core);
-  if (deed == "free-twice") free_twice();
-  if (deed == "hang") hang_in_the_exit_routine(false);
-  if (deed == "hang-and-terminate") hang_in_the_exit_routine(true);
-  if (deed == "overflow") overflow_the_stack();
-  if (deed == "terminate") be_terminated_while_threads_allocate();
-  if (deed == "no-descriptors") run_out_of_descriptors();
-  if (deed == "late") {
-    late_effect = load();
-    return 0;
+  for (const auto& [name, deed] : deeds) {
+    if (name == wanted) deed();
   }
-  if (deed == "play-on") {
-    play_while_the_process_exits();
-    return 14;
-  }
-  return 1;
+  return 14;
 }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "tests/plugin/own_log.h"
 #include "tests/words/files.h"
@@ -14,6 +15,7 @@
 namespace {
 
 using testing::AnyOf;
+using testing::Contains;
 using testing::HasSubstr;
 
 // What `timeout` ends with when a signal ended the process.
@@ -43,42 +45,33 @@ class HostileHost : public testing::Test {
   const temporary_folder folder_;
 };
 
-TEST_F(HostileHost, EndsWhenItsHeapIsBroken) {
-  const int status = end_of_host("free-twice");
-  EXPECT_THAT(status, AnyOf(SIGABRT, alarm, sanitizer));
-  EXPECT_EQ(crashes(), status == sanitizer ? 0 : 1);
+struct ending {
+  const char* deed;
+  std::vector<int> statuses;
+  long crashes;
+};
+
+class HostileDeed : public HostileHost, public testing::WithParamInterface<ending> {};
+
+TEST_P(HostileDeed, LetsTheHostEnd) {
+  const auto& [deed, statuses, logged] = GetParam();
+  const int status = end_of_host(deed);
+  EXPECT_THAT(statuses, Contains(status));
+  EXPECT_EQ(crashes(), status == sanitizer ? 0 : logged);
 }
 
-TEST_F(HostileHost, EndsAfterFiveSecondsWhenItsExitHangs) {
-  EXPECT_EQ(end_of_host("hang"), alarm);
-  EXPECT_EQ(crashes(), 1);
-}
-
-TEST_F(HostileHost, EndsAtOnceWhenItIsTerminatedAgain) {
-  EXPECT_EQ(end_of_host("hang-and-terminate"), terminated);
-  EXPECT_EQ(crashes(), 1);
-}
-
-TEST_F(HostileHost, EndsWhenItsStackOverflows) {
-  EXPECT_EQ(end_of_host("overflow"), SIGSEGV);
-  EXPECT_EQ(crashes(), 1);
-}
+INSTANTIATE_TEST_SUITE_P(Each, HostileDeed,
+                         testing::Values(ending{"free-twice", {SIGABRT, alarm, sanitizer}, 1},  //
+                                         ending{"hang", {alarm}, 1},                            // after five seconds
+                                         ending{"hang-and-terminate", {terminated}, 1},         // at once
+                                         ending{"overflow", {SIGSEGV}, 1},                      //
+                                         ending{"no-descriptors", {10, sanitizer}, 0},          //
+                                         ending{"late", {12}, 0},                               //
+                                         ending{"play-on", {14}, 0}));
 
 TEST_F(HostileHost, EndsWhenItIsTerminatedWhileThreadsAllocate) {
   for (int round = 0; round < 5; ++round) EXPECT_THAT(end_of_host("terminate"), AnyOf(SIGTERM, alarm));
   EXPECT_EQ(crashes(), 5);
-}
-
-TEST_F(HostileHost, LoadsTheEffectWithNoFileDescriptorLeft) {
-  EXPECT_THAT(end_of_host("no-descriptors"), AnyOf(10, sanitizer));
-}
-
-TEST_F(HostileHost, MayUseEffectsFromItsLastExitRoutine) {
-  EXPECT_EQ(end_of_host("late"), 12);
-}
-
-TEST_F(HostileHost, MayPlayOnWhileItExits) {
-  EXPECT_EQ(end_of_host("play-on"), 14);
 }
 
 TEST_F(HostileHost, GetsAnEffectEvenWhereThereCanBeNoLog) {

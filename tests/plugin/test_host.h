@@ -36,6 +36,10 @@ class test_host {
   static inline test_host* current_ = nullptr;
 };
 
+inline VstIntPtr call(AEffect* effect, VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr) {
+  return effect->dispatcher(effect, opcode, index, value, ptr, 0.0F);
+}
+
 // One stereo block, whose outputs start as 9, which no test signal contains.
 struct stereo_block {
   explicit stereo_block(int32_t frame_count) : frames(frame_count) {

@@ -1,7 +1,6 @@
 // MIT License. Tests of the committed sample loops and of their generator.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -40,20 +39,6 @@ TEST_P(Loops, AreWhatTheGeneratorMakesAndMeasureWell) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Loops, testing::Range(0, made_loops));
-
-// The report takes the pitch from the partials; the reed, whose fundamental leads, lets it be counted in the bytes.
-TEST(LoopReport, StatesThePitchOfTheBytes) {
-  const int32_t reed = 3;
-  const loop_format format = format_of_loop(reed);
-  const std::vector<float> entries = delta_decode(make_sample_loop(reed).bytes, format.delta_scale());
-  EXPECT_NEAR(root_cycles(format), 293.6648 * 26769 / (44100 * 1.0019903), 0.01) << "D4 at the wave store's speed";
-  int32_t crossings = 0;
-  for (int32_t entry = 1; entry <= format.period; ++entry) {
-    const auto at = static_cast<size_t>(entry % format.period);
-    crossings += entries[static_cast<size_t>(entry) - 1] < 0.0F && entries[at] >= 0.0F;
-  }
-  EXPECT_EQ(crossings % static_cast<int32_t>(std::lround(root_cycles(format))), 0) << crossings;
-}
 
 TEST(DeltaCode, CatchesUpWithAStepBeyondItsLargest) {
   const std::vector<int16_t> jump = {0, 1000, 1000, 1000, -1000, -1000, -1000, -1000, -1000};

@@ -8,7 +8,6 @@
 
 #include "support/memory/data.h"
 #include "support/memory/quick_allocator.h"
-#include "tests/support/files/captured_debugger.h"
 
 namespace {
 
@@ -21,13 +20,7 @@ std::string text_of(const memory::data& block) {
   return {reinterpret_cast<const char*>(block.bytes()), static_cast<size_t>(block.size())};
 }
 
-memory::reference<byte_block> block_of(const std::string& text) {
-  memory::reference<byte_block> block(new byte_block);
-  block->append(text.data(), text.size());
-  return block;
-}
-
-TEST(ByteBlock, GrowsToTwiceTheRoomItNeeds) {
+TEST(ByteBlock, GrowsToTwiceTheRoomItNeedsAndIsTruncatedByReservingLess) {
   byte_block block;
   block.append("abc", 3);
   EXPECT_EQ(block.capacity(), 6U);
@@ -36,11 +29,6 @@ TEST(ByteBlock, GrowsToTwiceTheRoomItNeeds) {
   block.append("g", 1);
   EXPECT_EQ(block.capacity(), 14U);
   EXPECT_EQ(text_of(block), "abcdefg");
-}
-
-TEST(ByteBlock, IsTruncatedByReservingLess) {
-  byte_block block;
-  block.append("abcdef", 6);
   block.reserve(4);
   EXPECT_EQ(text_of(block), "abcd");
   block.reserve(0);
@@ -52,7 +40,8 @@ TEST(ByteBlock, IsTruncatedByReservingLess) {
 TEST(ByteBlock, LivesAsLongAsAWindowOnIt) {
   data_reference window;
   {
-    const auto block = block_of("0123456789");
+    const memory::reference<byte_block> block(new byte_block);
+    block->append("0123456789", 10);
     const data_reference half(new child_data_reference(block, block->bytes() + 2, 6));
     window = data_reference(new child_data_reference(half, half->bytes() + 1, 2));
     EXPECT_EQ(memory::end_of_owner(*window), block->bytes() + 10);
@@ -93,16 +82,6 @@ TEST(Pool, GrowsByOneBlockWhenItIsExhausted) {
   EXPECT_EQ(pool.bytes_reserved(), 160U);
 }
 
-TEST(Pool, ReportsElementsInUseAtItsDestruction) {
-  capture_debugger();
-  {
-    quick_allocator_impl pool(64, 4, 1);
-    memory::pool_allocate(&pool);
-    memory::pool_allocate(&pool);
-  }
-  EXPECT_EQ(captured_debugger_text(), "quick_allocator_impl destructed memory still in use! size:64 count:2\n");
-}
-
 // Larger than the type whose pool it inherits.
 struct pooled_base : memory::pooled<pooled_base> {
   virtual ~pooled_base() = default;
@@ -117,9 +96,7 @@ TEST(Pool, ServesOneTypeAndLeavesDerivedOnesToTheHeap) {
   const size_t before = pool->bytes_in_use();
   const std::unique_ptr<pooled_base> small(new pooled_base);
   EXPECT_EQ(pool->bytes_in_use(), before + pool->element_size());
-  std::unique_ptr<pooled_base> large(new larger);
-  EXPECT_EQ(pool->bytes_in_use(), before + pool->element_size());
-  large.reset();
+  { const std::unique_ptr<pooled_base> large(new larger); }
   EXPECT_EQ(pool->bytes_in_use(), before + pool->element_size());
 }
 

@@ -207,7 +207,7 @@ TEST(Dispatcher, ForwardsTheArgumentsAndResultOfEveryOpcode) {
   }
 }
 
-TEST(Dispatcher, TreatsAnyNonzeroNumberAsTrue) {
+TEST(Dispatcher, TreatsAnyNonzeroNumberAsTrueAndIgnoresModifiersThatDoNotFitAByte) {
   SpyEffect effect;
   for (const VstInt32 number : {0, 1, 7, -1}) {
     effect.send(effMainsChanged, 0, number);
@@ -216,12 +216,8 @@ TEST(Dispatcher, TreatsAnyNonzeroNumberAsTrue) {
     EXPECT_EQ(take_trail(),
               number == 0 ? "suspend getChunk 0x10 0 setChunk 0x10 3 0" : "resume getChunk 0x10 1 setChunk 0x10 3 1");
   }
-}
-
-TEST(Dispatcher, IgnoresModifiersThatDoNotFitAByte) {
-  SpyEffect effect;
-  for (const float opt : {-1.0F, 256.0F, 1e30F, NAN}) {
-    effect.send(effEditKeyDown, 65, VKEY_EQUALS, nullptr, opt);
+  for (const float no_byte : {-1.0F, 256.0F, 1e30F, NAN}) {
+    effect.send(effEditKeyDown, 65, VKEY_EQUALS, nullptr, no_byte);
     EXPECT_EQ(take_trail(), "editor onKeyDown 65 57 0");
   }
 }

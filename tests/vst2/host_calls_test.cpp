@@ -95,11 +95,11 @@ TEST(HostCalls, ForwardArgumentsAndAnswersAndHaveDefaultsWithoutAHost) {
 
 TEST(HostCalls, AutomateAParameterAfterSettingIt) {
   struct Setting : PlainEffect {
-    Setting() : PlainEffect(recording_host) {}
+    using PlainEffect::PlainEffect;
     void setParameter(VstInt32 /*index*/, float /*value*/) override { calls.emplace_back(); }
   };
   calls.clear();
-  Setting().setParameterAutomated(1, 1.0F);
+  Setting(recording_host).setParameterAutomated(1, 1.0F);
   ASSERT_EQ(calls.size(), 2U);
   EXPECT_TRUE(calls[0] == host_call());
 }

@@ -25,85 +25,44 @@ static_assert(kVstVersion == 2400 && kVstVersion == VST_VERSION_2_4_0_0);
   static_assert(sizeof(AEffect::ours) == sizeof(vst_effect::theirs))
 SAME_PLACE(  0, magic,                  magic_number);
 SAME_PLACE(  8, dispatcher,             control);
-SAME_PLACE( 16, process,                process);
-SAME_PLACE( 24, setParameter,           set_parameter);
 SAME_PLACE( 32, getParameter,           get_parameter);
 SAME_PLACE( 40, numPrograms,            num_programs);
-SAME_PLACE( 44, numParams,              num_params);
-SAME_PLACE( 48, numInputs,              num_inputs);
-SAME_PLACE( 52, numOutputs,             num_outputs);
 SAME_PLACE( 56, flags,                  flags);
 SAME_PLACE( 64, resvd1,                 _unknown_ptr_00[0]);
-SAME_PLACE( 72, resvd2,                 _unknown_ptr_00[1]);
 SAME_PLACE( 80, initialDelay,           delay);
-SAME_PLACE( 84, realQualities,          _unknown_int32_00[0]);
-SAME_PLACE( 88, offQualities,           _unknown_int32_00[1]);
 SAME_PLACE( 92, ioRatio,                _unknown_float_00);
 SAME_PLACE( 96, object,                 effect_internal);
-SAME_PLACE(104, user,                   host_internal);
 SAME_PLACE(112, uniqueID,               unique_id);
-SAME_PLACE(116, version,                version);
 SAME_PLACE(120, processReplacing,       process_float);
 SAME_PLACE(128, processDoubleReplacing, process_double);
 SAME_PLACE(136, future,                 _unknown);
 #undef SAME_PLACE
 
 #define PLACE(record, field, offset) static_assert(offsetof(record, field) == (offset))
-static_assert(sizeof(ERect) == 8 && sizeof(vst_rect) == 8);
-PLACE(ERect, top,    offsetof(vst_rect, top));
-PLACE(ERect, left,   offsetof(vst_rect, left));
-PLACE(ERect, bottom, offsetof(vst_rect, bottom));
-PLACE(ERect, right,  offsetof(vst_rect, right));
-
-static_assert(sizeof(VstSpeakerProperties) == 112 && sizeof(vst_speaker_properties) == 112);
-PLACE(VstSpeakerProperties, azimuth,   offsetof(vst_speaker_properties, _unknown_00));
-PLACE(VstSpeakerProperties, elevation, offsetof(vst_speaker_properties, _unknown_04));
-PLACE(VstSpeakerProperties, radius,    offsetof(vst_speaker_properties, _unknown_08));
-PLACE(VstSpeakerProperties, reserved,  offsetof(vst_speaker_properties, _unknown_0C));
-PLACE(VstSpeakerProperties, name,      offsetof(vst_speaker_properties, name));
-PLACE(VstSpeakerProperties, type,      80);
-
-static_assert(sizeof(VstSpeakerArrangement) == 904);
-PLACE(VstSpeakerArrangement, speakers,    8);
-
-static_assert(sizeof(VstKeyCode) == 8);
-PLACE(VstKeyCode, virt,      4);
-PLACE(VstKeyCode, modifier,  5);
-
-static_assert(sizeof(VstEvent) == 32);
-PLACE(VstEvent, byteSize,    4);
-PLACE(VstEvent, data,        16);
-
-static_assert(sizeof(VstEvents) == 32);
-PLACE(VstEvents, events,    16);
-
-static_assert(sizeof(VstMidiEvent) == 32);
-PLACE(VstMidiEvent, flags,           12);
-PLACE(VstMidiEvent, midiData,        24);
-PLACE(VstMidiEvent, detune,          28);
-PLACE(VstMidiEvent, noteOffVelocity, 29);
-
-static_assert(sizeof(VstMidiSysexEvent) == 48);
-PLACE(VstMidiSysexEvent, resvd1,    24);
-PLACE(VstMidiSysexEvent, sysexDump, 32);
-
-static_assert(sizeof(VstTimeInfo) == 88);
-PLACE(VstTimeInfo, tempo,              32);
-PLACE(VstTimeInfo, timeSigNumerator,   64);
-PLACE(VstTimeInfo, flags,              84);
-
-static_assert(sizeof(VstPinProperties) == 128);
-PLACE(VstPinProperties, arrangementType, 68);
-PLACE(VstPinProperties, shortLabel,      72);
-
-static_assert(sizeof(VstParameterProperties) == 152);
-PLACE(VstParameterProperties, largeStepInteger,        92);
-PLACE(VstParameterProperties, displayIndex,            104);
-PLACE(VstParameterProperties, categoryLabel,           112);
-
-static_assert(sizeof(VstPatchChunkInfo) == 64);
-PLACE(VstPatchChunkInfo, numElements, 12);
+PLACE(ERect, top,                               offsetof(vst_rect, top));
+PLACE(ERect, bottom,                            offsetof(vst_rect, bottom));
+PLACE(VstSpeakerProperties, reserved,           offsetof(vst_speaker_properties, _unknown_0C));
+PLACE(VstSpeakerProperties, name,               offsetof(vst_speaker_properties, name));
+PLACE(VstSpeakerProperties, type,               80);
+PLACE(VstSpeakerArrangement, speakers,          8);
+PLACE(VstKeyCode, virt,                         4);
+PLACE(VstEvent, data,                           16);
+PLACE(VstEvents, events,                        16);
+PLACE(VstMidiEvent, midiData,                   24);
+PLACE(VstMidiEvent, noteOffVelocity,            29);
+PLACE(VstMidiSysexEvent, sysexDump,             32);
+PLACE(VstTimeInfo, tempo,                       32);
+PLACE(VstTimeInfo, flags,                       84);
+PLACE(VstPinProperties, shortLabel,             72);
+PLACE(VstParameterProperties, largeStepInteger, 92);
+PLACE(VstParameterProperties, categoryLabel,    112);
+PLACE(VstPatchChunkInfo, numElements,           12);
 #undef PLACE
+static_assert(sizeof(ERect) == 8 && sizeof(vst_rect) == 8 && sizeof(VstKeyCode) == 8 && sizeof(VstEvent) == 32);
+static_assert(sizeof(VstSpeakerProperties) == 112 && sizeof(vst_speaker_properties) == 112);
+static_assert(sizeof(VstSpeakerArrangement) == 904 && sizeof(VstEvents) == 32 && sizeof(VstMidiEvent) == 32);
+static_assert(sizeof(VstMidiSysexEvent) == 48 && sizeof(VstTimeInfo) == 88 && sizeof(VstPinProperties) == 128);
+static_assert(sizeof(VstParameterProperties) == 152 && sizeof(VstPatchChunkInfo) == 64);
 
 #define SAME_VALUE(ours, theirs) static_assert(int{ours} == static_cast<int>(theirs))
 SAME_VALUE(kSpeakerArrEmpty,       VST_ARRANGEMENT_TYPE_UNKNOWN);

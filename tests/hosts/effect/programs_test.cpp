@@ -58,20 +58,14 @@ TEST_F(Programs, AreSavedAsTheEffectsBank) {
   EXPECT_TRUE(read_file(state) == bank());
 }
 
-TEST_F(Programs, AreListedWithAStarForTheCurrentOne) {
+TEST_F(Programs, AreListedSelectedAndChangedByOptions) {
   EXPECT_EQ(listed(0), "* 0 Detuned Sawtooth A Basic Detuned Sawtooth Vocoder octave C4,E4,G4");
   EXPECT_EQ(listed(16), "16 Retro Speech Synth B Retro Speech Synth Style reverb, octave E3,E5");
-}
-
-TEST_F(Programs, AreSelectedByNumberNameOrUniquePart) {
   for (const char* wanted : {"14", "Warm Epic Octaves C", "octaves c"}) {
     EXPECT_EQ(listed(14, {"--program", wanted}), "* 14 Warm Epic Octaves C Warm Epic Octaves reverb E2,E3,E4");
   }
   expect_refusal({"--program", "24", "--list-programs"}, "no program has the number 24");
   expect_refusal({"--program", "pulser", "--list-programs"}, "could be 21 'Colorized Pulser A', 22");
-}
-
-TEST_F(Programs, KeepTheFieldsThatNoOptionChanges) {
   EXPECT_EQ(listed(14, {"--program", "14", "--no-reverb", "--keys", "C3"}),
             "* 14 Warm Epic Octaves C Warm Epic Octaves - C3");
   EXPECT_EQ(listed(14, {"--program", "14", "--sound", "56", "--chorus"}),

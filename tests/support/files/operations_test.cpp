@@ -3,14 +3,13 @@
 
 #include "support/files/error.h"
 #include "support/memory/data.h"
-#include "tests/support/files/captured_debugger.h"
 #include "tests/support/files/test_folder.h"
 
 namespace {
 
 using files::filepath;
 
-TEST(CreateFile, RefusesAnExistingFile) {
+TEST(CreateFile, RefusesAnExistingFileAndReportsTheReasonOfAFailure) {
   const test_folder folder;
   const filepath made = create_file(folder.place(), "new");
   EXPECT_EQ(made.path(), folder.path("new"));
@@ -18,10 +17,6 @@ TEST(CreateFile, RefusesAnExistingFile) {
   // The full path takes the place of the name.
   EXPECT_EQ(thrown<files::error::file_path>([&] { create_file(folder.place(), "new"); }),
             "cannot create file! the file might be opened by another application!" + name_line(made.path()));
-}
-
-TEST(CreateFile, ReportsTheReasonOfAFailure) {
-  const test_folder folder;
   folder.with_folder("taken");
   EXPECT_EQ(thrown<files::error::duplicate_name>([&] { create_file(folder.place(), "taken"); }),
             "CreateFile failed! there is already a folder with that name" + name_line(folder.path("taken")));
@@ -30,59 +25,35 @@ TEST(CreateFile, ReportsTheReasonOfAFailure) {
                 name_line(folder.place().path() + files::system::separator + "missing/new"));
 }
 
-TEST(CreateFolder, LeavesAnExistingFileOrFolderAlone) {
+TEST(CreateFolder, LeavesWhatExistsAloneAndReportsTheReasonOfAFailure) {
   const test_folder folder;
   const filepath made = create_folder(folder.place(), "new");
   EXPECT_EQ(made.path(), folder.path("new"));
-  EXPECT_TRUE(made.is_folder());
-  EXPECT_TRUE(create_folder(folder.place(), "new").is_folder());
-  folder.with_file("file");
+  EXPECT_TRUE(made.is_folder() && create_folder(folder.place(), "new").is_folder());
+  const filepath file = folder.with_file("file");
   EXPECT_FALSE(create_folder(folder.place(), "file").is_folder());
-}
 
-TEST(CreateFolder, DoesNotCreateItsParents) {
-  const test_folder folder;
-  const filepath parent = folder.with_folder("parent");
-  std::filesystem::remove(folder.path("parent"));
-  EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(parent, "new"); }),
-            "cannot create folder! One or more intermediate directories do not exist!" +
-                path_line(folder.path("parent/new")) + name_line("new"));
-}
-
-TEST(CreateFolder, ReportsTheReasonOfAFailure) {
-  const test_folder folder;
   const std::string name(300, 'x');
   EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(folder.place(), name); }),
             "cannot create folder! location might be read only or the disk ist full or the filepath is invalid!" +
                 path_line(folder.path(name)) + name_line(name));
+  std::filesystem::remove(folder.path("new"));
+  EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(made, "below"); }),
+            "cannot create folder! One or more intermediate directories do not exist!" +
+                path_line(folder.path("new/below")) + name_line("below"));
 }
 
-TEST(GetOrCreateFolder, RefusesAFile) {
-  const test_folder folder;
-  EXPECT_TRUE(get_or_create_folder(folder.place(), "new").is_folder());
-  EXPECT_TRUE(get_or_create_folder(folder.place(), "new").is_folder());
-  const filepath file = folder.with_file("file");
-  EXPECT_EQ(thrown<files::error::folder_not_found>([&] { get_or_create_folder(folder.place(), "file"); }),
-            "expected a folder but the found path refers to a file!" + path_line(file.path()) + name_line("file"));
-}
-
-TEST(CreateFolderPath, AcceptsBothSlashes) {
+TEST(CreateFolderPath, AcceptsBothSlashesAndReturnsAnEmptyPathOnFailure) {
   const test_folder folder;
   folder.with_folder("a");
   EXPECT_EQ(create_folder_path(folder.place(), "a/b\\\\c/").path(), folder.path("a/b/c"));
   EXPECT_TRUE(filepath(folder.path("a/b/c")).is_folder());
   EXPECT_EQ(create_folder_path(folder.place(), "").path(), folder.place().path());
-}
 
-TEST(CreateFolderPath, ReturnsAnEmptyPathOnFailure) {
-  const test_folder folder;
-  folder.with_file("file");
-  capture_debugger();
-  const filepath made = create_folder_path(folder.place(), "file/below");
-  EXPECT_EQ(captured_debugger_text(), "expected a folder but the found path refers to a file!" +
-                                          path_line(folder.path("file")) + name_line("file") + "\n");
-  EXPECT_EQ(made.path(), "");
-  EXPECT_EQ(made.flags(), 0U);
+  const std::string lines = path_line(folder.with_file("file").path()) + name_line("file");
+  EXPECT_EQ(create_folder_path(folder.place(), "file/below").path(), "");
+  EXPECT_EQ(thrown<files::error::folder_not_found>([&] { get_or_create_folder(folder.place(), "file"); }),
+            "expected a folder but the found path refers to a file!" + lines);
 }
 
 TEST(ChildExists, FindsChildrenOfExistingFolders) {
@@ -97,9 +68,7 @@ TEST(ChildExists, FindsChildrenOfExistingFolders) {
 TEST(AppendToFile, AppendsAndClosesTheFile) {
   const test_folder folder;
   const filepath log = folder.with_file("log", "one");
-  append_to_file(log, memory::data("two", 3));
-  append_to_file(log, memory::data());
-  append_to_file(log, memory::data("3", 1));
+  for (const auto& more : {memory::data("two", 3), memory::data(), memory::data("3", 1)}) append_to_file(log, more);
   EXPECT_EQ(folder.content("log"), "onetwo3");
 }
 

@@ -15,8 +15,8 @@
 #include "support/files/hdd_file.h"
 #include "support/files/operations.h"
 #include "support/log_record.h"
-#include "support/logbook.h"
 #include "support/memory/data.h"
+#include "support/memory/quick_allocator.h"
 #include "support/synchronization/event.h"
 #include "tests/support/files/test_folder.h"
 
@@ -46,24 +46,22 @@ std::string support_path(const char* data_home, const char* home) {
   return files::get_user_app_support_path().path();
 }
 
-TEST(UserFolder, IsTheDataHomeOrTheUsualFolderInHome) {
+TEST(UserFolder, IsTheDataHomeOrTheUsualFolderInHomeOrMissing) {
   const test_folder folder;
   const std::string home = folder.path("home");
   const std::string usual = home + "/.local/share";
   EXPECT_EQ(support_path(folder.path("data/home").c_str(), home.c_str()), folder.path("data/home"));
   EXPECT_FALSE(std::filesystem::exists(usual));
-  EXPECT_EQ(support_path(nullptr, home.c_str()), usual);
-  EXPECT_EQ(support_path("", home.c_str()), usual);
-  EXPECT_EQ(support_path("relative", home.c_str()), usual);
-}
-
-TEST(UserFolder, MayBeMissing) {
-  const test_folder folder;
-  const std::string text = "get_user_app_support_path() cannot get the application data path!";
-  EXPECT_EQ(thrown<err::runtime_error>([] { support_path(nullptr, nullptr); }), text);
-  EXPECT_EQ(thrown<err::runtime_error>([] { support_path("relative", ""); }), text);
+  for (const char* const unusable : {static_cast<const char*>(nullptr), "", "relative"}) {
+    EXPECT_EQ(support_path(unusable, home.c_str()), usual);
+  }
   const std::string below_a_file = folder.with_file("file").path() + "/data";
-  EXPECT_EQ(thrown<err::runtime_error>([&] { support_path(below_a_file.c_str(), nullptr); }), text);
+  for (const auto& [data, of_user] :
+       {std::pair<const char*, const char*>(nullptr, nullptr), {"relative", ""}, {below_a_file.c_str(), nullptr}}) {
+    EXPECT_EQ(thrown<err::runtime_error>(
+                  [&, home_of_data = data, home_of_user = of_user] { support_path(home_of_data, home_of_user); }),
+              "get_user_app_support_path() cannot get the application data path!");
+  }
 }
 
 // A fake browser records its arguments.
@@ -82,56 +80,53 @@ TEST(Browser, GetsTheAddressAndLeavesNoChildProcess) {
   EXPECT_EQ(folder.content("xdg-open.said"), wanted);
 }
 
-TEST(FullDisk, HasAnErrorOfItsOwn) {
-  const files::filepath full("/dev/full");
-  uint32_t done = 1;
-  files::hdd_file file(full, files::file_mode::writing, files::existing_content::keep);
-  EXPECT_EQ(thrown<files::error::not_enough_disk_space>([&] { file.write("x", 1, &done); }),
-            "cannot write data to file! volume full!" + path_line("/dev/full") + name_line("full"));
-  EXPECT_EQ(done, 0U);
-  EXPECT_EQ(file.position(), 0);
-}
-
 TEST(FailedCalls, AreReportedByWritesButNotByReads) {
   const test_folder folder;
   const files::filepath place = folder.with_file("file", "abc");
   uint32_t done = 1;
+  files::hdd_file full(files::filepath("/dev/full"), files::file_mode::writing, files::existing_content::keep);
+  EXPECT_EQ(thrown<files::error::not_enough_disk_space>([&] { full.write("x", 1, &done); }),
+            "cannot write data to file! volume full!" + path_line("/dev/full") + name_line("full"));
+  EXPECT_EQ(done, 0U);
+  EXPECT_EQ(full.position(), 0);
   files::hdd_file reader(place, files::file_mode::reading);
   EXPECT_EQ(thrown<files::error::cannot_write_to_file>([&] { reader.write("x", 1, &done); }),
             "cannot write data to file!" + path_line(place.path()) + name_line("file"));
-  files::hdd_file writer(place, files::file_mode::writing);
   char byte = 0;
   done = 1;
-  writer.read(&byte, 1, &done);
+  files::hdd_file(place, files::file_mode::writing).read(&byte, 1, &done);
   EXPECT_EQ(done, 0U);
 }
 
-TEST(FailedCalls, ToTruncateAFileAreOnlyLogged) {
-  static std::string reported;
-  reported.clear();
-  auto& logbook = halvern::logbook_impl::instance();
-  const auto before = logbook.redirect_debugger([](const char* text) { reported += text; });
+TEST(Debugger, IsStandardErrorAndHearsOfFailedTruncationsFoldersAndElementsInUse) {
+  const test_folder folder;
+  const files::filepath file = folder.with_file("file");
+  testing::internal::CaptureStderr();
   files::hdd_file(files::filepath("/dev/null"), files::file_mode::writing);
-  logbook.redirect_debugger(before);
-  EXPECT_EQ(reported, "SetEndOfFile failed for: /dev/null\n");
+  create_folder_path(folder.place(), "file/below");
+  {
+    memory::quick_allocator_impl pool(64, 4, 1);
+    memory::pool_allocate(&pool);
+    memory::pool_allocate(&pool);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "SetEndOfFile failed for: /dev/null\n"
+            "expected a folder but the found path refers to a file!" +
+                path_line(file.path()) + name_line("file") +
+                "\nquick_allocator_impl destructed memory still in use! size:64 count:2\n");
 }
 
-TEST(CreatedFiles, AreAccessibleToTheUserAlone) {
+TEST(CreatedFiles, AreAccessibleToTheUserAloneAndClosed) {
   const test_folder folder;
   const auto rights = [&](const char* name) {
     return std::filesystem::status(folder.path(name)).permissions() & std::filesystem::perms::mask;
   };
-  create_file(create_folder(folder.place(), "logs"), "log");
-  EXPECT_EQ(rights("logs"), std::filesystem::perms::owner_all);
-  EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-}
-
-TEST(Descriptors, AreAllClosed) {
-  const test_folder folder;
   const auto open_descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
   const auto before = open_descriptors();
   {
-    const files::filepath place = create_file(folder.place(), "file");
+    const files::filepath place = create_file(create_folder(folder.place(), "logs"), "log");
+    EXPECT_EQ(rights("logs"), std::filesystem::perms::owner_all);
+    EXPECT_EQ(rights("logs/log"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     files::append_to_file(place, memory::data("x", 1));
     files::hdd_file reader(place, files::file_mode::reading);
     reader.clone();
@@ -167,13 +162,6 @@ TEST(LocalClock, FollowsTheTimeZone) {
   while (std::chrono::steady_clock::now() < end) milliseconds.insert(halvern::crash_log_time().millisecond);
   EXPECT_GE(milliseconds.size(), 5U) << "it advances by milliseconds";
   EXPECT_LT(*milliseconds.rbegin(), 1000U);
-}
-
-TEST(CreateFolder, TreatsAFileAsAMissingParent) {
-  const test_folder folder;
-  EXPECT_EQ(thrown<files::error::cannot_create_folder>([&] { create_folder(folder.with_file("file"), "new"); }),
-            "cannot create folder! One or more intermediate directories do not exist!" +
-                path_line(folder.path("file/new")) + name_line("new"));
 }
 
 }  // namespace

@@ -24,16 +24,12 @@ TEST(WideText, ConvertsBothWays) {
   EXPECT_EQ(files::wide_to_utf8(L""), "");
 }
 
-TEST(LongPath, HasThePrefixFrom260CharactersOn) {
+TEST(LongPath, HasThePrefixFrom260CharactersOnAndKeepsTheServerOfAShare) {
   EXPECT_EQ(to_long_path("C:/a\\b"), L"C:\\a\\b");
   const std::string short_one = "C:\\" + std::string(256, 'a');
   EXPECT_EQ(to_long_path(short_one), files::utf8_to_wide(short_one));
   EXPECT_EQ(to_long_path(short_one + "b"), L"\\\\?\\" + files::utf8_to_wide(short_one + "b"));
-  // Characters count, not bytes.
-  EXPECT_EQ(to_long_path("C:\\\xC3\xA4" + std::string(255, 'a')).size(), 259U);
-}
-
-TEST(LongPath, KeepsTheServerOfAShare) {
+  EXPECT_EQ(to_long_path("C:\\\xC3\xA4" + std::string(255, 'a')).size(), 259U) << "characters count, not bytes";
   const std::string rest = "server\\share\\" + std::string(260, 'a');
   EXPECT_EQ(to_long_path("\\\\" + rest), L"\\\\?\\UNC\\" + files::utf8_to_wide(rest));
   EXPECT_EQ(to_long_path("//server/share"), L"\\\\server\\share");
@@ -54,17 +50,11 @@ TEST(LongPath, WorksInSystemCalls) {
   }
 }
 
-TEST(Filepath, AcceptsAndKeepsForwardSlashes) {
+TEST(Filepath, AcceptsUtf16AndForwardSlashesAndKnowsHiddenFiles) {
   const test_folder folder;
-  folder.with_file("file");
-  const std::string path = folder.place().path() + "/file";
-  EXPECT_EQ(filepath(path).path(), path);
-}
-
-TEST(Filepath, AcceptsUtf16AndKnowsHiddenFiles) {
-  const test_folder folder;
-  const std::wstring wide = files::utf8_to_wide(folder.place().path()) + L"\\K\u00E4se";
+  const std::wstring wide = files::utf8_to_wide(folder.place().path()) + L"/K\u00E4se";
   CloseHandle(CreateFileW(wide.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_HIDDEN, nullptr));
+  EXPECT_EQ(filepath(wide).path(), files::wide_to_utf8(wide));
   EXPECT_EQ(filepath(wide).name(), "K\xC3\xA4se");
   EXPECT_EQ(filepath(wide).flags(), filepath::exists_flag | filepath::hidden_flag);
   DeleteFileW(wide.c_str());
@@ -73,30 +63,17 @@ TEST(Filepath, AcceptsUtf16AndKnowsHiddenFiles) {
 TEST(HddFile, SharesReadingButNotWriting) {
   const test_folder folder;
   const filepath place = folder.with_file("file", "abc");
+  uint32_t done = 1;
   {
-    const files::hdd_file first(place, files::file_mode::reading);
+    files::hdd_file first(place, files::file_mode::reading);
     EXPECT_NO_THROW(files::hdd_file(place, files::file_mode::reading));
     EXPECT_THROW(files::hdd_file(place, files::file_mode::writing), files::error::cannot_open_file);
+    first.write("x", 1, &done);  // unlike on other systems, it isn't reported
+    EXPECT_EQ(done, 0U);
   }
   const files::hdd_file first(place, files::file_mode::writing);
   EXPECT_THROW(files::hdd_file(place, files::file_mode::reading), files::error::cannot_open_file);
   EXPECT_THROW(files::hdd_file(place, files::file_mode::writing), files::error::cannot_open_file);
-}
-
-TEST(HddFile, ReportsNoFailedReadsAndWrites) {
-  const test_folder folder;
-  const filepath place = folder.with_file("file", "abc");
-  uint32_t done = 1;
-  files::hdd_file(place, files::file_mode::reading).write("x", 1, &done);
-  EXPECT_EQ(done, 0U);
-  done = 1;
-  char byte = 0;
-  files::hdd_file(place, files::file_mode::writing).read(&byte, 1, &done);
-  EXPECT_EQ(done, 0U);
-}
-
-TEST(UserFolder, Exists) {
-  EXPECT_TRUE(files::get_user_app_support_path().is_folder());
 }
 
 void save_link(const std::string& target, const std::string& path) {
