@@ -33,6 +33,35 @@ struct face {
   double cap_height = 0;
 };
 
+// A GDI font for asking: what is selected into its device context.
+class selected_font {
+ public:
+  explicit selected_font(const LOGFONTW& description) {
+    SelectObject(context_, font_ = CreateFontIndirectW(&description));
+  }
+  selected_font(const selected_font&) = delete;
+  selected_font& operator=(const selected_font&) = delete;
+  ~selected_font() {
+    DeleteDC(context_);
+    DeleteObject(font_);
+  }
+  HDC context() const { return context_; }
+
+ private:
+  HDC context_ = CreateCompatibleDC(nullptr);
+  HFONT font_;
+};
+
+// The name of the installed family that is nearest to `name`. GDI+ doesn't look for one.
+std::wstring nearest_family(const std::wstring& name) {
+  LOGFONTW description = {};
+  description.lfOutPrecision = OUT_TT_ONLY_PRECIS;
+  name.copy(description.lfFaceName, LF_FACESIZE - 1);
+  WCHAR found[LF_FACESIZE] = {};
+  GetTextFaceW(selected_font(description).context(), LF_FACESIZE, found);
+  return found;
+}
+
 // The height of an H by its outline. GDI+ doesn't tell it.
 double height_of_capitals(const Gdiplus::Font& font, const Gdiplus::Graphics& graphics) {
   constexpr int em = 2048;  // large enough for whole pixels to be exact
@@ -40,16 +69,11 @@ double height_of_capitals(const Gdiplus::Font& font, const Gdiplus::Graphics& gr
   if (font.GetLogFontW(&graphics, &description) != Gdiplus::Ok) return 0;
   description.lfHeight = -em;
   description.lfWidth = 0;
-  const HDC context = CreateCompatibleDC(nullptr);
-  const HFONT large = CreateFontIndirectW(&description);
-  const HGDIOBJ before = SelectObject(context, large);
   GLYPHMETRICS capital = {};
   const MAT2 upright = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
-  const bool known = GetGlyphOutlineW(context, L'H', GGO_METRICS, &capital, 0, nullptr, &upright) != GDI_ERROR;
-  SelectObject(context, before);
-  DeleteObject(large);
-  DeleteDC(context);
-  return known ? static_cast<double>(capital.gmptGlyphOrigin.y) / em * static_cast<double>(font.GetSize()) : 0;
+  const selected_font large(description);
+  if (GetGlyphOutlineW(large.context(), L'H', GGO_METRICS, &capital, 0, nullptr, &upright) == GDI_ERROR) return 0;
+  return static_cast<double>(capital.gmptGlyphOrigin.y) / em * static_cast<double>(font.GetSize());
 }
 
 }  // namespace
@@ -102,7 +126,8 @@ class gdiplus_session {
  private:
   void open(const face_description& description, face* opened) const {
     const Gdiplus::FontFamily named(description.name.c_str());
-    const Gdiplus::FontFamily& family = named.IsAvailable() ? named : *Gdiplus::FontFamily::GenericSansSerif();
+    const Gdiplus::FontFamily nearest(nearest_family(description.name).c_str());
+    const Gdiplus::FontFamily& family = named.IsAvailable() ? named : nearest;
     int32_t style = Gdiplus::FontStyleRegular;
     if ((description.style & kBoldFace) != 0) style |= Gdiplus::FontStyleBold;
     if ((description.style & kItalicFace) != 0) style |= Gdiplus::FontStyleItalic;
