@@ -24,8 +24,8 @@ using VstIntPtr = intptr_t;
 
 // Four characters as one number, the first in the highest byte.
 constexpr VstInt32 CCONST(char a, char b, char c, char d) {
-  constexpr auto bits = [](char character) { return uint32_t{static_cast<unsigned char>(character)}; };
-  return static_cast<VstInt32>(bits(a) << 24 | bits(b) << 16 | bits(c) << 8 | bits(d));
+  constexpr auto number = [](char character) { return uint32_t{static_cast<unsigned char>(character)}; };
+  return static_cast<VstInt32>(number(a) << 24 | number(b) << 16 | number(c) << 8 | number(d));
 }
 
 constexpr VstInt32 kVstVersion = 2400;
