@@ -21,9 +21,10 @@ TEST_F(Effect, IsSilentUntilTheHandshakeAndThenSingsTheDefaultBanksFirstProgram)
   EXPECT_THAT(block.out_left, Each(0.0F));
   EXPECT_THAT(block.out_right, Each(0.0F));
   effect.select_preset_by_index(first_sound);  // there is no such row yet
+  EXPECT_EQ(effect.getAeffect()->flags & effFlagsHasEditor, 0);
 
   shake_hands();
-  EXPECT_EQ(effect.getAeffect()->flags & effFlagsHasEditor, 0);
+  EXPECT_NE(effect.getAeffect()->flags & effFlagsHasEditor, 0);
   EXPECT_THAT(calls_of_block(), ElementsAre("on 60 127", "on 64 127", "on 67 127", "process"));
   EXPECT_EQ(recording.blocks.at(0).sound_number, 0);
 }
