@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/frame.h"
 
 #include <algorithm>

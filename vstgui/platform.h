@@ -142,7 +142,8 @@ class window {
 std::unique_ptr<window> open_window(void* parent, const CPoint& size, double scale, window_events& events);
 
 // Shows a text with an OK button and an information icon, and returns when the user has closed it; at once when there
-// is no display. `text` has lines that end in CR LF, and tabs. Not on Windows, which has a message box of its own.
+// is no display. `text` has lines that end in CR LF, and tabs. `scale` is as of a window. Not on Windows, which has a
+// message box of its own.
 void show_message(const std::string& title, const std::string& text, double scale = 1);
 
 // Milliseconds since some moment in the past; they wrap.

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/platform_offscreen.h"
 
 #include <algorithm>

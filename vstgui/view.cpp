@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/view.h"
 
 #include "vstgui/frame.h"

@@ -1,3 +1,4 @@
+// MIT License. Tests of the base of editors with a frame.
 #include "vstgui/plugin-bindings/aeffguieditor.h"
 
 #include "tests/vstgui/view_fixture.h"

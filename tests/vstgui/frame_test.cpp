@@ -1,3 +1,4 @@
+// MIT License. Tests of frames: painting, focus, keys, closing.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {

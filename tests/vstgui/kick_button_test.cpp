@@ -1,3 +1,4 @@
+// MIT License. Tests of kick buttons.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {

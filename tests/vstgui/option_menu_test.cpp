@@ -1,3 +1,4 @@
+// MIT License. Tests of pop-up menus.
 #include <cmath>
 
 #include "tests/vstgui/view_fixture.h"
@@ -116,7 +117,11 @@ TEST_F(OptionMenu, AsksForItsRowsAsTheyAre) {
 TEST_F(OptionMenu, ReportsAChoiceWhileItIsStillOpen) {
   bool was_open = false;
   listener.on_value = [&] { was_open = sounds->is_open(); };
-  desktop().menu_user = [](const auto&) { return 3; };
+  window.paint();
+  desktop().menu_user = [this](const auto&) {
+    EXPECT_FALSE(window.invalid_areas().empty());  // the open field shows while the user chooses
+    return 3;
+  };
   EXPECT_EQ(window.press(CPoint(20, 20)), kMouseDownEventHandledButDontNeedMovedOrUpEvents);
   EXPECT_EQ(listener.take(), (words{"begin", "frame begins 5", "value 3", "frame ends 5", "end"}));
   EXPECT_TRUE(was_open);
@@ -151,6 +156,8 @@ TEST_F(OptionMenu, ReportsNoValueWhenDismissed) {
 TEST_F(OptionMenu, FindsTheChosenRowAfterItsRowsHaveChanged) {
   sounds->popup();
   sounds->removeEntry(0);
+  sounds->removeEntry(0);
+  sounds->addEntry("first", 0);
   window.answer_menu(3);
   EXPECT_STREQ(sounds->getCurrent()->getTitle(), "three");
   EXPECT_EQ(sounds->getValue(), 2.F);

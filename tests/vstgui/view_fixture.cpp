@@ -1,3 +1,4 @@
+// MIT License.
 #include "tests/vstgui/view_fixture.h"
 
 void make_pictures_known();
