@@ -54,14 +54,14 @@ void trace_update(const char* text) {
 }  // namespace
 
 void create_editor(KesrelVocoder4TarvixEffect* effect) {
-  new KesrelVocoder4TarvixEditor(effect);  // the base sets it on the effect
+  register_artwork();  // may throw; past its base's constructor, which sets it on the effect, the editor must not
+  new KesrelVocoder4TarvixEditor(effect);
 }
 
 KesrelVocoder4TarvixEditor::KesrelVocoder4TarvixEditor(KesrelVocoder4TarvixEffect* owner)
     : AEffGUIEditor(static_cast<AudioEffect*>(owner)), vocoder(owner), scale(window_scale()) {
   const auto scaled = [this](int32_t length) { return static_cast<VstInt16>(std::lround(length * scale)); };
   rect = {0, 0, scaled(window_height), scaled(window_width)};
-  register_artwork();
 }
 
 KesrelVocoder4TarvixEditor::~KesrelVocoder4TarvixEditor() {

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/plugin-bindings/aeffguieditor.h"
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/base_object.h"
 
 namespace VSTGUI {

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/bitmap.h"
 
 #include "vstgui/draw_context.h"

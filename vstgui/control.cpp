@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/control.h"
 
 #include <algorithm>

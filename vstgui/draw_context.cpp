@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/draw_context.h"
 
 namespace VSTGUI {

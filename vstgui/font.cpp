@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/font.h"
 
 namespace VSTGUI {

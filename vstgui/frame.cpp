@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/frame.h"
 
 #include <algorithm>
@@ -212,8 +213,6 @@ bool CFrame::setModalView(CView* view) {
 bool CFrame::takesEvents(CView* child) const {
   return CViewContainer::takesEvents(child) && (!modal_view_ || modal_view_ == child);
 }
-
-void CFrame::onViewAdded(CView* /*view*/) {}
 
 void CFrame::onViewRemoved(CView* view) {
   std::erase(hovered_, view);

@@ -78,7 +78,6 @@ class CFrame : public CViewContainer, private platform::window_events {
   platform::window* getPlatformFrame() const { return window_.get(); }
 
   // Called by views.
-  virtual void onViewAdded(CView* view);
   virtual void onViewRemoved(CView* view);
 
   void invalid() override;

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/kick_button.h"
 
 namespace VSTGUI {

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/option_menu.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/param_display.h"
 
 #include <cstdio>

@@ -29,7 +29,7 @@ constexpr CCoord right_margin = 24;
 constexpr int wheel_rows = 3;
 constexpr uint32_t edge_scroll_ms = 45;  // per row
 constexpr uint32_t grab_patience_ms = 500;
-// A release within this time and distance of the press that opened the menu is that press's own.
+// A release on the menu within this time and distance of the press that opened it only ends a click.
 constexpr Time click_ms = 400;
 constexpr CCoord click_distance = 6;
 constexpr CCoord least_rows = 12;  // beside the field; a menu with room for less covers it
@@ -141,14 +141,13 @@ bool x11_menu::show(const CRect& field) {
   if (XTranslateCoordinates(display, opening_.owner, owner.root, 0, 0, &x, &y, &child) == 0) return false;
 
   const double scale = opening_.scale;
-  const CRect field_on_screen(x + std::round(field.left * scale), y + std::round(field.top * scale),
-                              x + std::round(field.right * scale), y + std::round(field.bottom * scale));
+  field_ = CRect(x + std::round(field.left * scale), y + std::round(field.top * scale),
+                 x + std::round(field.right * scale), y + std::round(field.bottom * scale));
   CCoord width = 0;
   for (const menu_item& item : items_) width = std::max(width, font_->width(item.title));
-  const CPoint wanted(std::max(std::ceil((text_indent + width + right_margin) * scale), field_on_screen.getWidth()),
+  const CPoint wanted(std::max(std::ceil((text_indent + width + right_margin) * scale), field_.getWidth()),
                       list_.content_height() + 2 * inset_at(scale));
-  on_screen_ = place_menu(field_on_screen, wanted,
-                          monitor_at(display, owner.root, CPoint(field_on_screen.left, field_on_screen.bottom - 1)),
+  on_screen_ = place_menu(field_, wanted, monitor_at(display, owner.root, CPoint(field_.left, field_.bottom - 1)),
                           std::round(least_rows * row_height * scale));
   list_.set_view_height(static_cast<int>(on_screen_.getHeight()) - 2 * inset_at(scale));
 
@@ -250,7 +249,7 @@ void x11_menu::released(const XButtonEvent& event) {
     const CPoint way = where - opening_.press_on_screen;
     const bool near = std::hypot(way.x, way.y) < click_distance * opening_.scale;
     const bool soon = event.time - opening_.press_time < click_ms;
-    if (near && (soon || !inside)) return;
+    if (inside ? near && soon : near || field_.pointInside(where)) return;
     if (!inside) result_ = -1;
   } else if (!pressed_inside_) {
     return;

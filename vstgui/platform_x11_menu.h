@@ -63,7 +63,8 @@ class x11_menu {
   menu_list list_;
   std::shared_ptr<const font> font_;
   std::unique_ptr<x11_pane> pane_;
-  CRect on_screen_;  // in pixels, as all that follows
+  CRect field_;      // in pixels of the screen, as all that follows
+  CRect on_screen_;  // the menu itself
   CPoint pointer_;
   bool awaits_opening_release_;
   bool pressed_inside_ = false;

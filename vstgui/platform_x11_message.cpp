@@ -62,6 +62,7 @@ message_box::message_box(x11_display& display, std::unique_ptr<x11_pane> pane, c
       text_(text),
       size_(size),
       button_(CPoint(size.x - margin - button_size.x, size.y - margin - button_size.y), button_size) {
+  const x11_guard guard(display_);
   Display* const connection = display_.get();
   const Window id = pane_->id();
   const auto atom = [&](const char* name) { return static_cast<long>(display_.atom(name)); };

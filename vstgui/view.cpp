@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/view.h"
 
 #include "vstgui/frame.h"
@@ -114,7 +115,6 @@ bool CView::attached(CView* parent) {
   pParentView = parent;
   if (parent) pParentFrame = parent->getFrame();
   set_flag(attached_flag, true);
-  if (parent && pParentFrame) pParentFrame->onViewAdded(this);
   return true;
 }
 

@@ -1,3 +1,4 @@
+// MIT License.
 #include "vstgui/view_container.h"
 
 #include <algorithm>

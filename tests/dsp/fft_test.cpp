@@ -67,9 +67,8 @@ TEST(Fft, TransformsNoiseOfEverySizeByItsDefinitionAndBack) {
 
 TEST(FftCosTable, HoldsTheQuarterWaveAndIsUntouchedForARefusedSize) {
   constexpr int32_t unlogged = std::numeric_limits<int32_t>::min();  // the logarithm of nothing
-  const struct {
-    int32_t size, log2_size;
-  } refused[] = {{4, 2}, {7, 3}, {9, 3}, {1000, 10}, {1025, 10}, {1 << 20, 20}, {1, 0}, {0, unlogged}, {-8, unlogged}};
+  const std::pair<int32_t, int32_t> refused[] = {{4, 2},        {7, 3}, {9, 3},        {1000, 10},    {1025, 10},
+                                                 {1 << 20, 20}, {1, 0}, {0, unlogged}, {-8, unlogged}};
   std::vector<float> table(258, 7.0f);
   int32_t log2_size = -1;
   for (const auto& [size, expected] : refused) {

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "dsp/wave_store.h"
@@ -96,10 +96,8 @@ TEST(Pitch, FollowsTheReferenceBetweenLimitsAndTheOctave) {
 // --- Rendering ---
 
 TEST(SelectRender, ChoosesByModeThenSyncAndRingAndKeepsTheChoiceForAFieldOfOneHalf) {
-  const struct {
-    float mode, sync, ring;
-    wsyn_render_fn expected;  // null leaves what there is, or takes the sum
-  } cases[] = {
+  // Mode, sync, ring and the choice; null leaves what there is, or takes the sum.
+  const std::tuple<float, float, float, wsyn_render_fn> cases[] = {
       {0.0f, 0.0f, 0.0f, render_sum},       {0.0f, 0.0f, 1.0f, render_ring},    {0.0f, 1.0f, 0.0f, render_sum_sync},
       {0.0f, 1.0f, 1.0f, render_ring_sync}, {1.0f, 0.5f, 0.5f, render_sampled}, {0.5f, 0.0f, 0.0f, nullptr},
       {0.0f, 0.5f, 0.0f, nullptr},          {0.0f, 1.0f, 0.5f, nullptr},        {NAN, 0.0f, 0.0f, nullptr},
@@ -234,18 +232,6 @@ TEST(ModulatePitch, TheLfoReadsItsPhaseThenMovesOn) {
     EXPECT_EQ(state->pitch_mod1, modulation) << phase;
     EXPECT_TRUE(state->lfo_phase1 == (phase < 512.0f ? phase + 512.0f : phase - 512.0f) || !std::isfinite(phase));
   }
-}
-
-TEST(ModulatePitch, FollowsLevelAndCrossingsOrNothing) {
-  const auto state = committed({{wsyn_param_pitch_depth1, 0.25f}, {wsyn_param_pitch_depth2, -2.0f}});
-  state->pitch_source1 = 1.0f, state->pitch_source2 = 2.0f;
-  wsyn_modulate_pitch(0.5f, 100, state.get());
-  EXPECT_EQ(state->pitch_mod1, 1.125);
-  EXPECT_EQ(state->pitch_mod2, static_cast<double>(static_cast<float>(100 * 0.01594387755102041)) * -2.0 + 1.0);
-  state->pitch_source1 = 0.5f, state->pitch_source2 = 3.0f;
-  wsyn_modulate_pitch(0.5f, 100, state.get());
-  EXPECT_EQ(state->pitch_mod1, 1.0);
-  EXPECT_EQ(state->pitch_mod2, 1.0);
 }
 
 // --- Filter smoothing ---

@@ -89,16 +89,6 @@ double tap_sum(const wavelet_filter& filter) {
   return sum;
 }
 
-// Sum of the products of two filters whose times differ by `lag`.
-double product(const wavelet_filter& a, const wavelet_filter& b, int32_t lag) {
-  double sum = 0.0;
-  for (int32_t j = 0; j < a.size; ++j) {
-    const int32_t k = j + a.first_index - b.first_index + lag;
-    if (k >= 0 && k < b.size) sum += double{plain::tap(a, j)} * plain::tap(b, k);
-  }
-  return sum;
-}
-
 TEST(FilterSets, HaveTheirKindAndSize) {
   EXPECT_EQ(set_numbers(),
             (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 16, 18, 19, 20, 21, 22, 23, 24, 25}));
@@ -111,18 +101,6 @@ TEST(FilterSets, HaveTheirKindAndSize) {
     EXPECT_NEAR(tap_sum(set.analysis_high), 0.0, 2e-7) << number;
     EXPECT_EQ(set.analysis_low.center, -set.analysis_low.first_index);
     EXPECT_EQ(set.analysis_high.size, set.synthesis_low.size);
-  }
-}
-
-TEST(FilterSets, AreOrthogonalToTheirShiftsByTwo) {
-  for (const int32_t number : set_numbers()) {
-    const filter_set& set = *filter_set_of_number(number);
-    for (int32_t lag = -100; lag <= 100; lag += 2) {
-      const double expected = lag == 0 ? 1.0 : 0.0;
-      EXPECT_NEAR(product(set.analysis_low, set.synthesis_low, lag), expected, 2e-7) << number << ", " << lag;
-      EXPECT_NEAR(product(set.analysis_high, set.synthesis_high, lag), expected, 2e-7) << number << ", " << lag;
-      EXPECT_NEAR(product(set.analysis_low, set.synthesis_high, lag), 0.0, 2e-7) << number << ", " << lag;
-    }
   }
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 #include "engine/parameter_commit.h"
 #include "engine/voco_process.h"

@@ -18,8 +18,7 @@ waveform voice() {
   waveform out = vowel(length, 700.0, 0.12);
   const waveform bright = vowel(length, 2200.0, 0.08);
   const waveform hiss = noise(length, 0.3F, 3);
-  for (size_t i = 10000; i < 13000; ++i) out[i] = hiss[i] - hiss[i - 1];
-  for (size_t i = 13000; i < length; ++i) out[i] = bright[i];
+  for (size_t i = 10000; i < length; ++i) out[i] = i < 13000 ? hiss[i] - hiss[i - 1] : bright[i];
   for (float& sample : out) sample += 0.1F;
   return out;
 }

@@ -54,16 +54,13 @@ inline float fast_angle(bin z) {
   return z.im >= 0.0F ? t + 3.1415927F : t - 3.1415927F;
 }
 
-enum class direction { forward, inverse };
-
-inline void transform(direction way, spectrum* data) {
+inline void transform(void (*direction)(float*, int32_t, const float*), spectrum* data) {
   int32_t log2_size = 0;
   std::array<float, frame_length / 4 + 1> table;
   fft_cos_table_init(&log2_size, frame_length, table.data());
   std::vector<float> parts;
   for (const bin z : *data) parts.insert(parts.end(), {z.re, z.im});
-  way == direction::forward ? fft_forward(parts.data(), log2_size, table.data())
-                            : fft_inverse(parts.data(), log2_size, table.data());
+  direction(parts.data(), log2_size, table.data());
   for (size_t k = 0; k < frame_length; ++k) (*data)[k] = {parts[2 * k], parts[2 * k + 1]};
 }
 
@@ -92,7 +89,7 @@ inline std::vector<float> smoothed(const frame& magnitudes, size_t width) {
     z[k] = {magnitudes[k] * static_cast<float>(std::cos(half_turns)),
             magnitudes[k] * static_cast<float>(std::sin(half_turns))};
   }
-  transform(direction::inverse, &z);
+  transform(fft_inverse, &z);
   for (size_t i = 0; i < frame_length; ++i) {
     float window = 0.0F;
     if (i >= 512 - width / 2 && i <= 512 + width / 2) {
@@ -101,7 +98,7 @@ inline std::vector<float> smoothed(const frame& magnitudes, size_t width) {
     }
     z[i] = {z[i].re * window, 0.0F};
   }
-  transform(direction::forward, &z);
+  transform(fft_forward, &z);
   std::vector<float> result;
   for (size_t k = 0; k <= 512; ++k) result.push_back(2.0F * length(z[k]));
   return result;
@@ -329,7 +326,7 @@ class engine {
         output[k].im += 3.0F * held_[k].im;
       }
     }
-    transform(direction::inverse, &output);
+    transform(fft_inverse, &output);
     return output;
   }
 
@@ -337,7 +334,7 @@ class engine {
   void split() {
     spectrum z;
     for (size_t i = 0; i < frame_length; ++i) z[i] = {voice_[i] * hann(i), carrier_[i] * hann(i)};
-    transform(direction::forward, &z);
+    transform(fft_forward, &z);
     x_[0] = {z[0].re, 0.0F};
     y_[0] = {z[0].im, 0.0F};
     for (size_t k = 1; k <= 512; ++k) {

@@ -18,17 +18,13 @@ waveform without_dc(waveform x) {
   return x;
 }
 
-struct predictor {
-  std::unique_ptr<lpc_workspace> workspace = std::make_unique<lpc_workspace>();
-  std::unique_ptr<frame_arena> arena = std::make_unique<frame_arena>();
-
-  waveform vocode(int32_t order, waveform modulator, const waveform& carrier) {
-    vocoder_prediction(order, modulator.data(), carrier.data(), static_cast<int32_t>(modulator.size()), workspace.get(),
-                       arena.get());
-    EXPECT_EQ(arena->used, 0);
-    return modulator;
-  }
-};
+waveform vocode(int32_t order, waveform modulator, const waveform& carrier) {
+  static lpc_workspace workspace;
+  static frame_arena arena;
+  vocoder_prediction(order, modulator.data(), carrier.data(), static_cast<int32_t>(modulator.size()), &workspace,
+                     &arena);
+  return modulator;
+}
 
 constexpr int32_t orders[] = {10, 35, 80};
 
@@ -53,25 +49,23 @@ TEST(DcBlock, RoundsItsInputTowardsZeroAndItsOutputDownAndAcceptsAnySample) {
 }
 
 TEST(Prediction, OfASignalWithItselfIsAQuarterOfItWithoutDc) {
-  predictor p;
   const waveform x = windowed(vowel(frame_length, 800.0, 0.5));
   const waveform expected = without_dc(x);
   for (const int32_t order : orders) {
-    const waveform y = p.vocode(order, x, x);
+    const waveform y = vocode(order, x, x);
     for (size_t t = 0; t < y.size(); ++t) ASSERT_NEAR(y[t], 0.25F * expected[t], 2e-5F) << order << ", " << t;
   }
 }
 
 TEST(Prediction, StaysFiniteOnPoorlyConditionedFramesAndIsSilentForSilence) {
-  predictor p;
   const waveform none = silence(frame_length);
   const waveform poor[] = {sine(frame_length, 11025.0, 1.0), waveform(frame_length, 1.0F),
                            noise(frame_length, 2.0F * quantum), windowed(sine(frame_length, 5000.0, 1.0)), none};
   for (const int32_t order : orders) {
     for (const waveform& one : poor) {
-      for (const waveform& other : poor) EXPECT_TRUE(all_finite(p.vocode(order, one, other))) << order;
-      EXPECT_EQ(p.vocode(order, one, none), none);
-      EXPECT_EQ(p.vocode(order, none, one), none);
+      for (const waveform& other : poor) EXPECT_TRUE(all_finite(vocode(order, one, other))) << order;
+      EXPECT_EQ(vocode(order, one, none), none);
+      EXPECT_EQ(vocode(order, none, one), none);
     }
   }
 }

@@ -12,9 +12,6 @@ namespace {
 constexpr state::plugin_identity identity{0x4B56344D, 1};
 constexpr int deepest = 4;
 
-// Tries every reader on the chunk, whatever its id, and on its nested chunks.
-void read_everything(const chunks::chunk& chunk, int depth);
-
 template <typename Action>
 void try_to(Action action) {
   try {
@@ -24,14 +21,7 @@ void try_to(Action action) {
   }
 }
 
-void read_programs(state::opened_image image) {
-  for (;;) {
-    chunks::chunk record;
-    image.programs.next(&record);
-    read_everything(record, deepest - 1);
-  }
-}
-
+// Tries every reader on the chunk, whatever its id, and on its nested chunks.
 void read_everything(const chunks::chunk& chunk, int depth) {
   // Exceptions take most of the time, so readers that are certain to refuse are tried on the outermost chunk only.
   if (depth == 0 || chunk.id() == chunks::string_chunk_id) try_to([&] { chunks::string_chunk(chunk).text(); });
@@ -48,6 +38,14 @@ void read_everything(const chunks::chunk& chunk, int depth) {
       read_everything(nested, depth + 1);
     }
   });
+}
+
+void read_programs(state::opened_image image) {
+  for (;;) {
+    chunks::chunk record;
+    image.programs.next(&record);
+    read_everything(record, deepest - 1);
+  }
 }
 
 // Bytes in the pools that views of bytes come from.

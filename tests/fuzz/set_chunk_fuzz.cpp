@@ -22,6 +22,8 @@ class fuzzed_effect {
     recording.running = false;
   }
 
+  void change_program(VstInt32 number) { effect_.setProgram(number); }
+
   // The number of programs only grows.
   bool worn() { return effect_.getAeffect()->numPrograms > most_programs; }
 
@@ -46,8 +48,6 @@ class fuzzed_effect {
     block.run(effect_.getAeffect());
     host_.automated.clear();
   }
-
-  void change_program(uint8_t number) { effect_.setProgram(number % 30); }
 
  private:
   std::string saved(bool single_program) {
@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   effect->restore(bytes, size - 1, single_program);
   effect->list_names_and_play();
   effect->save(single_program);
-  effect->change_program(order >> 1);
+  effect->change_program((order >> 1) % 30);
   effect->save(!single_program);
   return 0;
 }

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,8 @@ struct ending {
   const char* deed;
   std::vector<int> statuses;
   long crashes;
+
+  friend void PrintTo(const ending& end, std::ostream* out) { *out << end.deed; }
 };
 
 class HostileDeed : public HostileHost, public testing::WithParamInterface<ending> {};

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <mutex>
-#include <string>
 #include <utility>
 #include <vector>
 

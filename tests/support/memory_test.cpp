@@ -100,11 +100,6 @@ TEST(Pool, ServesOneTypeAndLeavesDerivedOnesToTheHeap) {
   EXPECT_EQ(pool->bytes_in_use(), before + pool->element_size());
 }
 
-#if UINTPTR_MAX == UINT64_MAX
-static_assert(sizeof(memory::data) == 32 && sizeof(child_data_reference) == 40 && sizeof(byte_block) == 48,
-              "views come from the pools of 32 and 64 bytes");
-#endif
-
 // An element belongs to one thread from its allocation to its release. Only two threads, as more than there are cores
 // would mostly wait for each other: a ticket lock whose next holder sleeps holds up all the others.
 TEST(PoolThreads, NeverShareAnElement) {

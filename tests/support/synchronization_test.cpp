@@ -6,7 +6,6 @@
 #include <mutex>
 #include <shared_mutex>
 #include <thread>
-#include <vector>
 
 #include "support/synchronization/error.h"
 #include "support/synchronization/event.h"

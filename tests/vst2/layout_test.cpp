@@ -65,13 +65,11 @@ static_assert(sizeof(VstMidiSysexEvent) == 48 && sizeof(VstTimeInfo) == 88 && si
 static_assert(sizeof(VstParameterProperties) == 152 && sizeof(VstPatchChunkInfo) == 64);
 
 #define SAME_VALUE(ours, theirs) static_assert(int{ours} == static_cast<int>(theirs))
-SAME_VALUE(kSpeakerArrEmpty,       VST_ARRANGEMENT_TYPE_UNKNOWN);
 SAME_VALUE(kSpeakerArr51,          VST_ARRANGEMENT_TYPE_5_1);
 SAME_VALUE(kSpeakerLfe,            VST_SPEAKER_TYPE_LFE);
 SAME_VALUE(kPlugCategShell,        VST_CATEGORY_CONTAINER);
 SAME_VALUE(kPlugCategMaxCount,     VST_CATEGORY_MAX);
 SAME_VALUE(kVstMaxParamStrLen,     VST_BUFFER_8);
-SAME_VALUE(kVstMaxProgNameLen,     VST_BUFFER_24);
 SAME_VALUE(kVstMaxEffectNameLen,   VST_EFFECT_BUFFER_SIZE);
 SAME_VALUE(kVstMaxVendorStrLen,    VST_VENDOR_BUFFER_SIZE);
 SAME_VALUE(kVstMaxProductStrLen,   VST_PRODUCT_BUFFER_SIZE);

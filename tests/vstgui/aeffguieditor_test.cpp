@@ -1,3 +1,4 @@
+// MIT License. Tests of the base of editors with a frame.
 #include "vstgui/plugin-bindings/aeffguieditor.h"
 
 #include "tests/vstgui/view_fixture.h"
@@ -33,7 +34,7 @@ struct button_editor : public AEffGUIEditor {
   }
 };
 
-TEST(GuiEditor, TellsTheHostOfEditsAndHandsKeysToItsFrame) {
+TEST(GuiEditor, TellsTheHostOfEditsAndSizesAndHandsKeysToItsFrame) {
   desktop() = {};
   silent_effect effect;
   auto* const editor = new button_editor(&effect);
@@ -51,31 +52,11 @@ TEST(GuiEditor, TellsTheHostOfEditsAndHandsKeysToItsFrame) {
   calls.clear();
   EXPECT_TRUE(editor->onKeyDown(key));
   EXPECT_TRUE(editor->onKeyUp(key));
-  EXPECT_EQ(calls, (std::vector<VstInt32>{audioMasterBeginEdit, 4, audioMasterEndEdit, 4}));
+  EXPECT_TRUE(editor->getFrame()->setSize(200, 90));
+  EXPECT_EQ(calls, (std::vector<VstInt32>{audioMasterBeginEdit, 4, audioMasterEndEdit, 4, audioMasterSizeWindow, 200}));
+  EXPECT_EQ(window.size(), CPoint(200, 90));
   editor->close();
   EXPECT_FALSE(window.is_open());
-}
-
-TEST(GuiEditor, AsksTheHostBeforeItsFrameChangesSize) {
-  desktop() = {};
-  silent_effect effect;
-  auto* const editor = new button_editor(&effect);
-  int host_window = 0;
-  editor->open(&host_window);
-  calls.clear();
-  EXPECT_TRUE(editor->getFrame()->setSize(200, 90));
-  EXPECT_EQ(calls, (std::vector<VstInt32>{audioMasterSizeWindow, 200}));
-  EXPECT_EQ(platform::offscreen::windows().back().size(), CPoint(200, 90));
-  editor->close();
-}
-
-TEST(GuiEditor, GivesTheHostIdleTimeNotTooOften) {
-  desktop() = {};
-  silent_effect effect;
-  auto* const editor = new button_editor(&effect);
-  calls.clear();
-  for (desktop().ticks_ms = 1; desktop().ticks_ms < 100; ++desktop().ticks_ms) editor->doIdleStuff();
-  EXPECT_EQ(calls, (std::vector<VstInt32>{audioMasterIdle, 0, audioMasterIdle, 0, audioMasterIdle, 0}));
 }
 
 }  // namespace

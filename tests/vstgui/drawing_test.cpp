@@ -1,3 +1,4 @@
+// MIT License. Tests of drawing: clips, bitmaps, texts.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {
@@ -57,23 +58,32 @@ TEST_F(Drawing, PutsTextWhereItsAlignmentSays) {
   EXPECT_NEAR(above, below, 1);
 }
 
-TEST_F(Drawing, ShowsNothingForAMissingBitmap) {
+TEST_F(Drawing, LeavesOutWhatABitmapLacks) {
   const auto missing = owned(new CBitmap("no_such.png"));
   EXPECT_FALSE(missing->isLoaded());
-  EXPECT_EQ(missing->getWidth(), 0);
-  auto* const button = add(new CKickButton(CRect(0, 0, 20, 20), &listener, 4, missing));
-  EXPECT_NE(button->getDrawBackground(), nullptr);
+  auto* const button = add(new CKickButton(CRect(0, 0, 20, 20), &listener, 4, 20, missing, CPoint(10, 30)));
   EXPECT_EQ(pixel(5, 5), white);
-}
-
-TEST_F(Drawing, LeavesOutWhatIsBeyondTheBitmap) {
-  auto* const button = add(new CKickButton(CRect(0, 0, 20, 20), &listener, 4, 20, owned(two_images()), CPoint(10, 30)));
+  button->setBackground(owned(two_images()));
+  button->invalid();
   EXPECT_EQ(pixel(9, 9), green);
   EXPECT_EQ(pixel(10, 9), white);
   EXPECT_EQ(pixel(9, 10), white);
-  button->setValue(1);
-  button->invalid();
-  EXPECT_EQ(pixel(5, 5), white);
+}
+
+TEST_F(Drawing, PutsViewsAboveTheBackgroundInTheOrderOfTheList) {
+  frame->setBackground(owned(two_images()));
+  frame->setBackgroundOffset(CPoint(5, 10));
+  frame->idle();
+  EXPECT_EQ(pixel(14, 9), red);
+  EXPECT_EQ(pixel(14, 10), green);
+  EXPECT_EQ(pixel(15, 10), 0xFFFFFFFFU);
+  CView* const above = add(new CView(CRect(0, 0, 20, 20)));
+  auto* const below = new CViewContainer(CRect(0, 0, 30, 20));
+  EXPECT_TRUE(frame->addView(below, above));
+  EXPECT_EQ(pixel(14, 10), 0xFF000000U);
+  EXPECT_EQ(frame->getViewAt(CPoint(14, 10)), above);
+  EXPECT_EQ(frame->getViewAt(CPoint(20, 10)), below);
+  EXPECT_EQ(frame->getViewAt(CPoint(30, 10)), nullptr);
 }
 
 TEST_F(Drawing, LimitsViewsToTheirParentsAndToTheDamage) {

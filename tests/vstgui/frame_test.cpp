@@ -1,3 +1,4 @@
+// MIT License. Tests of frames: painting, focus, keys, closing.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {
@@ -45,17 +46,6 @@ TEST_F(Frame, IsRefusedWithoutAParentOrADisplay) {
   EXPECT_TRUE(other->open(&host_window));
   other->forget();
   EXPECT_EQ(platform::offscreen::windows().size(), 1U);
-}
-
-TEST_F(Frame, EndsWhenItIsForgottenWithinAnEvent) {
-  auto* const button = add(new CKickButton(CRect(0, 0, 20, 20), &listener, 4, nullptr));
-  EXPECT_EQ(button->getFrame(), frame);
-  listener.on_value = [this] {
-    if (frame) std::exchange(frame, nullptr)->forget();
-  };
-  window.press(CPoint(5, 5));
-  window.release(CPoint(5, 5));
-  EXPECT_FALSE(window.is_open());
 }
 
 TEST_F(Frame, InvalidatesAtOnceOutsideOfEvents) {

@@ -1,3 +1,4 @@
+// MIT License. Tests of kick buttons.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {
@@ -38,21 +39,19 @@ TEST_F(KickButton, ReportsOnlyItsMinimumWhenReleasedOutside) {
   EXPECT_EQ(listener.take(), (words{"value 0", "frame ends 4", "end"}));
 }
 
-TEST_F(KickButton, IsNotPressedWhenTheListenerTakesAModifierClick) {
+TEST_F(KickButton, GetsModifierClicksThatTheListenerLeaves) {
+  window.click(CPoint(20, 20), kRButton);  // without the left button it doesn't take it either
+  EXPECT_EQ(listener.take(), words{"modifier"});
+  window.click(CPoint(20, 20), kLButton | kShift);
+  EXPECT_EQ(listener.take(),
+            (words{"modifier", "begin", "frame begins 4", "value 1", "value 0", "frame ends 4", "end"}));
+  frame->setFocusView(nullptr);
   listener.takes_modifier_clicks = true;
   for (const int32_t buttons : {int32_t{kRButton}, kLButton | kShift}) {
     window.click(CPoint(20, 20), buttons);
     EXPECT_EQ(listener.take(), words{"modifier"});
   }
   EXPECT_EQ(frame->getFocusView(), nullptr);
-}
-
-TEST_F(KickButton, TakesOtherModifierClicksIfTheLeftButtonIsAmongThem) {
-  window.click(CPoint(20, 20), kRButton);
-  EXPECT_EQ(listener.take(), words{"modifier"});
-  window.click(CPoint(20, 20), kLButton | kShift);
-  EXPECT_EQ(listener.take(),
-            (words{"modifier", "begin", "frame begins 4", "value 1", "value 0", "frame ends 4", "end"}));
 }
 
 TEST_F(KickButton, IsPressedByReturnOnceHoweverLongItIsHeld) {
@@ -99,8 +98,10 @@ TEST_F(KickButton, IsLeftAloneWhenTheFrameClosesDuringAnEdit) {
   button->forget();
 }
 
-TEST_F(KickButton, MayCloseTheFrame) {
-  listener.on_value = [this] { close(); };
+TEST_F(KickButton, MayEndTheFrame) {
+  listener.on_value = [this] {
+    if (frame) std::exchange(frame, nullptr)->forget();
+  };
   window.press(CPoint(20, 20));
   listener.take();
   window.release(CPoint(20, 20));
@@ -108,11 +109,26 @@ TEST_F(KickButton, MayCloseTheFrame) {
   EXPECT_FALSE(window.is_open());
 }
 
-TEST_F(KickButton, FitsOneOfItsImages) {
-  button->setViewSize(CRect(10, 10, 50, 50));
-  ASSERT_TRUE(button->sizeToFit());
-  EXPECT_EQ(button->getViewSize(), CRect(10, 10, 30, 30));
-  EXPECT_EQ(button->getMouseableArea(), CRect(10, 10, 30, 30));
+TEST_F(KickButton, KeepsItsValueInItsRangeAndTellsAllItsListeners) {
+  recorder other;
+  button->registerControlListener(&other);
+  button->setMax(3);
+  button->setMin(1);
+  for (const auto& [given, kept] : {std::pair{0.F, 1.F}, {9.F, 3.F}, {2.F, 2.F}}) {
+    button->setValue(given);
+    EXPECT_EQ(button->getValue(), kept);
+  }
+  EXPECT_EQ(button->getValueNormalized(), 0.5F);
+  button->setValueNormalized(0.25F);
+  EXPECT_EQ(button->getValue(), 1.5F);
+  EXPECT_TRUE(listener.take().empty());
+  button->setDefaultValue(3);
+  EXPECT_TRUE(button->checkDefaultValue(kLButton | kControl));
+  EXPECT_EQ(other.take(), (words{"begin", "value 3", "end"}));
+  button->unregisterControlListener(&other);
+  EXPECT_FALSE(button->checkDefaultValue(kLButton));
+  button->valueChanged();
+  EXPECT_TRUE(other.take().empty());
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// MIT License. Tests of how the mouse reaches views.
 #include "tests/vstgui/view_fixture.h"
 
 namespace view_tests {
@@ -95,7 +96,8 @@ TEST_F(Mouse, TurnsTheWheelOnTheTopmostViewUnlessCaptured) {
 TEST_F(Mouse, GoesToAModalViewAlone) {
   probe* const modal = new probe(CRect(80, 50, 90, 60), "modal", &journal);
   ASSERT_TRUE(frame->setModalView(modal));
-  EXPECT_FALSE(frame->setModalView(left));
+  const auto second = owned(new CView(CRect(0, 0, 100, 60)));
+  EXPECT_FALSE(frame->setModalView(second));
   window.click(CPoint(20, 20));
   window.click(CPoint(85, 55));
   EXPECT_EQ(journal.front(), "modal down at 85");

@@ -1,3 +1,4 @@
+// MIT License. Tests of pop-up menus.
 #include <cmath>
 
 #include "tests/vstgui/view_fixture.h"
@@ -33,6 +34,29 @@ class OptionMenu : public ViewTest {
 
 const words opened = {"begin", "frame begins 5"};
 const words closed = {"frame ends 5", "end"};
+
+TEST_F(OptionMenu, ShowsItsTitleAndWhetherItIsOpen) {
+  sounds->setBackground(owned(two_images()));
+  sounds->setBackOffset(CPoint(0, 20));
+  sounds->setViewSize(CRect(10, 10, 30, 30));
+  const std::vector<uint32_t> closed_menu(400, green);
+  const auto shown = [this] {
+    frame->idle();
+    window.paint();
+    return window.pixels(CRect(10, 10, 30, 30));
+  };
+  EXPECT_EQ(shown(), closed_menu);
+  sounds->setValue(1);
+  EXPECT_NE(shown(), closed_menu);
+
+  auto* const other =
+      add(new menu(CRect(70, 10, 90, 30), &listener, 6, owned(two_images()), owned(new CBitmap("none"))));
+  EXPECT_EQ(pixel(80, 20), red);
+  other->popup();
+  EXPECT_EQ(pixel(80, 20), white);
+  window.answer_menu(-1);
+  EXPECT_EQ(pixel(80, 20), red);
+}
 
 TEST_F(OptionMenu, KeepsItsRowWhenAValueIsNone) {
   sounds->setValue(1);
@@ -93,7 +117,11 @@ TEST_F(OptionMenu, AsksForItsRowsAsTheyAre) {
 TEST_F(OptionMenu, ReportsAChoiceWhileItIsStillOpen) {
   bool was_open = false;
   listener.on_value = [&] { was_open = sounds->is_open(); };
-  desktop().menu_user = [](const auto&) { return 3; };
+  window.paint();
+  desktop().menu_user = [this](const auto&) {
+    EXPECT_FALSE(window.invalid_areas().empty());  // the open field shows while the user chooses
+    return 3;
+  };
   EXPECT_EQ(window.press(CPoint(20, 20)), kMouseDownEventHandledButDontNeedMovedOrUpEvents);
   EXPECT_EQ(listener.take(), (words{"begin", "frame begins 5", "value 3", "frame ends 5", "end"}));
   EXPECT_TRUE(was_open);
@@ -128,6 +156,8 @@ TEST_F(OptionMenu, ReportsNoValueWhenDismissed) {
 TEST_F(OptionMenu, FindsTheChosenRowAfterItsRowsHaveChanged) {
   sounds->popup();
   sounds->removeEntry(0);
+  sounds->removeEntry(0);
+  sounds->addEntry("first", 0);
   window.answer_menu(3);
   EXPECT_STREQ(sounds->getCurrent()->getTitle(), "three");
   EXPECT_EQ(sounds->getValue(), 2.F);

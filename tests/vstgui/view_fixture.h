@@ -53,26 +53,20 @@ class probe : public CView {
     note("down at " + std::to_string(static_cast<int>(where.x)));
     return answer;
   }
-  CMouseEventResult onMouseUp(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
-    note("up");
-    return kMouseEventHandled;
-  }
+  CMouseEventResult onMouseUp(CPoint& /*where*/, const CButtonState& /*buttons*/) override { return note("up"); }
   CMouseEventResult onMouseMoved(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
     note("moved");
     return moved_answer;
   }
   CMouseEventResult onMouseEntered(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
-    note("entered");
-    return kMouseEventHandled;
+    return note("entered");
   }
   CMouseEventResult onMouseExited(CPoint& /*where*/, const CButtonState& /*buttons*/) override {
-    note("exited");
-    return kMouseEventHandled;
+    return note("exited");
   }
   bool onWheel(const CPoint& /*where*/, const CMouseWheelAxis& /*axis*/, const float& /*distance*/,
                const CButtonState& /*buttons*/) override {
-    note("wheel");
-    return true;
+    return note("wheel") == kMouseEventHandled;
   }
   using CView::onWheel;
 
@@ -83,7 +77,10 @@ class probe : public CView {
   ~probe() override { note("deleted"); }
 
  private:
-  void note(const std::string& event) { journal_->push_back(name_ + " " + event); }
+  CMouseEventResult note(const std::string& event) {
+    journal_->push_back(name_ + " " + event);
+    return kMouseEventHandled;
+  }
 
   std::string name_;
   words* journal_;

@@ -1,5 +1,4 @@
 // MIT License. Tests of programs and state files, through kesrel-render.
-#include <algorithm>
 #include <cstdint>
 #include <sstream>
 

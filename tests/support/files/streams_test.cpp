@@ -100,8 +100,8 @@ TEST(ResourceFile, IsFoundByTypeAndNameAndReadOnly) {
   EXPECT_EQ(read(file, 8), "89");
   EXPECT_EQ(thrown<err::logic_error>([&] { read(file, 1); }), "resource_file::read() END OF FILE! cannot read more!");
   EXPECT_EQ(thrown<err::runtime_error>([&] { write(file, "x"); }), "resource_file::write() not supported!");
-  for (const auto& [type, name] : {std::pair("RAWDATA", "letters"), {"TEXT", "digits"}, {"RAWDATA", ""}}) {
-    EXPECT_EQ(thrown<err::runtime_error>([&] { resource_file(type, name); }),
+  for (const auto& names : {std::pair("RAWDATA", "letters"), {"TEXT", "digits"}, {"RAWDATA", ""}}) {
+    EXPECT_EQ(thrown<err::runtime_error>([&] { resource_file(names.first, names.second); }),
               "resource_file::open() cannot find a resource!");
   }
 }
@@ -112,11 +112,11 @@ TEST(ResourceFile, CannotSeekToItsEndAndHasZerosBeforeItsStart) {
   file.seek(-1, seek_origin::end);
   EXPECT_EQ(read(file, 1), "9");
   file.seek(4, seek_origin::start);
-  for (const auto& [offset, origin] : {std::pair{int64_t{10}, seek_origin::start},
-                                       {0, seek_origin::end},
-                                       {6, seek_origin::position},
-                                       {std::numeric_limits<int64_t>::max(), seek_origin::position}}) {
-    EXPECT_EQ(thrown<err::logic_error>([&, from = origin, by = offset] { file.seek(by, from); }),
+  for (const auto& place : {std::pair{int64_t{10}, seek_origin::start},
+                            {0, seek_origin::end},
+                            {6, seek_origin::position},
+                            {std::numeric_limits<int64_t>::max(), seek_origin::position}}) {
+    EXPECT_EQ(thrown<err::logic_error>([&] { file.seek(place.first, place.second); }),
               "resource_file::seek() Overflow Error!");
   }
   EXPECT_EQ(read(file, 1), "4");

@@ -12,44 +12,35 @@ using step = menu_list::step;
 
 constexpr menu_metrics metrics = {20, 8, 10};
 
-menu_item heading(const char* title) {
-  menu_item item = {title};
-  item.heading = true;
-  return item;
-}
-menu_item separator() {
-  menu_item item;
-  item.separator = true;
-  return item;
-}
-menu_item disabled(const char* title) {
-  menu_item item = {title};
-  item.enabled = false;
-  return item;
-}
-
-// 0 heading, 1 Alpha, 2 disabled, 3 Beta, 4 separator, 5 heading, 6 alto, 7 Bellow
 std::vector<menu_item> short_menu() {
-  return {heading("Ones"), {"Alpha"}, disabled("Bell"), {"Beta"}, separator(), heading("Twos"), {"alto"}, {"Bellow"}};
+  const auto item = [](const char* title, bool separator, bool heading, bool enabled) {
+    return menu_item{title, separator, heading, enabled, false};
+  };
+  return {item("Ones", false, true, true),
+          {"Alpha"},
+          item("Bell", false, false, false),
+          {"Beta"},
+          item("", true, false, true),
+          item("Twos", false, true, true),
+          {"alto"},
+          {"Bellow"}};
 }
 
-std::vector<menu_item> long_menu(int rows) {
-  std::vector<menu_item> items = {heading("All")};
-  while (static_cast<int>(items.size()) < rows) items.push_back({"Row"});
-  return items;
+// 66 rows below a heading, of which ten and two arrows are in view.
+menu_list long_menu(int32_t current) {
+  std::vector<menu_item> items(67, menu_item{"Row"});
+  items[0].heading = true;
+  menu_list list(items, metrics, current);
+  list.set_view_height(220);
+  return list;
 }
 
 TEST(MenuList, HasRowsOfTwoHeightsAndNoneOutside) {
   const menu_list list(short_menu(), metrics, -1);
   EXPECT_EQ(list.content_height(), 148);
-  EXPECT_EQ(list.row_at(0), 0);
-  EXPECT_EQ(list.row_at(19), 0);
-  EXPECT_EQ(list.row_at(20), 1);
-  EXPECT_EQ(list.row_at(87), 4);
-  EXPECT_EQ(list.row_at(88), 5);
-  EXPECT_EQ(list.row_at(147), 7);
-  EXPECT_EQ(list.row_at(148), -1);
-  EXPECT_EQ(list.row_at(-1), -1);
+  std::vector<int32_t> rows;
+  for (const int y : {-1, 0, 19, 20, 87, 88, 147, 148}) rows.push_back(list.row_at(y));
+  EXPECT_EQ(rows, (std::vector<int32_t>{-1, 0, 0, 1, 4, 5, 7, -1}));
 }
 
 TEST(MenuList, MovesTheHighlightOverWhatCanNotBeChosenAndStopsAtTheEnds) {
@@ -68,48 +59,38 @@ TEST(MenuList, MovesTheHighlightOverWhatCanNotBeChosenAndStopsAtTheEnds) {
 }
 
 TEST(MenuList, ScrollsSoThatTheHighlightIsSeen) {
-  menu_list list(long_menu(67), metrics, 30);
-  list.set_view_height(220);  // ten rows and two arrows
+  menu_list list = long_menu(30);
   const auto sees = [&](int32_t index) {
     for (const menu_list::row& row : list.visible_rows())
       if (row.index == index) return row.top >= 10 && row.top + row.height <= 210;
     return false;
   };
-  EXPECT_TRUE(list.has_arrows());
   EXPECT_TRUE(sees(30) && sees(27) && sees(33)) << "in the middle";
   list.move(step::page_down);
-  EXPECT_EQ(list.highlighted(), 39);
-  EXPECT_TRUE(sees(39) && sees(40));
-  list.move(step::page_up);
-  list.move(step::page_up);
-  EXPECT_EQ(list.highlighted(), 21);
-  EXPECT_TRUE(sees(21) && sees(20));
+  EXPECT_TRUE(list.highlighted() == 39 && sees(39) && sees(40));
+  for (int i = 0; i < 2; ++i) list.move(step::page_up);
+  EXPECT_TRUE(list.highlighted() == 21 && sees(21) && sees(20));
   list.move(step::last);
-  EXPECT_TRUE(sees(66));
-  EXPECT_FALSE(list.can_scroll_down());
-  EXPECT_FALSE(list.move(step::page_down));
+  EXPECT_TRUE(sees(66) && !list.can_scroll_down() && !list.move(step::page_down));
   list.move(step::first);
-  EXPECT_EQ(list.highlighted(), 1);
-  EXPECT_TRUE(sees(0)) << "the heading with it";
-  EXPECT_FALSE(list.can_scroll_up());
+  EXPECT_TRUE(list.highlighted() == 1 && sees(0) && !list.can_scroll_up()) << "the heading with it";
 }
 
 TEST(MenuList, ScrollsByRowsAndAtItsArrows) {
-  menu_list list(long_menu(67), metrics, -1);
-  list.set_view_height(220);
+  menu_list list = long_menu(-1);
+  // The direction at both arrows and in between, and the first and the last row.
+  const auto view = [&] {
+    std::vector<int32_t> seen;
+    for (const int y : {5, 100, 215}) seen.push_back(list.scroll_direction_at(y));
+    for (const int y : {9, 10, 209, 210}) seen.push_back(list.row_at(y));
+    return seen;
+  };
   EXPECT_FALSE(list.scroll_rows(-3));
-  EXPECT_EQ(list.scroll_direction_at(5), 0);
-  EXPECT_EQ(list.scroll_direction_at(215), 1);
+  EXPECT_EQ(view(), (std::vector<int32_t>{0, 0, 1, -1, 0, 9, -1}));
   EXPECT_TRUE(list.scroll_rows(3));
-  EXPECT_EQ(list.row_at(10), 3);
-  EXPECT_EQ(list.row_at(9), -1) << "an arrow";
-  EXPECT_EQ(list.row_at(209), 12);
-  EXPECT_EQ(list.row_at(210), -1);
-  EXPECT_EQ(list.scroll_direction_at(5), -1);
-  EXPECT_EQ(list.scroll_direction_at(100), 0);
+  EXPECT_EQ(view(), (std::vector<int32_t>{-1, 0, 1, -1, 3, 12, -1}));
   EXPECT_TRUE(list.scroll_rows(1000));
-  EXPECT_EQ(list.row_at(209), 66);
-  EXPECT_EQ(list.scroll_direction_at(215), 0);
+  EXPECT_EQ(view(), (std::vector<int32_t>{-1, 0, 0, -1, 57, 66, -1}));
 }
 
 TEST(MenuList, FindsTitlesThatAreTyped) {

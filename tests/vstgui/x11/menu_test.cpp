@@ -6,16 +6,7 @@
 namespace x11_tests {
 namespace {
 
-using namespace VSTGUI;
-
-// 67 rows as the product's menu has them: 0 is a heading, 1 "Sound 1" and so on, with "Miogua" at 40.
-std::vector<platform::menu_item> sixty_seven_rows() {
-  std::vector<platform::menu_item> items;
-  for (int i = 0; i < 67; ++i) items.push_back({i == 40 ? "Miogua" : "Sound " + std::to_string(i)});
-  items[0].heading = true;
-  items[20].separator = true;
-  return items;
-}
+using rows = std::vector<int32_t>;
 
 // The menu's field is at 10,10 to 150,30 of the window at 200,300 on the screen, so the menu starts at 210,330.
 class X11Menu : public testing::Test {
@@ -24,7 +15,7 @@ class X11Menu : public testing::Test {
   static constexpr int border = 5;
   static constexpr int arrow = 14;
 
-  X11Menu() { poll_all(*window_); }
+  X11Menu() { poll(*window_); }
 
   bool open(std::vector<platform::menu_item> items, int32_t current = -1) {
     chosen_.clear();
@@ -32,17 +23,23 @@ class X11Menu : public testing::Test {
     return window_->open_menu(request, [this](int32_t index) { chosen_.push_back(index); });
   }
   bool open_three() { return open({{"One"}, {"Two"}, {"Three"}}); }
-  void poll() { poll_all(*window_); }
-  bool is_open() const {
-    XSync(host_.display, False);
-    return host_.menu() != 0;
+  // As many as the product's menu has: "Sound 1" and so on, with "Miogua" at 40.
+  bool open_long(int32_t current) {
+    std::vector<platform::menu_item> items;
+    for (int i = 0; i < 67; ++i) items.push_back({i == 40 ? "Miogua" : "Sound " + std::to_string(i)});
+    items[20].separator = true;
+    return open(items, current);
   }
-  // Whether the arrow at `top` of the open menu shows that there is more.
+  // What was chosen, once the menu has heard all; it must be closed then.
+  rows answer() {
+    poll(*window_);
+    EXPECT_EQ(host_.menu() == 0, !chosen_.empty());
+    return chosen_;
+  }
+  // Whether the arrow at `top` of the menu shows that there is more.
   bool has_bright_arrow(int top) const {
-    XImage* const strip = XGetImage(host_.display, host_.menu(), 0, top, 140, arrow, AllPlanes, ZPixmap);
     bool bright = false;
-    for (int i = 0; i < 140 * arrow; ++i) bright |= (XGetPixel(strip, i % 140, i / 140) & 0xFF00) > 0xC000;
-    XDestroyImage(strip);
+    for (int y = top; y < top + arrow; ++y) bright |= (host_.pixel(host_.menu(), 70, y) & 0xFF00) > 0xA000;
     return bright;
   }
   // In the host's coordinates.
@@ -51,136 +48,109 @@ class X11Menu : public testing::Test {
   host host_;
   recorder frame_;
   std::unique_ptr<platform::window> window_ = host_.open(frame_);
-  std::vector<int32_t> chosen_;
+  rows chosen_;
 };
-
-using chosen = std::vector<int32_t>;
 
 TEST_F(X11Menu, GivesTheRowThatIsClicked) {
   ASSERT_TRUE(open_three());
-  EXPECT_FALSE(open_three()) << "one at a time";
+  EXPECT_FALSE(window_->open_menu({{{"Four"}}, CRect(), -1}, [](int32_t) {})) << "one at a time";
   const XWindowAttributes menu = host_.attributes(host_.menu());
-  EXPECT_EQ(CPoint(menu.x, menu.y), CPoint(210, 330));
-  EXPECT_EQ(CPoint(menu.width, menu.height), CPoint(140, 2 * border + 3 * row_height)) << "as wide as the field";
-  frame_.log.clear();
+  EXPECT_EQ(CRect(CPoint(menu.x, menu.y), CPoint(menu.width, menu.height)),
+            CRect(CPoint(210, 330), CPoint(140, 2 * border + 3 * row_height)))
+      << "as wide as the field";
   host_.click(50, middle_of(1));
-  EXPECT_EQ(chosen_, chosen{});
-  poll();
-  EXPECT_EQ(chosen_, chosen{1});
-  EXPECT_FALSE(is_open());
-  EXPECT_EQ(frame_.count("down"), 0) << "the frame below hears nothing";
+  EXPECT_EQ(chosen_, rows{}) << "until the host polls";
+  EXPECT_EQ(answer(), rows{1});
+  EXPECT_FALSE(frame_.has("down")) << "the frame below hears nothing";
 }
 
 TEST_F(X11Menu, GivesTheRowOnWhichThePressThatOpenedItIsReleased) {
   frame_.on_down = [this] { open_three(); };
   host_.move(20, 20);
   host_.press();
-  poll();
-  ASSERT_TRUE(is_open());
+  EXPECT_EQ(answer(), rows{});
   EXPECT_TRUE(frame_.has("cancelled")) << "the release is the menu's";
   host_.move(50, middle_of(2));
   host_.release();
-  poll();
-  EXPECT_EQ(chosen_, chosen{2});
+  EXPECT_EQ(answer(), rows{2});
 }
 
-TEST_F(X11Menu, StaysOpenAfterTheClickThatOpenedIt) {
+TEST_F(X11Menu, StaysOpenAfterTheClickThatOpenedItUntilTheNextOne) {
   frame_.on_down = [this] { open_three(); };
-  host_.click(20, 20);
-  poll();
-  poll();
-  EXPECT_TRUE(is_open());
-  EXPECT_EQ(chosen_, chosen{});
+  host_.move(20, 20);
+  host_.press();
+  EXPECT_EQ(answer(), rows{});
+  host_.move(60, 25);  // an unsteady hand
+  host_.release();
+  EXPECT_EQ(answer(), rows{});
   frame_.log.clear();
   host_.click(20, 20);
-  poll();
-  EXPECT_EQ(chosen_, chosen{-1});
-  poll();
-  EXPECT_FALSE(is_open()) << "a click on the field closes it, and doesn't open it again";
-  EXPECT_EQ(frame_.count("down") + frame_.count("up"), 0);
+  EXPECT_EQ(answer(), rows{-1});
+  EXPECT_FALSE(frame_.has("down") || frame_.has("up")) << "and doesn't open it again";
 }
 
 TEST_F(X11Menu, IsDismissedByEscapeAndByAPressOutside) {
   for (const bool by_key : {true, false}) {
     ASSERT_TRUE(open_three());
-    poll();
+    poll(*window_);
     by_key ? host_.type(XK_Escape) : host_.click(900, 600);
-    poll();
-    EXPECT_EQ(chosen_, chosen{-1});
-    EXPECT_FALSE(is_open());
+    EXPECT_EQ(answer(), rows{-1});
   }
 }
 
-TEST_F(X11Menu, IsSearchedByTyping) {
-  ASSERT_TRUE(open(sixty_seven_rows(), 5));
-  for (const KeySym key : {XK_m, XK_i, XK_o, XK_Return}) host_.type(key);
-  poll();
-  EXPECT_EQ(chosen_, chosen{40});
-  ASSERT_TRUE(open(sixty_seven_rows(), 19));
-  for (const KeySym key : {XK_Down, XK_KP_Enter}) host_.type(key);
-  poll();
-  EXPECT_EQ(chosen_, chosen{21}) << "past the separator";
+TEST_F(X11Menu, IsUsedByKeys) {
+  constexpr KeySym keys[] = {XK_m, XK_i, XK_o, XK_Return};
+  ASSERT_TRUE(open_long(5));
+  for (const KeySym key : keys) host_.type(key);
+  EXPECT_EQ(answer(), rows{40});
+  ASSERT_TRUE(open_long(19));
+  host_.type(XK_Down);
+  host_.type(XK_KP_Enter);
+  EXPECT_EQ(answer(), rows{21}) << "past the separator";
 }
 
 TEST_F(X11Menu, ScrollsByTheWheelAndAtItsEdge) {
-  ASSERT_TRUE(open(sixty_seven_rows()));
+  ASSERT_TRUE(open_long(-1));
   const XWindowAttributes menu = host_.attributes(host_.menu());
-  EXPECT_EQ(menu.y + menu.height, 1024) << "to the screen's edge";
-  host_.move(50, middle_of(2) + arrow);
+  ASSERT_EQ(menu.y + menu.height, 1024) << "to the screen's edge";
   for (int i = 0; i < 2; ++i) host_.click(50, middle_of(2) + arrow, 5);
   host_.click(50, middle_of(2) + arrow);
-  poll();
-  EXPECT_EQ(chosen_, chosen{8}) << "three rows a step";
+  EXPECT_EQ(answer(), rows{8}) << "three rows a step";
 
-  ASSERT_TRUE(open(sixty_seven_rows()));
-  poll();
-  EXPECT_TRUE(has_bright_arrow(menu.height - border - arrow));
+  ASSERT_TRUE(open_long(-1));
+  const int lower_arrow = menu.height - border - arrow;
   for (int i = 0; i < 10; ++i) host_.click(50, 100, 5);
-  host_.move(50, menu.y + menu.height - 300 - border - arrow / 2);
-  ASSERT_TRUE(poll_until(*window_, [&] { return !has_bright_arrow(menu.height - border - arrow); }));
-  host_.click(50, menu.y + menu.height - 300 - border - arrow - row_height / 2);
-  poll();
-  EXPECT_EQ(chosen_, chosen{66});
-}
-
-TEST_F(X11Menu, ClosesWithItsWindow) {
-  ASSERT_TRUE(open_three());
-  window_.reset();
-  EXPECT_FALSE(is_open());
-  EXPECT_EQ(chosen_, chosen{}) << "the frame is gone";
+  EXPECT_EQ(answer(), rows{});
+  EXPECT_TRUE(has_bright_arrow(lower_arrow));
+  host_.move(50, 30 + lower_arrow + arrow / 2);
+  ASSERT_TRUE(wait_until([&] { return window_->poll_events(), !has_bright_arrow(lower_arrow); }));
+  host_.click(50, 30 + lower_arrow - row_height / 2);
+  EXPECT_EQ(answer(), rows{66});
 }
 
 TEST_F(X11Menu, IsDismissedWhenTheHostLosesTheFocusOrTheWindow) {
   const host other;
-  const auto is_dismissed = [this](const std::function<void()>& event) {
-    EXPECT_TRUE(open_three());
-    poll();
-    EXPECT_EQ(chosen_, chosen{});
-    event();
-    XSync(host_.display, False);
-    poll();
-    return chosen_ == chosen{-1} && !is_open();
+  host_.sync(XSetInputFocus(host_.display, host_.window, RevertToParent, CurrentTime));
+  const std::function<void()> events[] = {
+      [&] { other.sync(XSetInputFocus(other.display, other.window, RevertToParent, CurrentTime)); },
+      [&] { host_.sync(XDestroyWindow(host_.display, host_.menu())); },
+      [&] { host_.sync(XUnmapWindow(host_.display, host_.window)); },
+      [&] { host_.sync(XDestroyWindow(host_.display, host_.window)); },
   };
-  XSetInputFocus(host_.display, host_.window, RevertToParent, CurrentTime);
-  XSync(host_.display, False);
-  EXPECT_TRUE(is_dismissed([&] {
-    XSetInputFocus(other.display, other.window, RevertToParent, CurrentTime);
-    XSync(other.display, False);
-  }));
-  EXPECT_TRUE(is_dismissed([this] { XUnmapWindow(host_.display, host_.window); }));
-  EXPECT_FALSE(open_three()) << "not visible";
-  XMapWindow(host_.display, host_.window);
-  XSync(host_.display, False);
-  EXPECT_TRUE(is_dismissed([this] { XDestroyWindow(host_.display, host_.menu()); }));
+  for (const auto& event : events) {
+    host_.sync(XMapWindow(host_.display, host_.window));
+    ASSERT_TRUE(open_three());
+    EXPECT_EQ(answer(), rows{});
+    event();
+    EXPECT_EQ(answer(), rows{-1});
+  }
 }
 
-TEST_F(X11Menu, IsDismissedWhenTheHostsWindowIsDestroyed) {
+TEST_F(X11Menu, EndsWithItsWindowWithoutAnAnswer) {
   ASSERT_TRUE(open_three());
-  XDestroyWindow(host_.display, host_.window);
-  XSync(host_.display, False);
-  poll();
-  EXPECT_EQ(chosen_, chosen{-1});
-  EXPECT_FALSE(is_open());
+  window_.reset();
+  EXPECT_EQ(host_.menu(), 0U);
+  EXPECT_EQ(chosen_, rows{});
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-// MIT License. A host's window, a user's hand and eye, and a frame that writes down what it is told.
+// MIT License. A host's window, a user's hand and eye, and a frame that writes down what it hears.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,33 +10,49 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
 namespace x11_tests {
 
-// Writes each event down as "down 10,20 2": name, point, and the mask of buttons.
-class recorder : public VSTGUI::platform::window_events {
+using namespace VSTGUI;
+
+// Notes each event as "down 10,20 2; ": a name, a point, and the mask of buttons.
+class recorder : public platform::window_events {
  public:
-  std::vector<std::string> log;
-  VSTGUI::CMouseEventResult down_result = VSTGUI::kMouseEventHandled;
+  std::string log;
   bool handles_keys = false;
-  VSTGUI::CColor colour = VSTGUI::kRedCColor;  // of all that is painted
+  CColor colour = kRedCColor;  // of all that is painted
   std::function<void()> on_down = [] {};
 
-  bool has(const std::string& line) const;
-  int count(const std::string& start) const;
+  bool has(const char* event) const { return log.find(event) != std::string::npos; }
+  void note(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-  void paint(VSTGUI::platform::painter& target, const VSTGUI::CRect& damaged) override;
-  VSTGUI::CMouseEventResult mouse_down(const VSTGUI::CPoint& where, const VSTGUI::CButtonState& buttons) override;
-  VSTGUI::CMouseEventResult mouse_moved(const VSTGUI::CPoint& where, const VSTGUI::CButtonState& buttons) override;
-  VSTGUI::CMouseEventResult mouse_up(const VSTGUI::CPoint& where, const VSTGUI::CButtonState& buttons) override;
-  void mouse_left() override { log.emplace_back("left"); }
-  void mouse_cancelled() override { log.emplace_back("cancelled"); }
-  bool mouse_wheel(const VSTGUI::CPoint& where, VSTGUI::CMouseWheelAxis axis, float distance,
-                   const VSTGUI::CButtonState& buttons) override;
-  bool key_down(VstKeyCode& key) override;
-  bool key_up(VstKeyCode& key) override;
-  void activated(bool active) override { log.emplace_back(active ? "active" : "inactive"); }
+  void paint(platform::painter& target, const CRect& damaged) override;
+  CMouseEventResult mouse_down(const CPoint& where, const CButtonState& buttons) override {
+    return on_down(), noted("down", where, buttons);
+  }
+  CMouseEventResult mouse_moved(const CPoint& where, const CButtonState& buttons) override {
+    return noted("moved", where, buttons);
+  }
+  CMouseEventResult mouse_up(const CPoint& where, const CButtonState& buttons) override {
+    return noted("up", where, buttons);
+  }
+  void mouse_left() override { note("left"); }
+  void mouse_cancelled() override { note("cancelled"); }
+  bool mouse_wheel(const CPoint& where, CMouseWheelAxis axis, float distance, const CButtonState&) override {
+    return note("wheel %g,%g %c%+g", where.x, where.y, "xy"[axis], static_cast<double>(distance)), true;
+  }
+  bool key_down(VstKeyCode& key) override {
+    return note("key %d %d %d", key.character, key.virt, key.modifier), handles_keys;
+  }
+  bool key_up(VstKeyCode& key) override { return note("key up %d", key.character), handles_keys; }
+  void activated(bool active) override { note(active ? "active" : "inactive"); }
+
+ private:
+  CMouseEventResult noted(const char* name, const CPoint& where, const CButtonState& buttons) {
+    return note("%s %g,%g %d", name, where.x, where.y, buttons()), kMouseEventHandled;
+  }
 };
 
 // A top-level window at 200,300 on a screen of the tests' server, of 400 x 200 pixels, visible.
@@ -51,28 +66,33 @@ class host {
   Display* display;
   Window window;
 
-  std::unique_ptr<VSTGUI::platform::window> open(recorder& frame, double scale = 1) const;
+  std::unique_ptr<platform::window> open(recorder& frame) const;  // 200 x 100
   std::vector<Window> children(Window of) const;
-  Window child() const;  // the only one
-  // The topmost other window on the screen that matches, 0 if there is none; menus don't have a window manager's frame.
+  Window child() const;  // the only one of `window`
+  // The topmost other window on the screen that matches; 0 if there is none.
   Window find_on_root(const std::function<bool(const XWindowAttributes&)>& matches) const;
   Window menu() const;
+  bool has_focus(Window of) const;
   XWindowAttributes attributes(Window of) const;
   unsigned long pixel(Window of, int x, int y) const;
-  bool got_key(int type, KeySym key) const;  // a key event of the host's own window; earlier ones are dropped
+  // Whether the host got this event of a key for its window; those before are dropped.
+  bool got_key(int type, KeySym key) const;
+  void send(Window to, const char* type, std::initializer_list<long> data) const;
+  void sync(int = 0) const { XSync(display, False); }
 
   // The user's hand, in the host's coordinates.
-  void move(int x, int y) const;
-  void press(unsigned button = 1) const;
-  void release(unsigned button = 1) const;
+  void move(int x, int y) const { sync(XTestFakeMotionEvent(display, -1, 200 + x, 300 + y, 0)); }
+  void press(unsigned button = 1) const { sync(XTestFakeButtonEvent(display, button, True, 0)); }
+  void release(unsigned button = 1) const { sync(XTestFakeButtonEvent(display, button, False, 0)); }
   void click(int x, int y, unsigned button = 1) const;
-  void type(KeySym key) const;
   void hold(KeySym key, bool down) const;
+  void type(KeySym key) const;
 };
 
-// Polls until the condition holds; false when it doesn't for ten seconds.
-bool poll_until(VSTGUI::platform::window& window, const std::function<bool()>& condition);
-// Handles all that the server has for the window by now.
-void poll_all(VSTGUI::platform::window& window);
+// Tries for ten seconds.
+bool wait_until(const std::function<bool()>& condition);
+
+// Handles all that the server has for the window by now, and what that brings about, such as a change of focus.
+void poll(platform::window& window);
 
 }  // namespace x11_tests
