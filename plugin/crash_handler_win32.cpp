@@ -10,8 +10,9 @@
 
 namespace {
 
-// The C library keeps one handler for the process, except for errors of the processor, where every thread has its own:
-// those of the thread that makes the effect are caught.
+// Each C library of a process has its own handlers, and this module's is the one that Windows comes with: a host with
+// another one keeps its handlers. Of errors of the processor, every thread has its own handler, so those of the thread
+// that makes the effect are caught.
 constexpr int crash_signals[] = {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM};
 static_assert(SIGABRT == 22 && SIGFPE == 8 && SIGILL == 4 && SIGSEGV == 11 && SIGTERM == 15);
 
