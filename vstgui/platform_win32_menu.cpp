@@ -1,6 +1,8 @@
 // MIT License.
 #include "vstgui/platform_win32_menu.h"
 
+#include <algorithm>
+
 #include "support/files/wide_text.h"
 
 namespace VSTGUI::platform {
@@ -26,6 +28,17 @@ UINT flags_of(const menu_item& item, bool is_current) {
   return flags;
 }
 
+// The most that a menu may take of the screen's height to stay clear of the field: it would open under the pointer, and
+// the release of the press that opened it would choose an item. 0, which is no limit, when there is too little room.
+UINT height_beside(const RECT& field) {
+  constexpr LONG least = 12;  // rows
+  MONITORINFO monitor = {};
+  monitor.cbSize = sizeof monitor;
+  if (!GetMonitorInfoW(MonitorFromRect(&field, MONITOR_DEFAULTTONEAREST), &monitor)) return 0;
+  const LONG room = std::max(monitor.rcWork.bottom - field.bottom, field.top - monitor.rcWork.top);
+  return room < least * GetSystemMetrics(SM_CYMENU) ? 0 : static_cast<UINT>(room);
+}
+
 }  // namespace
 
 int32_t show_menu(HWND owner, const RECT& field, const menu_request& request) {
@@ -36,6 +49,11 @@ int32_t show_menu(HWND owner, const RECT& field, const menu_request& request) {
     const bool is_current = static_cast<int32_t>(command) == request.current;
     AppendMenuW(menu, flags_of(item, is_current), ++command, shown_title(item.title).c_str());
   }
+  MENUINFO limits = {};
+  limits.cbSize = sizeof limits;
+  limits.fMask = MIM_MAXHEIGHT;
+  limits.cyMax = height_beside(field);
+  SetMenuInfo(menu, &limits);
   TPMPARAMS avoided = {sizeof avoided, field};
   const BOOL chosen = TrackPopupMenuEx(menu, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_VERTICAL | TPM_RETURNCMD | TPM_NONOTIFY,
                                        field.left, field.bottom, owner, &avoided);
