@@ -71,6 +71,47 @@ function(kesrel_tests name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300)
 endfunction()
 
+# kesrel_resources(NAME FUNCTION TYPE FILES ...)
+#   Makes FILES resources of every program and module that links the library NAME: on Windows in its resource data, where
+#   the system finds them, elsewhere as registered bytes. Each has its file's name. The library has the function that is
+#   declared by `void FUNCTION();` and that makes them known.
+function(kesrel_resources name function type)
+  cmake_parse_arguments(PARSE_ARGV 3 arg "" "" "FILES")
+  set(registration ${CMAKE_CURRENT_BINARY_DIR}/${function}.cpp)
+  kesrel_library(${name} SOURCES ${registration} LINKS kesrel_support)
+  set(notice "// Generated from a list of files; not to be edited.\n")
+  set(declarations "")
+  set(entries "")
+  set(script "#pragma code_page(65001)\n")
+  foreach(file IN LISTS arg_FILES)
+    get_filename_component(resource ${file} NAME)
+    string(MAKE_C_IDENTIFIER ${resource} symbol)
+    if(WIN32)
+      # The neutral language, each time: texts that follow one another would become one.
+      string(APPEND script "LANGUAGE 0, 0\n\"${resource}\" ${type} \"${file}\"\n")
+    else()
+      kesrel_embed(${name} ${symbol} ${file})
+      string(APPEND declarations "extern const signed char ${symbol}[];\nextern const unsigned int ${symbol}_size;\n")
+      string(APPEND entries "  files::add_embedded_resource({\"${type}\", \"${resource}\", ${symbol}, ${symbol}_size});\n")
+    endif()
+  endforeach()
+  if(WIN32)
+    # In a library of its own: of a static one the linker would take only what is called.
+    file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${function}.rc CONTENT "${notice}${script}")
+    add_library(${name}_data OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${function}.rc)
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${function}.rc PROPERTIES OBJECT_DEPENDS "${arg_FILES}")
+    target_sources(${name} INTERFACE $<TARGET_OBJECTS:${name}_data>)
+  endif()
+  file(CONFIGURE OUTPUT ${registration} CONTENT
+"${notice}#include \"support/files/embedded_resources.h\"
+
+${declarations}
+void ${function}();
+void ${function}() {
+${entries}}
+")
+endfunction()
+
 # kesrel_embed(TARGET SYMBOL FILE)
 #   Makes the bytes of FILE part of TARGET, as declared by
 #     extern const signed char SYMBOL[]; extern const unsigned int SYMBOL_size;

@@ -1,7 +1,6 @@
 // MIT License. Conversion of floating-point numbers to integers defined for every input.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -9,8 +8,10 @@
 //   returns  INT32_MIN for NaN and for values whose integer part is outside int32, as the processor's conversion
 //            does; a bare cast would be undefined there
 constexpr int32_t truncate_to_int32(float value) {
-  return std::fabs(value) < 0x1p31F ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
+  const bool fits = value > -0x1p31F && value < 0x1p31F;
+  return fits ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
 }
 constexpr int32_t truncate_to_int32(double value) {
-  return std::fabs(value) < 0x1p31 ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
+  const bool fits = value > -0x1p31 && value < 0x1p31;
+  return fits ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
 }

@@ -5,7 +5,8 @@
 
 // State of the calling thread's generator. It starts at 1 and nothing seeds it, so that a render can be repeated.
 // The initial-exec model keeps its four bytes in the thread's own block: the general model may call the heap at a
-// thread's first access from a loaded module, which would be on the audio path.
+// thread's first access from a loaded module, which would be on the audio path. The Windows compiler ignores it and
+// does call the heap at a thread's first draw.
 [[gnu::tls_model("initial-exec")]] inline constinit thread_local uint32_t noise_state = 1;
 
 // Next pseudo-random number of the calling thread, 0 to 32767.

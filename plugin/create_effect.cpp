@@ -2,6 +2,7 @@
 #include "plugin/create_effect.h"
 
 #include "plugin/activation_gate.h"
+#include "plugin/component_library.h"
 #include "plugin/crash_handler.h"
 #include "plugin/effect.h"
 
@@ -10,6 +11,7 @@ namespace {
 AudioEffect* construct_effect(audioMasterCallback host) {
   static const built_in_activation_gate gate;
   try {
+    start_component_library();
     install_crash_handler();
     return new KesrelVocoder4TarvixEffect(host, gate);
   } catch (...) {

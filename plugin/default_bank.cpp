@@ -1,11 +1,7 @@
 // MIT License.
 #include "plugin/default_bank.h"
 
-#include "support/files/embedded_resources.h"
 #include "support/files/resource_file.h"
-
-extern const signed char default_bank_bytes[];
-extern const unsigned int default_bank_bytes_size;
 
 namespace {
 
@@ -28,7 +24,7 @@ memory::data_reference read_whole(files::file* file) {
 }  // namespace
 
 memory::data_reference read_default_bank() {
-  files::add_embedded_resource({type, name, default_bank_bytes, default_bank_bytes_size});
+  register_default_bank();
   files::resource_file file(type, name);
   return read_whole(&file);
 }

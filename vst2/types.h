@@ -24,8 +24,8 @@ using VstIntPtr = intptr_t;
 
 // Four characters as one number, the first in the highest byte.
 constexpr VstInt32 CCONST(char a, char b, char c, char d) {
-  constexpr auto byte = [](char character) { return uint32_t{static_cast<unsigned char>(character)}; };
-  return static_cast<VstInt32>(byte(a) << 24 | byte(b) << 16 | byte(c) << 8 | byte(d));
+  constexpr auto number = [](char character) { return uint32_t{static_cast<unsigned char>(character)}; };
+  return static_cast<VstInt32>(number(a) << 24 | number(b) << 16 | number(c) << 8 | number(d));
 }
 
 constexpr VstInt32 kVstVersion = 2400;

@@ -1,7 +1,8 @@
 // MIT License. What the view layer needs of a window system: windows, painting, pictures, fonts, menus, a message box.
 //
-// Linux has its implementation in platform_x11*.cpp and platform_cairo*.cpp. Tests link a window in memory,
-// platform_offscreen.cpp, in place of the one on the screen. All calls come from the user-interface thread.
+// Linux has its implementation in platform_x11*.cpp and platform_cairo*.cpp, Windows in platform_win32*.cpp and
+// platform_gdiplus*.cpp. Tests link a window in memory, platform_offscreen.cpp, in place of the one on the screen. All
+// calls come from the user-interface thread.
 //
 // Coordinates are those of the frame, at a scale of 1; a window at another scale converts them at its border.
 #pragma once
@@ -141,7 +142,8 @@ class window {
 std::unique_ptr<window> open_window(void* parent, const CPoint& size, double scale, window_events& events);
 
 // Shows a text with an OK button and an information icon, and returns when the user has closed it; at once when there
-// is no display. `text` has lines that end in CR LF, and tabs. `scale` is as of a window.
+// is no display. `text` has lines that end in CR LF, and tabs. `scale` is as of a window. Not on Windows, which has a
+// message box of its own.
 void show_message(const std::string& title, const std::string& text, double scale = 1);
 
 // Milliseconds since some moment in the past; they wrap.

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "support/files/embedded_resources.h"
+#include "vstgui/platform_surface.h"
 
 namespace VSTGUI::platform {
 
@@ -39,11 +40,6 @@ cairo_owner<cairo_surface_t> read_png(const std::string& resource_name) {
   cairo_owner<cairo_surface_t> surface(cairo_image_surface_create_from_png_stream(read_bytes, &unread));
   if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
   return surface;
-}
-
-std::string name_at_double_size(const std::string& name) {
-  const size_t dot = std::min(name.rfind('.'), name.size());
-  return name.substr(0, dot) + "@2x" + name.substr(dot);
 }
 
 class cairo_picture : public image {
@@ -159,20 +155,6 @@ class cairo_font : public font {
 
 // ---- Painting ----
 
-struct pixel_rect {
-  double left;
-  double top;
-  double width;
-  double height;
-};
-
-// Edges rounded to pixels: rectangles that meet before still meet.
-pixel_rect snapped(const CRect& area, double scale) {
-  const double left = std::round(area.left * scale);
-  const double top = std::round(area.top * scale);
-  return {left, top, std::round(area.right * scale) - left, std::round(area.bottom * scale) - top};
-}
-
 class cairo_painter : public painter {
  public:
   cairo_painter(cairo_surface_t* surface, double scale) : context_(cairo_create(surface)), scale_(scale) {}
@@ -190,7 +172,7 @@ class cairo_painter : public painter {
     part.bound(CRect(CPoint(), picture.size()));
     if (part.isEmpty()) return;
     const pixel_rect pixels = snapped(CRect(part).offset(target.getTopLeft() - source), scale_);
-    if (pixels.width <= 0 || pixels.height <= 0) return;
+    if (pixels.is_empty()) return;
 
     double per_unit = 1;
     cairo_surface_t* const whole = static_cast<const cairo_picture&>(picture).pixels_for(scale_, &per_unit);
@@ -203,7 +185,7 @@ class cairo_painter : public painter {
     const bool unscaled = pixels.width == cut.width && pixels.height == cut.height;
     cairo_pattern_set_filter(pattern.get(), unscaled ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_GOOD);
     cairo_matrix_t to_pattern;
-    cairo_matrix_init_scale(&to_pattern, cut.width / pixels.width, cut.height / pixels.height);
+    cairo_matrix_init_scale(&to_pattern, 1.0 * cut.width / pixels.width, 1.0 * cut.height / pixels.height);
     cairo_matrix_translate(&to_pattern, -pixels.left, -pixels.top);
     cairo_pattern_set_matrix(pattern.get(), &to_pattern);
 
@@ -223,7 +205,8 @@ class cairo_painter : public painter {
   void stroke_rect(const CRect& area, const CColor& colour, CCoord width) override {
     const pixel_rect outside = snapped(area, scale_);
     const double line = std::max(1.0, std::round(width * scale_));
-    add_rectangle({outside.left + line / 2, outside.top + line / 2, outside.width - line, outside.height - line});
+    cairo_rectangle(context(), outside.left + line / 2, outside.top + line / 2, outside.width - line,
+                    outside.height - line);
     stroke(colour, line);
   }
 
@@ -293,6 +276,30 @@ class cairo_painter : public painter {
   double scale_;
 };
 
+class cairo_memory_surface : public memory_surface {
+ public:
+  cairo_memory_surface(const CPoint& size, double scale) : surface_(make_surface(size, scale)), scale_(scale) {}
+
+  std::unique_ptr<painter> make_painter() override { return platform::make_painter(surface_.get(), scale_); }
+
+  std::vector<uint32_t> pixels(const CRect& area) const override {
+    cairo_surface_flush(surface_.get());
+    const cairo_rectangle_int_t part = pixels_of(area, scale_, surface_.get());
+    const unsigned char* const data = cairo_image_surface_get_data(surface_.get());
+    const int stride = cairo_image_surface_get_stride(surface_.get());
+    std::vector<uint32_t> result;
+    for (int y = part.y; y < part.y + part.height; ++y) {
+      const auto* const row = reinterpret_cast<const uint32_t*>(data + ptrdiff_t{y} * stride);
+      result.insert(result.end(), row + part.x, row + part.x + part.width);
+    }
+    return result;
+  }
+
+ private:
+  cairo_owner<cairo_surface_t> surface_;
+  double scale_;
+};
+
 }  // namespace
 
 std::shared_ptr<const image> load_image(const char* resource_name) {
@@ -308,20 +315,21 @@ std::shared_ptr<const font> make_font(const std::string& name, CCoord size, int3
 
 cairo_owner<cairo_surface_t> make_surface(const CPoint& size, double scale) {
   const pixel_rect pixels = snapped(CRect(CPoint(), size), scale);
-  return cairo_owner<cairo_surface_t>(
-      cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(pixels.width), static_cast<int>(pixels.height)));
+  return cairo_owner<cairo_surface_t>(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.width, pixels.height));
 }
 
 cairo_rectangle_int_t pixels_of(const CRect& area, double scale, cairo_surface_t* surface) {
-  CRect touched(std::floor(area.left * scale), std::floor(area.top * scale), std::ceil(area.right * scale),
-                std::ceil(area.bottom * scale));
-  touched.bound(CRect(0, 0, cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)));
-  return {static_cast<int>(touched.left), static_cast<int>(touched.top), static_cast<int>(touched.getWidth()),
-          static_cast<int>(touched.getHeight())};
+  const pixel_rect pixels =
+      touched(area, scale, cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface));
+  return {pixels.left, pixels.top, pixels.width, pixels.height};
 }
 
 std::unique_ptr<painter> make_painter(cairo_surface_t* surface, double scale) {
   return std::make_unique<cairo_painter>(surface, scale);
+}
+
+std::unique_ptr<memory_surface> make_memory_surface(const CPoint& size, double scale) {
+  return std::make_unique<cairo_memory_surface>(size, scale);
 }
 
 }  // namespace VSTGUI::platform

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "vstgui/platform_cairo.h"
+#include "vstgui/platform_surface.h"
 
 namespace VSTGUI::platform {
 
@@ -14,7 +14,7 @@ struct window_state {
   window_events* events;  // null once the window is closed
   CPoint size;
   double scale;
-  cairo_owner<cairo_surface_t> surface;
+  std::unique_ptr<memory_surface> surface;
   CCursorType cursor = kCursorDefault;
   CPoint pointer;
   int32_t held = 0;  // buttons
@@ -27,7 +27,7 @@ struct window_state {
 
   CRect area() const { return {CPoint(), size}; }
   void remake_surface() {
-    surface = make_surface(size, scale);
+    surface = make_memory_surface(size, scale);
     invalid = {area()};
   }
 };
@@ -174,23 +174,13 @@ void shown_window::paint() {
   if (!is_open() || state_->invalid.empty()) return;
   CRect damaged = state_->invalid.front();
   for (const CRect& area : std::exchange(state_->invalid, {})) damaged.unite(area);
-  const auto painter = make_painter(state_->surface.get(), state_->scale);
+  const auto painter = state_->surface->make_painter();
   painter->set_clip(damaged);
   state_->events->paint(*painter, damaged);
 }
 
 std::vector<uint32_t> shown_window::pixels(const CRect& area) const {
-  cairo_surface_t* const surface = state_->surface.get();
-  cairo_surface_flush(surface);
-  const cairo_rectangle_int_t part = pixels_of(area, state_->scale, surface);
-  const unsigned char* const data = cairo_image_surface_get_data(surface);
-  const int stride = cairo_image_surface_get_stride(surface);
-  std::vector<uint32_t> result;
-  for (int y = part.y; y < part.y + part.height; ++y) {
-    const auto* const row = reinterpret_cast<const uint32_t*>(data + ptrdiff_t{y} * stride);
-    result.insert(result.end(), row + part.x, row + part.x + part.width);
-  }
-  return result;
+  return state_->surface->pixels(area);
 }
 
 const menu_request* shown_window::menu() const {

@@ -1,8 +1,7 @@
 // MIT License. Orderly termination when a signal asks for it.
 #pragma once
 
-#include <signal.h>
-
+#include <memory>
 #include <stdexcept>
 
 struct interrupted : std::runtime_error {
@@ -13,6 +12,7 @@ struct interrupted : std::runtime_error {
 // Blocks the signals that ask a program to end (SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU) during its lifetime. Its
 // destructor replaces whatever handlers were installed meanwhile by one that only records the signal. A signal that was
 // ignored before, as under nohup, stays ignored. The effect is created under a guard, as it installs its own handlers.
+// On Windows SIGINT stands for Ctrl+C, and SIGTERM for the end of the console or the session.
 class interruption_guard {
  public:
   interruption_guard();
@@ -21,8 +21,8 @@ class interruption_guard {
   interruption_guard& operator=(const interruption_guard&) = delete;
 
  private:
-  sigset_t former_mask_{};
-  sigset_t ignored_{};
+  struct masks;
+  std::unique_ptr<masks> masks_;
 };
 
 // Makes a write beyond the limit on file sizes fail, as on a full disk, instead of ending the process.

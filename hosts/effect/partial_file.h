@@ -38,3 +38,7 @@ class partial_file {
 //   what, other_what   how the message names them
 void check_target(const std::string& what, const std::string& path, const std::string& other_what,
                   const std::string& other);
+
+// The path that the symbolic links at `path` lead to, whether or not a file exists there. A cycle of links is returned
+// as a link.
+std::filesystem::path end_of_links(std::filesystem::path path);

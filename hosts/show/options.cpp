@@ -19,8 +19,9 @@ The options on the effect's state are carried out in this order, whatever order 
 --sound. Without any of them the effect's first program is in use. --sound alone makes a fresh program: keys 12,16,19
 and all switches off. --save-state writes the state that the window leaves behind.
 
-The window needs an X server. The module takes its scale from the variable KESREL_SCALE, which --scale sets. Without
---scale the variable stays as it is; if it isn't set, the display's Xft.dpi counts, where 96 is a scale of 1.
+On Linux the window needs an X server. On Windows there is neither voice nor sound. The module takes its scale from the
+variable KESREL_SCALE, which --scale sets. Without --scale the variable stays as it is; if it isn't set, the display's
+scale counts, on Linux its Xft.dpi, where 96 is a scale of 1.
 
 --screenshot waits until the window's picture no longer changes, writes it and leaves; the window has to fit on the
 screen.
@@ -50,7 +51,7 @@ void declare(CLI::App* app, show_options* options) {
   app->set_version_flag("--version", "kesrel-show " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
   app->footer(help_footer);
-  app->add_option("--plugin", options->plugin, "The module to load, default KesrelVocoder4ME.so beside this program")
+  app->add_option("--plugin", options->plugin, "The module to load, default the one beside this program")
       ->type_name("PATH");
   app->add_option("--voice", options->voice, "Sound file to play through the effect, default a spoken sentence")
       ->type_name("FILE");

@@ -1,9 +1,7 @@
 // MIT License. Tests of the window: what a user's hand does to the effect, and what the window shows of it.
-#include <cairo.h>
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <thread>
@@ -13,7 +11,9 @@
 #include "plugin/effect.h"
 #include "tests/plugin/own_log.h"
 #include "tests/plugin/test_host.h"
+#include "tests/words/environment.h"
 #include "vstgui/platform_offscreen.h"
+#include "vstgui/platform_surface.h"
 
 namespace {
 
@@ -235,42 +235,26 @@ TEST_F(ClosedWindow, OpensWithTheEffectsStateAndDropsSignalsWhileItIsClosed) {
 
 // Each of the keyboard's keys, the octave switch and the X button shows its part of its bitmap over the background.
 TEST_F(Window, DrawsThePartsOfItsBitmaps) {
-  const auto load = [](const char* name) {
-    using surface = std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)>;
-    return surface(cairo_image_surface_create_from_png((std::string(KESREL_ARTWORK) + name).c_str()),
-                   cairo_surface_destroy);
-  };
-  const auto expected = load("quo_kv4_ME_BG.png");
-  const auto paste = [&](cairo_surface_t* source, const CRect& from, double x, double y) {
-    cairo_t* const context = cairo_create(expected.get());
-    cairo_set_source_surface(context, source, x - from.left, y - from.top);
-    cairo_rectangle(context, x, y, from.getWidth(), from.getHeight());
-    cairo_fill(context);
-    cairo_destroy(context);
+  const auto expected = VSTGUI::platform::make_memory_surface(CPoint(575, 250), 1);
+  const auto painter = expected->make_painter();
+  const auto paste = [&](const char* name, const CRect& from, double x, double y) {
+    const auto picture = VSTGUI::platform::load_image(name);
+    painter->draw_image(*picture, CRect(CPoint(x, y), from.getSize()), from.getTopLeft(), 1.0F);
   };
   effect.setParameter(parameter_octave_on, 1.0F);
   open_with({0, 1, 16, 35});
-  const auto keys = load("keyboard_keys_new.png");
-  const CRect c(3, 3, 30, 84);
-  const CRect black(242, 3, 264, 53);
-  const CRect e(71, 3, 99, 84);
-  const CRect b(208, 3, 236, 84);
+  paste("quo_kv4_ME_BG.png", CRect(0, 0, 575, 250), 0, 0);
+  const char* const keys = "keyboard_keys_new.png";
   // The keys around them are unlit, and what is drawn for those is the background's own look.
-  paste(keys.get(), c, 22, 133);
-  paste(keys.get(), black, 22 + 15, 133);
-  paste(keys.get(), e, 22 + 176 + 50, 133);
-  paste(keys.get(), b, 22 + 352 + 151, 133);
-  paste(load("KVME_+12_Button.png").get(), CRect(0, 17, 24, 34), 525, 118);
-  paste(load("KV4_MM_X_Button.png").get(), CRect(0, 0, 18, 17), 23, 115);
-
-  cairo_surface_flush(expected.get());
-  const auto* const bytes = cairo_image_surface_get_data(expected.get());
+  paste(keys, CRect(3, 3, 30, 84), 22, 133);
+  paste(keys, CRect(242, 3, 264, 53), 22 + 15, 133);
+  paste(keys, CRect(71, 3, 99, 84), 22 + 176 + 50, 133);
+  paste(keys, CRect(208, 3, 236, 84), 22 + 352 + 151, 133);
+  paste("KVME_+12_Button.png", CRect(0, 17, 24, 34), 525, 118);
+  paste("KV4_MM_X_Button.png", CRect(0, 0, 18, 17), 23, 115);
   for (int y = 110; y < 214; ++y) {
-    const auto* const row =
-        reinterpret_cast<const uint32_t*>(bytes + y * cairo_image_surface_get_stride(expected.get()));
-    std::vector<uint32_t> line(row + 22, row + 553);
-    for (uint32_t& pixel : line) pixel |= 0xFF000000U;
-    ASSERT_EQ(pixels(CRect(22, y, 553, y + 1)), line) << "row " << y;
+    const CRect row(22, y, 553, y + 1);
+    ASSERT_EQ(pixels(row), expected->pixels(row)) << "row " << y;
   }
 }
 
@@ -292,7 +276,7 @@ TEST_F(ClosedWindow, IsAsLargeAsTheScaleMakesItAndFindsItsControls) {
   } const scales[] = {{"1", 575, 250},   {"1.25", 719, 313}, {"2", 1150, 500},  {"3", 1725, 750}, {"9", 1725, 750},
                       {"1.3", 719, 313}, {"0.5", 575, 250},  {"two", 575, 250}, {"", 575, 250}};
   for (const auto& [variable, width, height] : scales) {
-    setenv("KESREL_SCALE", variable, 1);
+    set_variable("KESREL_SCALE", variable);
     KesrelVocoder4TarvixEffect scaled(&test_host::callback, gate);
     scaled.vendorSpecific(handshake_id, 1, nullptr, 0.0F);
     AEffect* const record = scaled.getAeffect();
@@ -308,7 +292,7 @@ TEST_F(ClosedWindow, IsAsLargeAsTheScaleMakesItAndFindsItsControls) {
     scaled.getPendingKeys(none);
     EXPECT_EQ(none[22], 1) << variable;
   }
-  unsetenv("KESREL_SCALE");
+  set_variable("KESREL_SCALE", "");
 }
 
 // For the thread sanitizer: signals from host threads, while the window opens, idles and closes on its own.

@@ -1,31 +1,17 @@
 // MIT License. A host that does one harmful thing to itself while it has an effect loaded, for tests that watch how it
 // ends.
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <climits>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <thread>
-#include <utility>
 
+#include "tests/plugin/hostile_deeds.h"
 #include "tests/plugin/test_host.h"
-
-// The crash handler exits from within a signal, which the thread sanitizer would report.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {  // NOLINT
-  return "report_signal_unsafe=0";
-}
-// A host that crashes frees nothing.
-extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {  // NOLINT
-  return "detect_leaks=0";
-}
+#include "tests/words/data_home.h"
+#include "tests/words/loaded_module.h"
 
 namespace {
 
@@ -36,29 +22,29 @@ test_host& host() {
 
 VSTPluginMainProc entry = nullptr;
 
+}  // namespace
+
 AEffect* load() {
   host();
   return entry(&test_host::callback);
 }
+
+namespace {
 
 void shake_hands(AEffect* effect) {
   call(effect, effVendorSpecific, handshake_id, 1);
 }
 
 [[noreturn]] void wait_for_the_end() {
-  for (;;) pause();
+  for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
 }
 
-// The heap notices while it holds its lock. A second thread makes it use that lock.
-[[noreturn]] void free_twice() {
+// Its number is the exit status.
+template <int signal_number>
+[[noreturn]] void raise_signal() {
   load();
-  std::thread(wait_for_the_end).detach();
-  void* volatile large = std::malloc(5000);
-  void* volatile next = std::malloc(5000);
-  std::free(large);
-  std::free(large);
-  std::free(next);
-  std::abort();  // for a sanitizer's heap that doesn't mind
+  std::raise(signal_number);
+  wait_for_the_end();
 }
 
 // Terminated once, or once more while its exit routine hangs.
@@ -68,26 +54,11 @@ void shake_hands(AEffect* effect) {
   if (terminated_twice) {
     std::thread([] {
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
-      kill(getpid(), SIGTERM);
+      terminate_this_process();
     }).detach();
   }
   std::raise(SIGTERM);
   wait_for_the_end();
-}
-
-// NOLINTNEXTLINE(misc-no-recursion)
-[[gnu::noinline]] int sink(int floor) {
-  volatile char frame[4096];
-  frame[0] = static_cast<char>(floor);
-  return floor == INT_MIN ? 0 : sink(floor - 1) + frame[0];
-}
-
-[[noreturn]] void overflow_the_stack() {
-  static std::array<char, 16384> alternate;
-  const stack_t stack{.ss_sp = alternate.data(), .ss_flags = 0, .ss_size = alternate.size()};
-  sigaltstack(&stack, nullptr);
-  load();
-  std::exit(sink(0));
 }
 
 [[noreturn]] void be_terminated_while_threads_allocate() {
@@ -101,15 +72,8 @@ void shake_hands(AEffect* effect) {
     }).detach();
   }
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  kill(getpid(), SIGTERM);
+  terminate_this_process();
   wait_for_the_end();
-}
-
-// 10 when an effect came, 11 when none did.
-[[noreturn]] void run_out_of_descriptors() {
-  while (open("/dev/null", O_RDONLY) >= 0) {
-  }
-  std::_Exit(load() != nullptr ? 10 : 11);
 }
 
 AEffect* late_effect = nullptr;
@@ -142,28 +106,34 @@ void play_while_the_process_exits() {
   while (blocks < 3) std::this_thread::yield();
 }
 
+constexpr hostile_deed deeds_of_every_system[] = {
+    {"raise-abort", raise_signal<SIGABRT>},
+    {"raise-float", raise_signal<SIGFPE>},
+    {"raise-illegal", raise_signal<SIGILL>},
+    {"raise-segment", raise_signal<SIGSEGV>},
+    {"raise-terminate", raise_signal<SIGTERM>},
+    {"hang", [] { hang_in_the_exit_routine(false); }},
+    {"hang-and-terminate", [] { hang_in_the_exit_routine(true); }},
+    {"terminate", be_terminated_while_threads_allocate},
+    {"late", [] { late_effect = load(); }},
+    {"play-on", play_while_the_process_exits},
+};
+
 }  // namespace
 
+// Arguments: the module, the deed, and, unless the environment names it, the folder of application data.
 int main(int count, char** arguments) {
-  const std::pair<std::string_view, void (*)()> deeds[] = {
-      {"free-twice", free_twice},
-      {"hang", [] { hang_in_the_exit_routine(false); }},
-      {"hang-and-terminate", [] { hang_in_the_exit_routine(true); }},
-      {"overflow", overflow_the_stack},
-      {"terminate", be_terminated_while_threads_allocate},
-      {"no-descriptors", run_out_of_descriptors},
-      {"late", [] { late_effect = load(); }},
-      {"play-on", play_while_the_process_exits},
-  };
-  const std::string_view wanted = count == 3 ? arguments[2] : "";
+  if (count < 3) return 1;
+  const std::string_view wanted = arguments[2];
+  if (count > 3) set_data_home(arguments[3]);
   if (wanted == "late") std::atexit(use_the_effect_at_the_end);
-  void* const module = count == 3 ? dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
-  if (module == nullptr) return 1;
-  entry = reinterpret_cast<VSTPluginMainProc>(dlsym(module, "VSTPluginMain"));
-  constexpr rlimit no_core{0, 0};
-  setrlimit(RLIMIT_CORE, &no_core);
-  for (const auto& [name, deed] : deeds) {
-    if (name == wanted) deed();
+  const auto* const module = new loaded_module(arguments[1]);
+  entry = reinterpret_cast<VSTPluginMainProc>(module->symbol("VSTPluginMain"));
+  for (const auto& [name, do_it] : deeds_of_every_system) {
+    if (name == wanted) do_it();
+  }
+  for (const auto& [name, do_it] : deeds_of_this_system()) {
+    if (name == wanted) do_it();
   }
   return 14;
 }

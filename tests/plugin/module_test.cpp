@@ -1,19 +1,12 @@
 // MIT License. Tests of the built module through its exported function, as a host sees it.
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <cstring>
 #include <memory>
 #include <sstream>
 
-#include "tests/plugin/own_log.h"
 #include "tests/plugin/test_host.h"
-
-// The crash handler logs and exits from within a signal, which the thread sanitizer would report.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {  // NOLINT
-  return "report_signal_unsafe=0";
-}
+#include "tests/words/loaded_module.h"
 
 namespace {
 
@@ -25,21 +18,13 @@ using effect_ptr = std::unique_ptr<AEffect, effect_ender>;
 // The module, opened for each test.
 class Module : public testing::Test {
  protected:
-  struct closer {
-    void operator()(void* handle) const { dlclose(handle); }
-  };
-  void SetUp() override {
-    handle_.reset(dlopen(KESREL_MODULE_PATH, RTLD_NOW | RTLD_LOCAL));
-    ASSERT_NE(handle_, nullptr) << dlerror();
-    entry_ = reinterpret_cast<VSTPluginMainProc>(symbol("VSTPluginMain"));
-    ASSERT_NE(entry_, nullptr);
-  }
+  void SetUp() override { ASSERT_NE(entry_, nullptr); }
 
-  void* symbol(const char* name) const { return dlsym(handle_.get(), name); }
+  void* symbol(const char* name) const { return module_.symbol(name); }
   effect_ptr load(audioMasterCallback host = &test_host::callback) const { return effect_ptr(entry_(host)); }
 
-  std::unique_ptr<void, closer> handle_;
-  VSTPluginMainProc entry_ = nullptr;
+  const loaded_module module_{KESREL_MODULE_PATH};
+  const VSTPluginMainProc entry_ = reinterpret_cast<VSTPluginMainProc>(symbol("VSTPluginMain"));
 };
 
 // The text that an opcode writes, which has to leave alone what follows `capacity` bytes.
@@ -51,11 +36,8 @@ std::string text_of(const effect_ptr& effect, VstInt32 opcode, size_t capacity, 
   return buffer;
 }
 
-TEST_F(Module, ExportsOneFunctionUnderTwoNamesAndNothingElse) {
+TEST_F(Module, ExportsOneFunctionUnderTwoNames) {
   EXPECT_EQ(symbol("VSTPluginMain"), symbol("MAIN"));
-  EXPECT_EQ(std::system("test \"$(nm -D --defined-only --format=just-symbols '" KESREL_MODULE_PATH
-                        "' | sort | tr '\\n' ' ')\" = 'MAIN VSTPluginMain '"),
-            0);
 }
 
 TEST_F(Module, RefusesHostsThatAreTooOld) {
@@ -97,22 +79,6 @@ TEST_F(Module, SurvivesEveryOpcodeWithoutAPointer) {
     if (opcode == effClose) continue;
     for (const VstInt32 index : {0, 1}) call(effect.get(), opcode, index);
   }
-}
-
-using ModuleDeathTest = Module;
-
-TEST_F(ModuleDeathTest, LogsACrashAndEndsWithTheSignalsNumber) {
-  test_host host;
-  const long before = logged_crashes();
-  for (const int signal_number : {SIGABRT, SIGFPE, SIGILL, SIGSEGV, SIGTERM}) {
-    EXPECT_EXIT(
-        {
-          const effect_ptr effect = load();
-          std::raise(signal_number);
-        },
-        testing::ExitedWithCode(signal_number), "");
-  }
-  EXPECT_EQ(logged_crashes(), before + 5);
 }
 
 }  // namespace

@@ -3,23 +3,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "support/logbook.h"
+#include "tests/words/data_home.h"
 #include "tests/words/temporary_folder.h"
 
 namespace {
 
-// Not an object with a destructor: the children of death tests exit, and the folder has to outlive them.
 const temporary_folder* data_home = nullptr;
 
 class own_data_home : public testing::Environment {
  public:
   void SetUp() override {
     data_home = new temporary_folder;
-    setenv("XDG_DATA_HOME", data_home->path().c_str(), 1);
+    set_data_home(data_home->path());
   }
   void TearDown() override { delete data_home; }
 };

@@ -3,6 +3,7 @@
 
 #include "vst2/aeff_editor.h"
 #include "vst2/audio_effect_x.h"
+#include "vstgui/component_use.h"
 #include "vstgui/vstgui.h"
 
 // The frame is the derived class's to make, in open(), and to close.
@@ -44,6 +45,7 @@ class AEffGUIEditor : public AEffEditor, public VSTGUI::VSTGUIEditorInterface {
  private:
   static int32_t knobMode;
 
+  VSTGUI::component_use components_;
   uint32_t last_ticks_;
   bool in_idle_stuff_ = false;
 };

@@ -64,7 +64,12 @@ TEST_P(HostileDeed, LetsTheHostEnd) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, HostileDeed,
-                         testing::Values(ending{"free-twice", {SIGABRT, alarm, sanitizer}, 1},  //
+                         testing::Values(ending{"raise-illegal", {SIGILL}, 1},                  //
+                                         ending{"raise-abort", {SIGABRT}, 1},                   //
+                                         ending{"raise-float", {SIGFPE}, 1},                    //
+                                         ending{"raise-segment", {SIGSEGV}, 1},                 //
+                                         ending{"raise-terminate", {SIGTERM}, 1},               //
+                                         ending{"free-twice", {SIGABRT, alarm, sanitizer}, 1},  //
                                          ending{"hang", {alarm}, 1},                            // after five seconds
                                          ending{"hang-and-terminate", {terminated}, 1},         // at once
                                          ending{"overflow", {SIGSEGV}, 1},                      //

@@ -1,7 +1,9 @@
 // MIT License. Orderly termination when a signal asks for it.
-#include "hosts/effect/interruption.h"
+#include <signal.h>
 
 #include <cstdlib>
+
+#include "hosts/effect/interruption.h"
 
 namespace {
 
@@ -15,27 +17,32 @@ extern "C" void record_signal(int number) {
 
 }  // namespace
 
-interruption_guard::interruption_guard() {
+struct interruption_guard::masks {
+  sigset_t former{};
+  sigset_t ignored{};
+};
+
+interruption_guard::interruption_guard() : masks_(std::make_unique<masks>()) {
   sigset_t held;
   sigemptyset(&held);
-  sigemptyset(&ignored_);
+  sigemptyset(&masks_->ignored);
   for (const int number : ending_signals) {
     sigaddset(&held, number);
     struct sigaction present {};
     sigaction(number, nullptr, &present);
-    if (present.sa_handler == SIG_IGN) sigaddset(&ignored_, number);
+    if (present.sa_handler == SIG_IGN) sigaddset(&masks_->ignored, number);
   }
-  pthread_sigmask(SIG_BLOCK, &held, &former_mask_);
+  pthread_sigmask(SIG_BLOCK, &held, &masks_->former);
 }
 
 interruption_guard::~interruption_guard() {
   for (const int number : ending_signals) {
     struct sigaction recording {};
-    recording.sa_handler = sigismember(&ignored_, number) == 1 ? SIG_IGN : record_signal;
+    recording.sa_handler = sigismember(&masks_->ignored, number) == 1 ? SIG_IGN : record_signal;
     recording.sa_flags = SA_RESTART;
     sigaction(number, &recording, nullptr);
   }
-  pthread_sigmask(SIG_SETMASK, &former_mask_, nullptr);
+  pthread_sigmask(SIG_SETMASK, &masks_->former, nullptr);
 }
 
 void survive_file_size_limit() {

@@ -1,0 +1,4 @@
+// MIT License.
+#include "vstgui/module_instance_win32.h"
+
+void* hInstance = nullptr;
