@@ -140,6 +140,7 @@ TEST_F(Window, ReleasesAllKeysAtOneClickAndShowsIt) {
   const auto lit = pixels(keyboard);
   shown().click(all_off);
   EXPECT_THAT(held(), ElementsAre());
+  EXPECT_EQ(host.edits, "begin 4 begin 3 end 3 end 4 ");
   EXPECT_NE(pixels(keyboard), lit);
   shown().click(key(7));
   EXPECT_THAT(held(), ElementsAre(7));
@@ -158,12 +159,29 @@ TEST_F(Window, SendsItsSwitchesToTheHostAndShowsTheHosts) {
   shown().click(reverb);
   EXPECT_THAT(host.automated, ElementsAre(Pair(2, 1.0F), Pair(2, 0.0F), Pair(1, 1.0F)));
   EXPECT_EQ(pixels(button), off);
+  EXPECT_EQ(host.edits, "begin 2 end 2 begin 1 end 1 begin 2 end 2 begin 1 end 1 ");
 
   effect.setParameter(parameter_octave_on, 1.0F);
   EXPECT_EQ(pixels(button), on);
   effect.setParameter(parameter_octave_on, 0.7F);  // not quite on
   EXPECT_EQ(pixels(button), off);
   EXPECT_EQ(host.automated.size(), 3U);
+}
+
+TEST_F(Window, TakesReturnForAClickOnTheSwitchThatHasTheFocus) {
+  shown().activate(true);
+  shown().click(reverb);
+  EXPECT_TRUE(shown().key_down(VKEY_RETURN));
+  EXPECT_FALSE(shown().key_down(VKEY_RETURN, MODIFIER_SHIFT));
+  EXPECT_FALSE(shown().key_down(VKEY_SPACE));
+  EXPECT_THAT(host.automated, ElementsAre(Pair(1, 1.0F), Pair(1, 0.0F)));
+  EXPECT_EQ(host.edits, "begin 1 end 1 begin 1 end 1 ");
+
+  // The keyboard sends its keys once more.
+  shown().click(key(4), VSTGUI::kRButton);
+  hold({2});
+  EXPECT_TRUE(shown().key_down(VKEY_RETURN));
+  EXPECT_THAT(held(), ElementsAre(12, 16, 19));
 }
 
 TEST_F(Window, KeepsTheLookOfAProgramThatIsRestoredUntilItIsIdle) {
@@ -233,7 +251,7 @@ TEST_F(ClosedWindow, OpensWithTheEffectsStateAndDropsSignalsWhileItIsClosed) {
   idle();
 }
 
-// Each of the keyboard's keys, the octave switch and the X button shows its part of its bitmap over the background.
+// Keys, switches, menu and X button show their parts of their bitmaps over the background.
 TEST_F(Window, DrawsThePartsOfItsBitmaps) {
   const auto expected = VSTGUI::platform::make_memory_surface(CPoint(575, 250), 1);
   const auto painter = expected->make_painter();
@@ -242,6 +260,8 @@ TEST_F(Window, DrawsThePartsOfItsBitmaps) {
     painter->draw_image(*picture, CRect(CPoint(x, y), from.getSize()), from.getTopLeft(), 1.0F);
   };
   effect.setParameter(parameter_octave_on, 1.0F);
+  effect.setParameter(parameter_chorus_on, 0.0F);
+  effect.setParameter(parameter_reverb_on, 1.0F);
   open_with({0, 1, 16, 35});
   paste("quo_kv4_ME_BG.png", CRect(0, 0, 575, 250), 0, 0);
   const char* const keys = "keyboard_keys_new.png";
@@ -252,9 +272,19 @@ TEST_F(Window, DrawsThePartsOfItsBitmaps) {
   paste(keys, CRect(208, 3, 236, 84), 22 + 352 + 151, 133);
   paste("KVME_+12_Button.png", CRect(0, 17, 24, 34), 525, 118);
   paste("KV4_MM_X_Button.png", CRect(0, 0, 18, 17), 23, 115);
-  for (int y = 110; y < 214; ++y) {
+  paste("switch_L_active_sv_kesrel_72.png", CRect(0, 0, 52, 19), 69, 75);
+  paste("switch_R_active_sv_kesrel_72.png", CRect(0, 19, 52, 38), 453, 75);
+  paste("KV4_MM_Menu.png", CRect(0, 0, 287, 40), 144, 63);
+  for (int y = 60; y < 214; ++y) {
+    if (y >= 74 && y < 94) continue;  // texts
     const CRect row(22, y, 553, y + 1);
     ASSERT_EQ(pixels(row), expected->pixels(row)) << "row " << y;
+  }
+  for (const int y : {75, 76, 92, 93}) {
+    const CRect left(60, y, 144, y + 1);
+    EXPECT_EQ(pixels(left), expected->pixels(left)) << "row " << y;
+    const CRect right(431, y, 510, y + 1);
+    EXPECT_EQ(pixels(right), expected->pixels(right)) << "row " << y;
   }
 }
 

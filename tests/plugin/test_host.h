@@ -10,7 +10,8 @@
 
 constexpr VstInt32 handshake_id = 0x4B564873;  // 'KVHs'
 
-// Answers audioMasterVersion and records automation. One at a time, as the interface's callback carries no context.
+// Answers audioMasterVersion, records automation and edits. One at a time, as the interface's callback carries no
+// context.
 class test_host {
  public:
   explicit test_host(VstIntPtr answered_version = 2400) : version_(answered_version) { current_ = this; }
@@ -24,10 +25,13 @@ class test_host {
       const std::lock_guard guard(current_->lock_);
       current_->automated.emplace_back(index, opt);
     }
+    if (opcode == audioMasterBeginEdit) current_->edits += "begin " + std::to_string(index) + " ";
+    if (opcode == audioMasterEndEdit) current_->edits += "end " + std::to_string(index) + " ";
     return 0;
   }
 
   std::vector<std::pair<VstInt32, float>> automated;
+  std::string edits;  // "begin 0 end 0 "
 
  private:
   std::mutex lock_;  // several of a host's threads may cause automation
