@@ -53,11 +53,11 @@ function(kesrel_program name)
   target_link_libraries(${name} PRIVATE ${arg_LINKS} kesrel_flags)
 endfunction()
 
-# kesrel_tests(NAME SOURCES ... LINKS ...)
+# kesrel_tests(NAME [LOCK RESOURCE] SOURCES ... LINKS ...)
 #   A test program of one folder. A *_test.cpp in the folder of one of the SOURCES that isn't listed stops the
-#   configuration, so that no test is left out by mistake.
+#   configuration, so that no test is left out by mistake. Tests that LOCK the same thing don't run at the same time.
 function(kesrel_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LOCK" "SOURCES;LINKS")
   set(patterns ${arg_SOURCES})
   list(FILTER patterns EXCLUDE REGEX "^\\.\\./")  # the tests of other folders are theirs to list
   list(TRANSFORM patterns REPLACE "[^/]+$" "*_test.cpp")
@@ -68,7 +68,11 @@ function(kesrel_tests name)
     message(FATAL_ERROR "Tests that ${name} does not list: ${present}")
   endif()
   kesrel_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300)
+  set(properties "")
+  if(arg_LOCK)
+    set(properties PROPERTIES RESOURCE_LOCK ${arg_LOCK})
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300 ${properties})
 endfunction()
 
 # kesrel_resources(NAME FUNCTION TYPE FILES ...)
