@@ -119,19 +119,30 @@ TEST_F(Window, TogglesTheKeyThatWasPressedIfTheReleaseIsInsideTheKeyboard) {
   EXPECT_THAT(held(), ElementsAre(13));
 }
 
-// Where hit areas begin and end: all at the view's top, the black keys' over those of the white ones.
+// Hit areas begin at the view's top; black keys cover white ones.
 TEST_F(Window, FindsKeysUpToTheEdgesOfTheirAreas) {
   struct {
-    CPoint where;
-    int number;
-  } const edges[] = {{{25, 133}, 0}, {{47.9, 213.9}, 0},          {{39.9, 150}, 0},
-                     {{40, 150}, 1}, {{57.9, 181.9}, 1},          {{47, 182}, 0},
-                     {{58, 150}, 2}, {{352 + 22 + 154, 140}, 34}, {{352 + 22 + 177.9, 200}, 35}};
-  for (const auto& [where, number] : edges) {
+    double left, right, bottom;
+  } const areas[] = {{25, 48, 214},   {40, 58, 182},   {49, 74, 214},   {66, 84, 182},
+                     {75, 99, 214},   {100, 123, 214}, {115, 133, 182}, {124, 148, 214},
+                     {141, 159, 182}, {150, 175, 214}, {167, 185, 182}, {176, 200, 214}};
+  const auto toggles = [&](double x, double y, int number) {
     open_with({});
-    shown().click(where);
-    EXPECT_THAT(held(), ElementsAre(number)) << where.x << ", " << where.y;
+    shown().click({x, y});
+    return held() == std::vector<int>{number};
+  };
+  for (int number = 0; number < key_count; ++number) {
+    const auto& [left, right, bottom] = areas[number % 12];
+    const double x = number / 12 * 176;
+    const double y = bottom - 0.5;
+    EXPECT_TRUE(toggles(x + left, y, number)) << number;
+    EXPECT_TRUE(toggles(x + right - 0.5, y, number)) << number;
+    EXPECT_FALSE(toggles(x + left - 0.5, y, number)) << number;
+    EXPECT_FALSE(toggles(x + right, y, number)) << number;
+    EXPECT_FALSE(toggles(x + left, bottom, number)) << number;
   }
+  EXPECT_TRUE(toggles(25, 133, 0));
+  EXPECT_FALSE(toggles(25, 132.5, 0));
 }
 
 TEST_F(Window, ReleasesAllKeysAtOneClickAndShowsIt) {
@@ -141,9 +152,11 @@ TEST_F(Window, ReleasesAllKeysAtOneClickAndShowsIt) {
   shown().click(all_off);
   EXPECT_THAT(held(), ElementsAre());
   EXPECT_EQ(host.edits, "begin 4 begin 3 end 3 end 4 ");
-  EXPECT_NE(pixels(keyboard), lit);
+  const auto dark = pixels(keyboard);
+  EXPECT_NE(dark, lit);
   shown().click(key(7));
   EXPECT_THAT(held(), ElementsAre(7));
+  EXPECT_NE(pixels(keyboard), dark);
 }
 
 TEST_F(Window, SendsItsSwitchesToTheHostAndShowsTheHosts) {
@@ -231,6 +244,7 @@ TEST_F(ClosedWindow, OpensWithTheEffectsStateAndDropsSignalsWhileItIsClosed) {
   effect.setParameter(parameter_chorus_on, 1.0F);
   effect.select_preset_by_index(9);
   ASSERT_TRUE(open());
+  EXPECT_TRUE(effect.getEditor()->isOpen());
   const CRect all(0, 0, 575, 250);
   const auto first = pixels(all);
   close();
@@ -248,6 +262,7 @@ TEST_F(ClosedWindow, OpensWithTheEffectsStateAndDropsSignalsWhileItIsClosed) {
   screen::desktop().has_display = false;
   EXPECT_FALSE(open());
   EXPECT_FALSE(call(effEditOpen) == 1);
+  EXPECT_FALSE(effect.getEditor()->isOpen());
   idle();
 }
 
