@@ -1,5 +1,5 @@
-// MIT License. What the module exports: the function that a host looks up by name. Declared nowhere else; the names that
-// leave the module are listed in exports.map and exports.def.
+// MIT License. What the module exports: the function that a host looks up by name. Declared nowhere else; the names
+// that leave the module are listed in exports.map and exports.def.
 #include "plugin/create_effect.h"
 
 extern "C" {
