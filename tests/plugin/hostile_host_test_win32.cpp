@@ -3,6 +3,7 @@
 #include <process.h>
 
 #include <csignal>
+#include <ostream>
 #include <string>
 
 #include "tests/plugin/own_log.h"
@@ -21,6 +22,8 @@ struct ending {
   const char* deed;
   intptr_t status;
   long crashes;
+
+  friend void PrintTo(const ending& end, std::ostream* out) { *out << end.deed; }
 };
 
 class HostileDeed : public testing::TestWithParam<ending> {};
