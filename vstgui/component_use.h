@@ -3,18 +3,24 @@
 
 namespace VSTGUI {
 
-// Starts OLE for the thread that makes the object, and ends this use of it with the object, which that thread destroys.
-// A thread whose components were started for any thread can't have OLE; the editor needs none of it. Does nothing on
-// systems without OLE.
+// Starts OLE for the calling thread. False when the thread can't have it: its components were started for any thread,
+// or the system has no OLE.
+bool start_components();
+// Ends one use of it, on the same thread.
+void end_components();
+
+// OLE for as long as the object, for the thread that makes it and destroys it. The editor needs none of it.
 class component_use {
  public:
-  component_use();
-  ~component_use();
+  component_use() : started_(start_components()) {}
+  ~component_use() {
+    if (started_) end_components();
+  }
   component_use(const component_use&) = delete;
   component_use& operator=(const component_use&) = delete;
 
  private:
-  bool started_ = false;
+  bool started_;
 };
 
 }  // namespace VSTGUI

@@ -1,9 +1,12 @@
-// MIT License.
+// MIT License. There is no OLE.
 #include "vstgui/component_use.h"
 
 namespace VSTGUI {
 
-component_use::component_use() = default;
-component_use::~component_use() = default;
+bool start_components() {
+  return false;
+}
+
+void end_components() {}
 
 }  // namespace VSTGUI

@@ -5,10 +5,12 @@
 
 namespace VSTGUI {
 
-component_use::component_use() : started_(SUCCEEDED(OleInitialize(nullptr))) {}
+bool start_components() {
+  return SUCCEEDED(OleInitialize(nullptr));
+}
 
-component_use::~component_use() {
-  if (started_) OleUninitialize();
+void end_components() {
+  OleUninitialize();
 }
 
 }  // namespace VSTGUI

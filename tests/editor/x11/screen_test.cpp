@@ -122,7 +122,7 @@ TEST_F(Screen, SingsTheSoundChosenFromTheMenuAtTheNextBlockAndShowsIt) {
     for (int x = 160; x < 390; ++x) pixels.push_back(parent.pixel(parent.child(), x, 84));
     return pixels;
   };
-  for (const KeySym letter : {XK_w, XK_a, XK_r, XK_m}) parent.type(letter);
+  for (const auto letter : {XK_w, XK_a, XK_r, XK_m}) parent.type(static_cast<KeySym>(letter));
   parent.type(XK_Return);
   ASSERT_TRUE(idle_until([&] { return effect.sound_uuid() == "quorvant.factory.Warm_Epic_Octaves"; }));
   block.run(effect.getAeffect());
