@@ -97,7 +97,7 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::vector<menu_row_ref> getMenuRows() const;
   std::vector<sound_category_ref> getCategories() const;
   // Requests the row at that position of the menu, if there is one and its category may be used. A separator or title
-  // row is accepted and gives the dry input. The editor is told to show what is then selected.
+  // row is accepted and gives the dry input. Then the editor shows what is selected.
   void select_preset_by_index(int32_t row_index);
   // The sound last chosen, as stored state names it.
   std::string sound_uuid() const { return sound_uuid_.get(); }
