@@ -95,7 +95,7 @@ bool KesrelVocoder4TarvixEffect::store_parameter(VstInt32 index, float value) {
 
 void KesrelVocoder4TarvixEffect::setParameter(VstInt32 index, float value) {
   if (!store_parameter(index, value)) return;
-  if (AEffEditor* const window = getEditor()) window->setParameter(index, value);
+  if (AEffEditor* const window = complete_editor_.load(std::memory_order_acquire)) window->setParameter(index, value);
 }
 
 void KesrelVocoder4TarvixEffect::setParameterAutomated(VstInt32 index, float value) {
@@ -158,7 +158,8 @@ void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
 
 // Any thread: the editor shows the effect's state at its next idle call.
 void KesrelVocoder4TarvixEffect::update_editor() {
-  if (AEffEditor* const window = getEditor()) window->setParameter(update_editor_index, 1.0F);
+  AEffEditor* const window = complete_editor_.load(std::memory_order_acquire);
+  if (window != nullptr) window->setParameter(update_editor_index, 1.0F);
 }
 
 bool KesrelVocoder4TarvixEffect::pass_gate(int32_t category_id) const {

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -138,7 +139,9 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
 
   const activation_gate& gate_;
 
-  // Those of handshakes before the last: the base owns the last one.
+  // The base owns the last handshake's editor and knows it before it is complete; any thread may use this pointer.
+  std::atomic<AEffEditor*> complete_editor_{nullptr};
+  std::mutex editor_lock_;  // one handshake at a time makes its editor
   std::vector<std::unique_ptr<AEffEditor>> earlier_editors_;
 
   // The handshake's work. The catalogue keeps its rows, so that the audio thread never holds the last reference to one.

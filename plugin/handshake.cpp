@@ -38,9 +38,11 @@ void KesrelVocoder4TarvixEffect::shake_hands() {
 // An earlier editor may be open, and its operations may be running on another thread: it stays for as long as the
 // effect.
 void KesrelVocoder4TarvixEffect::make_editor() {
+  const std::lock_guard guard(editor_lock_);
   earlier_editors_.reserve(earlier_editors_.size() + 1);
   AEffEditor* const earlier = getEditor();
   create_editor(this);
+  complete_editor_.store(getEditor(), std::memory_order_release);
   if (earlier != nullptr) earlier_editors_.emplace_back(earlier);
 }
 
