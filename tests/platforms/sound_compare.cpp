@@ -37,8 +37,8 @@ std::set<std::string> recordings_in(const std::filesystem::path& folder) {
   return names;
 }
 
-// The greatest difference in dB relative to the first recording's peak, minus infinity for none. Infinity when it can't
-// be told: they differ in length, or one is silent or holds what is no number.
+// The greatest difference in dB relative to the first recording's peak, minus infinity for none. Infinity when they
+// can't be compared: their lengths differ, or one is silent or contains NaN.
 double difference_db(const std::vector<float>& first, const std::vector<float>& second) {
   constexpr double unlike = std::numeric_limits<double>::infinity();
   if (first.size() != second.size()) return unlike;

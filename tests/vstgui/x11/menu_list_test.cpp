@@ -26,7 +26,7 @@ std::vector<menu_item> short_menu() {
           {"Bellow"}};
 }
 
-// 66 rows below a heading, of which ten and two arrows are in view.
+// 66 rows below a heading; the view has room for ten of them and two arrows.
 menu_list long_menu(int32_t current) {
   std::vector<menu_item> items(67, menu_item{"Row"});
   items[0].heading = true;

@@ -24,7 +24,7 @@ class X11Window : public testing::Test {
   void tell_xembed(long message) const {
     host_.send(host_.child(), "_XEMBED", {0, message, 0, static_cast<long>(host_.window)});
   }
-  // The next message of XEMBED that the host gets; -1 if there is none.
+  // The number of the host's next XEMBED message, or -1.
   long answered_xembed() const {
     host_.sync();
     XEvent event;
