@@ -1,5 +1,4 @@
 // MIT License. Tests of the window that kesrel-show opens, with an effect whose window has one colour.
-#include <cairo.h>
 #include <signal.h>
 
 #include <algorithm>
@@ -14,21 +13,10 @@
 #include "hosts/show/picture.h"
 #include "tests/hosts/command.h"
 #include "tests/hosts/show/hand.h"
+#include "tests/words/png.h"
 #include "tests/words/x_server.h"
 
 namespace {
-
-picture read_png(const std::string& path) {
-  cairo_surface_t* const surface = cairo_image_surface_create_from_png(path.c_str());
-  picture content{cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)};
-  const unsigned char* const rows = cairo_image_surface_get_data(surface);
-  for (int y = 0; y < content.height; ++y) {
-    const auto* const row = reinterpret_cast<const uint32_t*>(rows + y * cairo_image_surface_get_stride(surface));
-    for (int x = 0; x < content.width; ++x) content.pixels.push_back(row[x] & 0xFFFFFF);
-  }
-  cairo_surface_destroy(surface);
-  return content;
-}
 
 class Show : public command_fixture {
  protected:
