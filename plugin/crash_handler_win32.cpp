@@ -29,8 +29,10 @@ DWORD WINAPI end_after_a_while(void* signal_number) {
   end_at_once(static_cast<int>(reinterpret_cast<intptr_t>(signal_number)));
 }
 
-// The line is logged before exit(), whose routines may take any lock. A thread ends the process where exit() doesn't;
-// the system itself sees to locks once exit() has stopped the other threads.
+// The line is logged before exit(), whose routines may take any lock. A thread ends the process where they wait in
+// vain. exit() stops that thread, too, and then detaches the modules, when nobody is left to release a lock of the
+// heap. The first to run at that time are this module's own exit routines, the latest before the others, so that one
+// ends the process.
 [[noreturn]] void end_process(int signal_number) {
   static std::atomic_flag entered;
   if (entered.test_and_set()) end_at_once(signal_number);
@@ -39,6 +41,8 @@ DWORD WINAPI end_after_a_while(void* signal_number) {
   const HANDLE watchdog = CreateThread(nullptr, 0, end_after_a_while, argument, 0, nullptr);
   halvern::logbook_impl::instance().crash_message("crash!");
   if (watchdog == nullptr) end_at_once(signal_number);
+  static const int signal_of_exit = signal_number;
+  std::atexit([] { end_at_once(signal_of_exit); });
   std::exit(signal_number);
 }
 
