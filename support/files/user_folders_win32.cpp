@@ -53,6 +53,7 @@ filepath get_user_app_support_path() {
   wchar_t path[MAX_PATH] = {};
   LPITEMIDLIST folder = nullptr;
   const bool found = SUCCEEDED(SHGetFolderLocation(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, &folder)) &&
+                     folder != nullptr &&  // as it is when the folder doesn't exist
                      SHGetPathFromIDListW(folder, path) != 0;
   CoTaskMemFree(folder);
   if (!found) throw err::runtime_error("get_user_app_support_path() cannot get the application data path!");
