@@ -7,7 +7,10 @@ set(CMAKE_C_COMPILER ${triple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
 set(CMAKE_RC_COMPILER ${triple}-windres)
 
-set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+# tools/windows_libraries.sh fills the second folder.
+set(libraries ${CMAKE_CURRENT_LIST_DIR}/../build/windows-libraries/root)
+set(CMAKE_FIND_ROOT_PATH /usr/${triple} ${libraries})
+set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/lib/pkgconfig)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
