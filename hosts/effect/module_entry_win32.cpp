@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "hosts/effect/module_entry.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
@@ -21,7 +22,7 @@ fs::path own_plugin() {
 
 VSTPluginMainProc load_plugin(const std::string& path) {
   // An absolute path: the system would look for a bare name in its own folders.
-  const fs::path place = path.empty() ? own_plugin() : fs::absolute(path);
+  const fs::path place = path.empty() ? own_plugin() : fs::absolute(path_of(path));
   const HMODULE module = LoadLibraryW(place.c_str());
   if (module == nullptr) {
     const std::string reason = std::system_category().message(static_cast<int>(GetLastError()));

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "hosts/effect/partial_file.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
@@ -42,7 +43,7 @@ void copy_permissions(const struct stat& former, int descriptor) {
 }  // namespace
 
 partial_file::partial_file(const std::string& what, const std::string& path)
-    : what_(what), target_(end_of_links(path)), partial_(partial_name(target_)) {
+    : what_(what), target_(end_of_links(path_of(path))), partial_(partial_name(target_)) {
   struct stat former {};
   const bool replaces = stat(target_.c_str(), &former) == 0;
   if (!replaces && errno != ENOENT) throw unwritable(what_, errno);

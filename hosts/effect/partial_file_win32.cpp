@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "hosts/effect/partial_file.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
@@ -34,7 +35,7 @@ fs::path partial_name(const fs::path& target) {
 }  // namespace
 
 partial_file::partial_file(const std::string& what, const std::string& path)
-    : what_(what), target_(end_of_links(path)), partial_(partial_name(target_)) {
+    : what_(what), target_(end_of_links(path_of(path))), partial_(partial_name(target_)) {
   if (_waccess(target_.c_str(), 2) != 0 && errno != ENOENT) throw unwritable(what_, errno);
   descriptor_ = _wopen(partial_.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
   if (descriptor_ < 0) throw unwritable(what_, errno);

@@ -13,6 +13,7 @@
 #include "hosts/effect/finding.h"
 #include "hosts/effect/keys.h"
 #include "hosts/effect/partial_file.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
 
 namespace fs = std::filesystem;
@@ -70,12 +71,13 @@ std::string called(const std::string& path) {
 
 std::string content_of(const std::string& path) {
   std::error_code error;
-  const auto status = fs::status(path, error);
+  const fs::path place = path_of(path);
+  const auto status = fs::status(place, error);
   if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
   if (error) throw failure(called(path) + " cannot be read: " + error.message());
   if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
-  if (fs::file_size(path) > most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
-  std::ifstream file(path, std::ios::binary);
+  if (fs::file_size(place) > most_state_bytes) throw failure(called(path) + " is no state of a plug-in");
+  std::ifstream file(place, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   if (!file) throw failure(called(path) + " cannot be read");
   return bytes;
@@ -178,7 +180,7 @@ void load_state(const std::string& path, effect_host* host) {
 }
 
 void save_state(const std::string& path, const effect_host& host) {
-  const bool single = lower_case(fs::path(path).extension().string()) == ".fxp";
+  const bool single = lower_case(path_of(path).extension().string()) == ".fxp";
   const std::string image = host.state(single ? image_kind::single_program : image_kind::bank);
   partial_file partial(called(path), path);
   partial.write(image);

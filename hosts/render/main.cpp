@@ -5,6 +5,7 @@
 #include <string>
 #include <system_error>
 
+#include "hosts/effect/command_words.h"
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/programs.h"
@@ -38,9 +39,9 @@ void run_without_voice(const render_options& options) {
   }
 }
 
-void run(int argc, const char* const* argv) {
+void run(const command_words& line) {
   render_options options;
-  if (read_command_line(argc, argv, &options) == command_line::done) {
+  if (read_command_line(line.count, line.words, &options) == command_line::done) {
     print("");  // checks that CLI11's text was written
   } else if (options.list_sounds) {
     print(table_of(known_sounds()));
@@ -57,7 +58,7 @@ void run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
   try {
     survive_file_size_limit();
-    run(argc, argv);
+    run(utf8_words(argc, argv));
     return 0;
   } catch (const interrupted& end) {
     end_by_signal(end.signal_number);

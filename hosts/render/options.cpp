@@ -26,7 +26,8 @@ then --sound, the switches and --keys, then --save-state. Without any of them th
 the sound of that program, as the switches and --keys replace theirs, and the rest stays.
 
 Exit status: 0 done, 2 not done, with the reason on standard error. SIGHUP, SIGINT, SIGPIPE, SIGTERM and SIGXCPU end the
-program by that same signal, which a shell reports as 128 and its number: 130 for Ctrl-C. No unfinished file is left.)";
+program by that same signal, which a shell reports as 128 and its number: 130 for Ctrl-C. On Windows the status is 130
+after Ctrl-C, and 143 at the end of the session. No unfinished file is left.)";
 }
 
 // CLI11 expects a validator to return an error message, or an empty text for a valid value.
@@ -74,7 +75,7 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("--save-state", options->save_state,
                   "Write the bank to a file, or the program in use to one whose name ends in .fxp")
       ->type_name("FILE");
-  app->add_option("--plugin", options->plugin, "The module to load, default KesrelVocoder4ME.so beside this program")
+  app->add_option("--plugin", options->plugin, "The module to load, default the one beside this program")
       ->type_name("PATH");
   app->add_option("--block", options->block, "Samples per call of the effect, default 512")
       ->type_name("N")
@@ -95,6 +96,7 @@ void declare(CLI::App* app, render_options* options) {
 
 command_line read_command_line(int argc, const char* const* argv, render_options* options) {
   CLI::App app("Sends a voice through the vocoder and writes what comes out", "kesrel-render");
+  app.allow_windows_style_options(false);  // a word with a slash before it is a path
   declare(&app, options);
   try {
     app.parse(argc, argv);

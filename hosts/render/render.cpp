@@ -1,8 +1,6 @@
 // MIT License. Renders a voice through the effect into a file.
 #include "hosts/render/render.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -21,6 +19,7 @@
 #include "hosts/effect/text.h"
 #include "hosts/render/output.h"
 #include "hosts/render/preparation.h"
+#include "hosts/render/terminal.h"
 #include "hosts/voice/voice.h"
 
 namespace {
@@ -99,7 +98,7 @@ class progress_bar {
 };
 
 progress_bar::progress_bar(int64_t total, bool wanted)
-    : total_(std::max<int64_t>(total, 1)), drawing_(wanted && isatty(STDERR_FILENO) != 0) {}
+    : total_(std::max<int64_t>(total, 1)), drawing_(wanted && is_error_terminal()) {}
 
 progress_bar::~progress_bar() {
   if (drawing_) std::fputs("\r\033[K", stderr);

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "hosts/effect/command_words.h"
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/text.h"
 #include "hosts/show/options.h"
@@ -10,7 +11,8 @@
 int main(int argc, char** argv) {
   try {
     survive_file_size_limit();
-    if (const auto options = read_show_options(argc, argv)) show(*options);
+    const auto line = utf8_words(argc, argv);
+    if (const auto options = read_show_options(line.count, line.words)) show(*options);
     return 0;
   } catch (const interrupted& end) {
     end_by_signal(end.signal_number);

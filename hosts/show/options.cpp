@@ -86,6 +86,7 @@ double nearest_scale(double scale) {
 std::optional<show_options> read_show_options(int argc, const char* const* argv) {
   show_options options;
   CLI::App app("Opens the vocoder's window and plays a voice through it", "kesrel-show");
+  app.allow_windows_style_options(false);  // a word with a slash before it is a path
   declare(&app, &options);
   try {
     app.parse(argc, argv);

@@ -1,8 +1,6 @@
 // MIT License. The voice: its sound file, and the stream that the effect gets from it.
 #include "hosts/voice/voice.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -12,7 +10,9 @@
 #include <fstream>
 #include <system_error>
 
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
+#include "hosts/voice/sound_file.h"
 
 namespace fs = std::filesystem;
 
@@ -34,7 +34,7 @@ struct wav_size {
 
 // Zeros for other files, and for recordings of unknown length: a program that writes a WAV file into a pipe cannot go
 // back to the header, and puts a size close to the largest of 31 or 32 bits there.
-wav_size wav_samples_of(const std::string& path) {
+wav_size wav_samples_of(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 12> head{};
   const auto read = [&](std::size_t count) {
@@ -57,12 +57,14 @@ wav_size wav_samples_of(const std::string& path) {
 
 void check_readable(const std::string& path) {
   std::error_code error;
-  const auto status = fs::status(path, error);
+  const fs::path place = path_of(path);
+  const auto status = fs::status(place, error);
   if (status.type() == fs::file_type::not_found) throw failure(called(path) + " doesn't exist");
   if (error) throw failure(called(path) + " cannot be read: " + error.message());
   if (!fs::is_regular_file(status)) throw failure(called(path) + " is no regular file");
-  if (access(path.c_str(), R_OK) != 0) throw failure(called(path) + " cannot be read: " + system_text(errno));
-  if (fs::file_size(path, error) == 0) throw failure(called(path) + " is empty");
+  errno = 0;
+  if (!std::ifstream(place)) throw failure(called(path) + " cannot be read: " + system_text(errno));
+  if (fs::file_size(place, error) == 0) throw failure(called(path) + " is empty");
 }
 
 constexpr int piece_samples = 4096;
@@ -71,9 +73,9 @@ constexpr int piece_samples = 4096;
 
 voice_reader::voice_reader(const std::string& path) : called_(called(path)) {
   check_readable(path);
-  file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
+  file_.reset(open_sound_file(path_of(path), &info_));
   check_content();
-  if (const auto bytes = wav_samples_of(path); bytes.promised > bytes.present) {
+  if (const auto bytes = wav_samples_of(path_of(path)); bytes.promised > bytes.present) {
     const double present = static_cast<double>(info_.frames) / info_.samplerate;
     const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
     char seconds[96];

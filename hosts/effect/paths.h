@@ -1,0 +1,10 @@
+// MIT License. Paths from texts.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+// The path that `text` names in UTF-8. On Windows a path takes other texts for the code page's.
+inline std::filesystem::path path_of(std::string_view text) {
+  return std::u8string(text.begin(), text.end());
+}
