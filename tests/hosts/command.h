@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <string>
 #include <vector>
@@ -13,20 +12,13 @@
 using arguments = std::vector<std::string>;
 
 struct outcome {
-  int status;         // exit status, or -n after signal n
+  int status;         // exit status, or on POSIX -n after signal n
   std::string out;    // standard output
   std::string error;  // standard error
 };
 
 // Runs the program to its end. With `out`, its standard output goes to that file and isn't returned.
 outcome run(const arguments& words, const std::string& out = {}, const char* program = KESREL_RENDER);
-
-// Starts the program and doesn't wait for it.
-pid_t start(const arguments& words, const std::string& out = "/dev/null", const std::string& error = "/dev/null",
-            const char* program = KESREL_RENDER);
-
-// Waits for a program. Returns its exit status, or -n after signal n.
-int status_of(pid_t process);
 
 // Samples of a sound file, interleaved.
 struct recording {

@@ -1,7 +1,5 @@
 // MIT License. An effect with the fault that the environment variable KESREL_ODD names. The build sets its entry's
 // name.
-#include <unistd.h>
-
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -66,7 +64,7 @@ VstIntPtr dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr, 
 extern "C" __attribute__((visibility("default"))) AEffect* ODD_ENTRY(audioMasterCallback) {
   static AEffect effect{};
   if (is("ending")) {
-    std::signal(SIGTERM, [](int) { _exit(99); });
+    std::signal(SIGTERM, [](int) { std::_Exit(99); });
     std::raise(SIGTERM);
   }
   effect.processReplacing = echo;

@@ -34,11 +34,3 @@ TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
   write_recording(voice, voice_of(0.1, 192000));
   expect_refusal({voice, output, "--block", "2", "--module-rate", "native"}, "too short at 192000 Hz: at least 3");
 }
-
-TEST_F(Options, FailWhenStandardOutputIsFull) {
-  for (const arguments& words : {arguments{"--help"}, {"--list-sounds"}, {"--list-programs"}, {voice, output}}) {
-    const auto result = run(words, "/dev/full");
-    EXPECT_EQ(result.status, 2) << words[0];
-    EXPECT_TRUE(contains(result.error, "standard output cannot be written: No space left on device")) << words[0];
-  }
-}

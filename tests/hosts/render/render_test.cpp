@@ -1,11 +1,8 @@
 // MIT License. Tests of whole renderings.
-#include <signal.h>
 #include <sndfile.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <thread>
 
 #include "tests/hosts/command.h"
 
@@ -81,17 +78,4 @@ TEST_F(Rendering, FollowsSoundKeysAndSwitches) {
   // The first program raises the keyboard.
   EXPECT_TRUE(samples_with({"--keys", "C4,E4,G4"}) == samples_with({}));
   EXPECT_TRUE(samples_with({"--no-octave"}) == plain);
-}
-
-TEST_F(Rendering, LeavesNoFileWhenItIsInterrupted) {
-  write_recording(voice, voice_of(600.0, 8000));
-  for (const int number : {SIGINT, SIGTERM, SIGPIPE}) {
-    const pid_t process = start({voice, output});
-    for (int i = 0; i < 5000 && listing().size() < 2; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    kill(process, number);
-    EXPECT_EQ(status_of(process), -number);
-    EXPECT_EQ(listing(), std::vector<std::string>{"voice.wav"});
-  }
 }

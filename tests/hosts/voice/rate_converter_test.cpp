@@ -1,14 +1,14 @@
 // MIT License. Tests of the conversion before and after the effect, with an effect that only delays.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 #include "tests/hosts/command.h"
+#include "tests/words/environment.h"
 
 class RateConverter : public command_fixture {
  protected:
-  RateConverter() { setenv("KESREL_ODD", "echo", 1); }
+  RateConverter() { set_variable("KESREL_ODD", "echo"); }
 };
 
 namespace {

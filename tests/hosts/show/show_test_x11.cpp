@@ -11,7 +11,7 @@
 #include "hosts/show/host_answers.h"
 #include "hosts/show/looped_voice.h"
 #include "hosts/show/picture.h"
-#include "tests/hosts/command.h"
+#include "tests/hosts/process_posix.h"
 #include "tests/hosts/show/hand.h"
 #include "tests/words/png.h"
 #include "tests/words/x_server.h"
