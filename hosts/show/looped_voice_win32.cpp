@@ -1,4 +1,4 @@
-// MIT License. Silence instead of a voice: the libraries that read one aren't to be had for Windows.
+// MIT License. Silence instead of a voice: there is no sound device that would play it.
 #include <algorithm>
 
 #include "hosts/effect/text.h"
