@@ -110,19 +110,23 @@ voice_figures measure_voice(const takes& take, const test_voice& voice, const so
   const auto with_reverb = take(samples, chord_keys, reverb_alone);
   const auto wet_mono = measures::mono_of(with_reverb);
   const auto single = take(samples, single_key, plain);
-  const auto single_with_all = take(samples, single_key, both);
+  std::vector<const measures::stereo*> all = {&chord, &with_chorus, &with_reverb, &single};
+  // The loudest of all takes is one of the sung voice's.
+  measures::stereo single_with_all;
+  if (!voice.spoken) {
+    single_with_all = take(samples, single_key, both);
+    all.push_back(&single_with_all);
+  }
 
   voice_figures figures{voice.name, nothing, -HUGE_VAL, nothing, nothing, nothing,
                         nothing,    nothing, nothing,   nothing, nothing, nothing};
-  for (const auto* each : {&chord, &with_chorus, &with_reverb, &single, &single_with_all}) {
-    figures.true_peak_db = std::max(figures.true_peak_db, measures::level_of(*each).true_peak_db);
-  }
-  figures.loudness_lufs = measures::level_of(chord).loudness_lufs;
-  figures.quietest_lufs = std::min(figures.loudness_lufs, measures::level_of(single).loudness_lufs);
+  figures.true_peak_db = measures::highest_true_peak_db(all);
+  figures.loudness_lufs = measures::loudness_lufs(chord);
+  figures.quietest_lufs = std::min(figures.loudness_lufs, measures::loudness_lufs(single));
   figures.centroid_hz = measures::spectral_centroid_hz(chord_mono);
   if (voice.spoken) {
     measure_speech(samples, chord_mono, wet_mono, &figures);
-    figures.chord_share = measures::chord_share(samples, chord_mono, fundamentals_of(row, take.notes(chord_keys)));
+    figures.chord_share = measures::chord_share(voice.pitch, chord_mono, fundamentals_of(row, take.notes(chord_keys)));
   }
   if (is_first) {
     whole->reverb_seconds = measures::reverb_time_seconds(wet_mono, samples.size());
@@ -141,9 +145,13 @@ voice_figures measure_voice(const takes& take, const test_voice& voice, const so
 
 std::vector<test_voice> read_test_voices(const std::string& resources) {
   const std::string folder = resources + "/demo/";
-  return {{"demo", read_voice(folder + "voice.flac", voice_peak_db), true},
-          {"second", read_voice(folder + "second_voice.flac", voice_peak_db), true},
-          {"vowel", read_voice(folder + "vowel.flac", voice_peak_db), false}};
+  const auto read = [&](const char* name, const char* file, bool spoken) {
+    test_voice voice{name, read_voice(folder + file, voice_peak_db), spoken, {}};
+    voice.pitch = measures::pitch_track_of(voice.samples);
+    return voice;
+  };
+  return {read("demo", "voice.flac", true), read("second", "second_voice.flac", true),
+          read("vowel", "vowel.flac", false)};
 }
 
 sound_figures measure_sound(const std::string& module, const sound& chosen, const sound_row& row,
@@ -179,9 +187,8 @@ program_figures measure_program(const std::string& module, int number, const pro
   program_figures figures{number, content.name, sound_of(content).number, nothing, -HUGE_VAL, nothing, nothing};
   for (const auto& voice : voices) {
     const auto take = render_voice(module, content, voice.samples, content.reverb ? reverb_tail_seconds : tail_seconds);
-    const auto level = measures::level_of(take);
-    figures.true_peak_db = std::max(figures.true_peak_db, level.true_peak_db);
-    if (std::isnan(figures.loudness_lufs)) figures.loudness_lufs = level.loudness_lufs;
+    figures.true_peak_db = std::max(figures.true_peak_db, measures::true_peak_db(take));
+    if (std::isnan(figures.loudness_lufs)) figures.loudness_lufs = measures::loudness_lufs(take);
     if (voice.spoken && std::isnan(figures.estoi)) {
       const auto mono = measures::mono_of(take);
       figures.estoi = measures::estoi(voice.samples, mono);

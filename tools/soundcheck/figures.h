@@ -6,6 +6,7 @@
 
 #include "hosts/effect/program_image.h"
 #include "hosts/effect/sounds.h"
+#include "tools/soundcheck/measures/pitch.h"
 #include "tools/soundcheck/measures/signal.h"
 #include "tools/soundcheck/measures/tone.h"
 #include "tools/soundcheck/sound_tables.h"
@@ -14,6 +15,7 @@ struct test_voice {
   std::string name;
   std::vector<float> samples;  // at 44100 Hz, with a peak of -6 dBFS
   bool spoken;                 // or sung: there are neither words nor pauses
+  measures::pitch_track pitch;
 };
 
 // The peak to which voices are scaled: what a careful singer leaves as headroom.

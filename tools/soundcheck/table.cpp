@@ -24,7 +24,7 @@ const voice_figures& main_voice(const sound_figures& sound) {
   return found == sound.voices.end() ? sound.voices.front() : *found;
 }
 
-double highest_peak_db(const sound_figures& sound) {
+double peak_of_all_voices_db(const sound_figures& sound) {
   double highest = -HUGE_VAL;
   for (const auto& voice : sound.voices) highest = std::max(highest, voice.true_peak_db);
   return highest;
@@ -113,7 +113,7 @@ text_table sound_table(const std::vector<sound_figures>& sounds, const sound_tab
                                       name_of_kind(tables.note(sound.number).kind)};
     for (const auto& voice : sound.voices) cells.push_back(number_text(voice.loudness_lufs, 1));
     const voice_figures& main = main_voice(sound);
-    cells.push_back(number_text(highest_peak_db(sound), 1));
+    cells.push_back(number_text(peak_of_all_voices_db(sound), 1));
     cells.push_back(number_text(main.centroid_hz, 0));
     for (const auto& voice : sound.voices) {
       if (!std::isnan(voice.estoi)) cells.push_back(number_text(voice.estoi, 2));

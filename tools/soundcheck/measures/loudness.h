@@ -5,12 +5,16 @@
 
 namespace measures {
 
-struct level {
-  double loudness_lufs;  // integrated, gated; -infinity for silence and for less than 400 ms
-  double true_peak_db;   // dBTP of the louder channel, by fourfold oversampling; -infinity for silence
-};
+// Both measure as ITU-R BS.1770-4 and EBU Tech 3341 have it, by libebur128.
 
-// Measures as ITU-R BS.1770-4 and EBU Tech 3341 have it, by libebur128.
-level level_of(const stereo& sound);
+// Integrated, gated loudness; -infinity for silence and for less than 400 ms.
+double loudness_lufs(const stereo& sound);
+
+// The peak between samples of the louder channel in dBTP, by fourfold oversampling; -infinity for silence.
+double true_peak_db(const stereo& sound);
+
+// The same for the loudest of several sounds. Those whose highest sample is 6 dB below that of another one are passed
+// over: of music and speech no peak between samples is that much above them.
+double highest_true_peak_db(const std::vector<const stereo*>& sounds);
 
 }  // namespace measures

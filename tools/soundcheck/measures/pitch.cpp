@@ -45,6 +45,10 @@ std::vector<partial> peaks_of(const std::vector<double>& power, double bin_hz, d
   return peaks;
 }
 
+// Frames of a pitch track and of its spectra: 186 ms, whose bins of 5.4 Hz keep the harmonics of a chord apart.
+constexpr std::size_t track_frame = 8192;
+constexpr std::size_t track_hop = 2048;
+
 double cents_between(double a_hz, double b_hz) {
   return 1200.0 * std::log2(a_hz / b_hz);
 }
@@ -145,10 +149,16 @@ double fundamental_hz(mono_view samples) {
   return 0.0;
 }
 
-double chord_share(mono_view voice, mono_view processed, const std::vector<double>& fundamentals_hz) {
-  constexpr int32_t frame = 8192;  // 186 ms: bins of 5.4 Hz keep the harmonics of a chord apart
-  constexpr int64_t hop = 2048;
-  constexpr std::size_t pitch_span = rate_hz / 20;
+pitch_track pitch_track_of(mono_view voice) {
+  constexpr std::size_t span = rate_hz / 20;
+  pitch_track track;
+  for (std::size_t start = 0; start + track_frame <= voice.size(); start += track_hop) {
+    track.hz.push_back(fundamental_hz(voice.subspan(start + track_frame / 2 - span / 2, span)));
+  }
+  return track;
+}
+
+double chord_share(const pitch_track& voice, mono_view processed, const std::vector<double>& fundamentals_hz) {
   constexpr double reach_hz = 8.0;  // to both sides of a harmonic, somewhat less than the main lobe
   constexpr double lowest_hz = 80.0;
   constexpr double highest_hz = 800.0;
@@ -156,13 +166,11 @@ double chord_share(mono_view voice, mono_view processed, const std::vector<doubl
   enum place : std::size_t { of_neither, of_chord, of_voice, of_both };
   std::array<double, 4> power_at{};
   std::array<double, 4> bins_at{};
-  const std::size_t count = std::min(voice.size(), processed.size());
-  power_spectrum spectrum(frame);
-  for (int64_t start = 0; start + frame <= static_cast<int64_t>(count); start += hop) {
-    const auto centre = static_cast<std::size_t>(start + frame / 2);
-    const double voice_hz = fundamental_hz(voice.subspan(centre - pitch_span / 2, pitch_span));
+  power_spectrum spectrum(track_frame);
+  for (std::size_t i = 0; i < voice.hz.size(); ++i) {
+    const double voice_hz = voice.hz[i];
     if (voice_hz == 0.0) continue;
-    const auto& power = spectrum.of(processed, start);
+    const auto& power = spectrum.of(processed, static_cast<int64_t>(i * track_hop));
     const auto near = [&](double hz, double fundamental) {
       const double harmonic = std::max(1.0, std::round(hz / fundamental)) * fundamental;
       return std::abs(hz - harmonic) < reach_hz;

@@ -32,14 +32,21 @@ struct modulation {
 // amplitude and frequency alike. Sidebands 30 dB below the partial don't count. Needs some three seconds.
 modulation modulation_of(mono_view signal);
 
-// Whose pitch a vocoded voice has: 1 for that of the chord alone, 0 for the voice's alone. Compares the power at
-// harmonics of the chord with that at harmonics of the voice, each over what is between them, from 80 Hz to 800 Hz, in
-// frames in which the voice has a pitch.
-//   returns   NaN when the voice has no pitch or the sound none of both
-double chord_share(mono_view voice, mono_view processed, const std::vector<double>& fundamentals_hz);
-
 // The fundamental of `samples`, a stretch of some 50 ms, by the peak of its normalised autocorrelation from 70 to 400
 // Hz; 0 when that is below 0.6, for noise and silence.
 double fundamental_hz(mono_view samples);
+
+// The fundamentals of a voice, one each 2048 samples.
+struct pitch_track {
+  std::vector<double> hz;  // [i] around sample 2048 i + 4096; 0 where the voice has none
+};
+pitch_track pitch_track_of(mono_view voice);
+
+// Whose pitch a vocoded voice has: 1 for that of the chord alone, 0 for the voice's alone. Compares the power at
+// harmonics of the chord with that at harmonics of the voice, each over what is between them, from 80 Hz to 800 Hz, in
+// frames in which the voice has a pitch.
+//   processed   aligned with the voice
+//   returns     NaN when the voice has no pitch or the sound none of both
+double chord_share(const pitch_track& voice, mono_view processed, const std::vector<double>& fundamentals_hz);
 
 }  // namespace measures

@@ -107,8 +107,8 @@ double balance_db(const std::vector<speech_sound>& sounds, const std::vector<bal
 constexpr std::size_t pause_hop = rate_hz / 100;
 constexpr double silent_db = -45.0;    // of the voice below its loudest 10 ms: a pause
 constexpr double speaking_db = -25.0;  // from here up: speech
-// An analysis frame of the instrument has 23 ms and reaches that far to both sides.
-constexpr std::size_t pause_margin = 3;
+// An analysis frame of the instrument has 23 ms, and reaches about that far to both sides.
+constexpr std::size_t pause_margin = 2;
 
 std::vector<double> powers_of(mono_view signal) {
   std::vector<double> powers;

@@ -16,7 +16,7 @@ double envelope_correlation(mono_view voice, mono_view processed);
 double sibilance_balance_db(mono_view voice, mono_view processed);
 
 // The level in the voice's pauses, in dB above that in its speech: 0 when pauses are as loud as speech. Only pauses
-// inside of the speech count, and of these what is more than 30 ms from speech.
+// inside of the speech count, and of these what is 20 ms and more from speech.
 //   returns   NaN when the voice has no such pause
 double pause_level_db(mono_view voice, mono_view processed);
 
