@@ -12,6 +12,8 @@
 #include "tools/soundcheck/jobs.h"
 #include "tools/soundcheck/options.h"
 #include "tools/soundcheck/rendering.h"
+#include "tools/soundcheck/report.h"
+#include "tools/soundcheck/sounds_page.h"
 #include "tools/soundcheck/table.h"
 #include "tools/soundcheck/targets.h"
 
@@ -57,9 +59,14 @@ std::vector<program_figures> measured_programs(const soundcheck_options& options
   return figures;
 }
 
+void write_file(const std::string& what, const std::string& path, const std::string& content) {
+  partial_file file(what + " '" + path + "'", path);
+  file.write(content);
+  file.finish();
+}
+
 // Returns the exit status.
-int check(const soundcheck_options& options) {
-  const auto tables = read_sound_tables(options.resources);
+int check(const soundcheck_options& options, const sound_tables& tables) {
   const auto voices = chosen_voices(options);
   const auto chosen = chosen_sounds(options, tables);
   std::vector<sound_figures> sounds(chosen.size());
@@ -70,11 +77,7 @@ int check(const soundcheck_options& options) {
 
   const text_table table = sound_table(sounds, tables);
   std::printf("%s", table.aligned().c_str());
-  if (!options.csv.empty()) {
-    partial_file file("table '" + options.csv + "'", options.csv);
-    file.write(table.csv());
-    file.finish();
-  }
+  if (!options.csv.empty()) write_file("table", options.csv, table.csv());
   auto misses = misses_of_sounds(sounds, tables);
   const bool is_complete = options.sounds.empty() && options.voice.empty();
   const auto add = [&](const std::vector<std::string>& more) { misses.insert(misses.end(), more.begin(), more.end()); };
@@ -85,6 +88,10 @@ int check(const soundcheck_options& options) {
     add(misses_of_programs(programs, tables));
   }
   print_misses(misses);
+  if (!options.report.empty()) {
+    write_report(options.report, options.module, sounds, tables, voices.front(), misses, options.threads);
+    std::printf("to listen: %s/index.html\n", on_one_line(options.report).c_str());
+  }
   return misses.empty() ? 0 : missed_status;
 }
 
@@ -95,7 +102,10 @@ int main(int argc, char** argv) {
     soundcheck_options options;
     options.resources = KESREL_RESOURCES;
     if (read_command_line(argc, argv, &options) == command_line::done) return 0;
-    return check(options);
+    const auto tables = read_sound_tables(options.resources);
+    if (options.write_docs.empty()) return check(options, tables);
+    write_file("page", options.write_docs, sounds_page(tables));
+    return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kesrel-soundcheck: %s\n", on_one_line(error.what()).c_str());
     return failure_status;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 #include <memory>
 #include <mutex>
 
@@ -14,7 +15,8 @@
 namespace {
 
 constexpr int block = 512;
-constexpr int64_t run_in_samples = core_rate_hz;  // a second, as in kesrel-render
+// Silence until the synthesizer's filter is open, which it approaches with a time constant of 68 ms.
+constexpr int64_t run_in_samples = core_rate_hz / 2;
 
 // Modules are loaded, effects created and closed by one thread at a time: hosts do so too.
 std::mutex loading;
@@ -35,15 +37,9 @@ host_pointer prepared_host(const std::string& module, const program& content) {
   return host_pointer(host.release());
 }
 
-}  // namespace
-
-measures::stereo render_voice(const std::string& module, const program& content, std::span<const float> voice,
-                              double tail_seconds) {
-  const host_pointer host = prepared_host(module, content);
+measures::stereo run(effect_host* host, std::span<const float> voice, int64_t wanted) {
   const auto voice_samples = static_cast<int64_t>(voice.size());
-  const int64_t wanted = voice_samples + std::llround(tail_seconds * core_rate_hz);
   const int64_t dropped = run_in_samples + latency_samples(core_rate_hz);
-
   std::vector<float> in(block);
   std::vector<float> left(block);
   std::vector<float> right(block);
@@ -62,6 +58,17 @@ measures::stereo render_voice(const std::string& module, const program& content,
     result.right.insert(result.right.end(), right.begin() + first, right.begin() + last);
   }
   return result;
+}
+
+}  // namespace
+
+measures::stereo render_voice(const std::string& module, const program& content, std::span<const float> voice,
+                              double tail_seconds) {
+  const host_pointer host = prepared_host(module, content);
+  const int64_t wanted = static_cast<int64_t>(voice.size()) + std::llround(tail_seconds * core_rate_hz);
+  // On a thread of its own: the module's random numbers start afresh in each thread, so that every take can be
+  // repeated.
+  return std::async(std::launch::async, run, host.get(), voice, wanted).get();
 }
 
 std::vector<program> programs_of(const std::string& module) {
