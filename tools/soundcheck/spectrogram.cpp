@@ -78,6 +78,25 @@ void paint_levels(const std::vector<double>& levels, const spectrogram_size& siz
   cairo_surface_mark_dirty(surface);
 }
 
+// White with a dark seam, to be read on any colour.
+void paint_text(const char* text, double x, double y, cairo_t* painter) {
+  cairo_move_to(painter, x, y);
+  cairo_text_path(painter, text);
+  cairo_set_source_rgba(painter, 0, 0, 0, 0.7);
+  cairo_set_line_width(painter, 4.0);
+  cairo_stroke_preserve(painter);
+  cairo_set_source_rgb(painter, 1, 1, 1);
+  cairo_fill(painter);
+}
+
+void paint_line(double x1, double y1, double x2, double y2, double alpha, cairo_t* painter) {
+  cairo_set_source_rgba(painter, 1, 1, 1, alpha);
+  cairo_set_line_width(painter, 1.0);
+  cairo_move_to(painter, x1, y1);
+  cairo_line_to(painter, x2, y2);
+  cairo_stroke(painter);
+}
+
 // Labels are inside the picture, so that it needs no margin and fits light and dark pages.
 void paint_axes(double seconds, const spectrogram_size& size, cairo_t* painter) {
   struct mark {
@@ -87,24 +106,15 @@ void paint_axes(double seconds, const spectrogram_size& size, cairo_t* painter) 
   constexpr std::array<mark, 4> marks = {{{100, "100 Hz"}, {400, "400"}, {1600, "1600"}, {6400, "6400"}}};
   cairo_select_font_face(painter, "Liberation Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(painter, 17.0);
-  cairo_set_line_width(painter, 1.0);
   for (const auto& [hz, label] : marks) {
     const double y = std::floor(size.height - row_of_hz(hz, size)) + 0.5;
-    cairo_set_source_rgba(painter, 1, 1, 1, 0.16);
-    cairo_move_to(painter, 0, y);
-    cairo_line_to(painter, size.width, y);
-    cairo_stroke(painter);
-    cairo_set_source_rgba(painter, 1, 1, 1, 0.85);
-    cairo_move_to(painter, 7, y - 4);
-    cairo_show_text(painter, label);
+    paint_line(0, y, size.width, y, 0.16, painter);
+    paint_text(label, 7, y - 4, painter);
   }
   for (int second = 1; second < seconds; ++second) {
     const double x = std::floor(second / seconds * size.width) + 0.5;
-    cairo_move_to(painter, x, size.height);
-    cairo_line_to(painter, x, size.height - 8);
-    cairo_stroke(painter);
-    cairo_move_to(painter, x + 4, size.height - 6);
-    cairo_show_text(painter, (std::to_string(second) + " s").c_str());
+    paint_line(x, size.height, x, size.height - 8, 0.85, painter);
+    paint_text((std::to_string(second) + " s").c_str(), x + 4, size.height - 6, painter);
   }
 }
 
