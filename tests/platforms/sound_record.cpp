@@ -3,8 +3,8 @@
 //   kesrel_sound_record MODULE VOICE FOLDER
 //
 // VOICE has bare 32-bit floats, one channel at 44100 Hz. FOLDER receives the state after the handshake, and bare floats
-// of left and right: of each factory sound, by the loaded module, and of each algorithm without and with noise, by the
-// engine alone, as no factory sound uses some of them.
+// of left and right: of each sound of the default bank, by the loaded module, and of each algorithm without and with
+// noise, by the engine alone, as that bank uses only some of them.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
