@@ -53,7 +53,8 @@ h3 span { color: var(--soft); font-weight: 400; font-variant-numeric: tabular-nu
 article p { margin: 0; }
 .hint { color: var(--soft); }
 audio { width: 100%; height: 2.4rem; }
-dl { display: grid; grid-template-columns: repeat(3, 1fr); gap: 0.35rem 1rem; margin: auto 0 0; padding-top: 0.6rem;
+header audio { max-width: 30rem; margin-bottom: 1.5rem; }
+dl { display: grid; grid-template-columns: repeat(2, 1fr); gap: 0.3rem 1.6rem; margin: auto 0 0; padding-top: 0.6rem;
   border-top: 1px solid var(--line); font-size: 0.82rem; }
 dl div { display: flex; justify-content: space-between; gap: 0.5rem; }
 dt { color: var(--soft); } dd { margin: 0; font-variant-numeric: tabular-nums; white-space: nowrap; }
@@ -72,8 +73,9 @@ std::string figure(const char* name, double value, int digits, const char* unit)
   std::string text = number_text(value, digits);
   if (text == "-") {
     text = "–";
-  } else if (unit[0] != 0) {
-    text.append(" ").append(unit);
+  } else {
+    if (text.front() == '-') text.replace(0, 1, "−");
+    if (unit[0] != 0) text.append(" ").append(unit);
   }
   return "<div><dt>" + std::string(name) + "</dt><dd>" + text + "</dd></div>\n";
 }

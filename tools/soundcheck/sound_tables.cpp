@@ -18,18 +18,16 @@ struct table_line {
   std::vector<std::string> cells;
 };
 
-// The rows of a table below its headings; lines that begin with # and blank ones are left out.
+// The rows of a table. Left out are blank lines, those that begin with #, and the headings, whose first is "number".
 std::vector<table_line> lines_of(const std::string& path, char separator) {
   std::ifstream file(path);
   if (!file) throw failure("table '" + path + "' cannot be read");
   std::vector<table_line> lines;
   std::string text;
-  bool below_headings = false;
   for (int number = 1; std::getline(file, text); ++number) {
     auto cells = split(text, separator);
     if (text.starts_with('#') || (cells.size() == 1 && cells.front().empty())) continue;
-    if (below_headings) lines.push_back({path + ":" + std::to_string(number), std::move(cells)});
-    below_headings = true;
+    if (cells.front() != "number") lines.push_back({path + ":" + std::to_string(number), std::move(cells)});
   }
   return lines;
 }

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double lowest_hz = 60.0;
 constexpr double highest_hz = 16000.0;
-constexpr double range_db = 70.0;
+constexpr double range_db = 60.0;
 
 // 46 ms: the harmonics of a C3 are apart, and syllables as well. Padded, so that the low rows have a bin each.
 constexpr int32_t span_samples = 2048;
@@ -78,34 +78,43 @@ void paint_levels(const std::vector<double>& levels, const spectrogram_size& siz
   cairo_surface_mark_dirty(surface);
 }
 
+// White with a dark seam, to be read on any colour.
+void paint_text(const char* text, double x, double y, cairo_t* painter) {
+  cairo_move_to(painter, x, y);
+  cairo_text_path(painter, text);
+  cairo_set_source_rgba(painter, 0, 0, 0, 0.7);
+  cairo_set_line_width(painter, 4.0);
+  cairo_stroke_preserve(painter);
+  cairo_set_source_rgb(painter, 1, 1, 1);
+  cairo_fill(painter);
+}
+
+void paint_line(double x1, double y1, double x2, double y2, double alpha, cairo_t* painter) {
+  cairo_set_source_rgba(painter, 1, 1, 1, alpha);
+  cairo_set_line_width(painter, 1.0);
+  cairo_move_to(painter, x1, y1);
+  cairo_line_to(painter, x2, y2);
+  cairo_stroke(painter);
+}
+
 // Labels are inside the picture, so that it needs no margin and fits light and dark pages.
 void paint_axes(double seconds, const spectrogram_size& size, cairo_t* painter) {
   struct mark {
     double hz;
     const char* label;
   };
-  constexpr std::array<mark, 7> marks = {
-      {{100, "100 Hz"}, {200, "200"}, {500, "500"}, {1000, "1 kHz"}, {2000, "2"}, {5000, "5"}, {10000, "10"}}};
+  constexpr std::array<mark, 4> marks = {{{100, "100 Hz"}, {400, "400"}, {1600, "1600"}, {6400, "6400"}}};
   cairo_select_font_face(painter, "Liberation Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-  cairo_set_font_size(painter, 11.0);
-  cairo_set_line_width(painter, 1.0);
+  cairo_set_font_size(painter, 17.0);
   for (const auto& [hz, label] : marks) {
     const double y = std::floor(size.height - row_of_hz(hz, size)) + 0.5;
-    cairo_set_source_rgba(painter, 1, 1, 1, 0.16);
-    cairo_move_to(painter, 0, y);
-    cairo_line_to(painter, size.width, y);
-    cairo_stroke(painter);
-    cairo_set_source_rgba(painter, 1, 1, 1, 0.85);
-    cairo_move_to(painter, 5, y - 3);
-    cairo_show_text(painter, label);
+    paint_line(0, y, size.width, y, 0.16, painter);
+    paint_text(label, 7, y - 4, painter);
   }
   for (int second = 1; second < seconds; ++second) {
     const double x = std::floor(second / seconds * size.width) + 0.5;
-    cairo_move_to(painter, x, size.height);
-    cairo_line_to(painter, x, size.height - 5);
-    cairo_stroke(painter);
-    cairo_move_to(painter, x + 3, size.height - 4);
-    cairo_show_text(painter, (std::to_string(second) + " s").c_str());
+    paint_line(x, size.height, x, size.height - 8, 0.85, painter);
+    paint_text((std::to_string(second) + " s").c_str(), x + 4, size.height - 6, painter);
   }
 }
 

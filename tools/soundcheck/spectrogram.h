@@ -25,6 +25,6 @@ struct spectrogram_size {
 // The row, from the bottom, of `hz` on the logarithmic axis from 60 Hz to 16 kHz.
 double row_of_hz(double hz, const spectrogram_size& size);
 
-// Writes a PNG file: time from left to right, frequency upward on a logarithmic axis with labels, levels over 70 dB.
+// Writes a PNG file: time from left to right, frequency upward on a logarithmic axis with labels, levels over 60 dB.
 //   throws   failure when `path` cannot be written
 void write_spectrogram(measures::mono_view signal, const std::string& path, const spectrogram_size& size = {});

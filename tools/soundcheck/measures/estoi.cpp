@@ -52,20 +52,18 @@ estoi_parts::segment segment_at(const band_levels& levels, std::size_t first) {
   return part;
 }
 
-// Takes the mean off `count` values that are `stride` apart and scales them to a norm of 1.
-void normalise_line(double* values, std::size_t count, std::size_t stride) {
+// Takes the mean off `count` values that are `stride` apart and scales them to a norm of 1. What remains of a constant
+// by rounding isn't a pattern: a norm of up to `least` becomes 0.
+void normalise_line(double* values, std::size_t count, std::size_t stride, double least) {
   double mean = 0.0;
   for (std::size_t i = 0; i < count; ++i) mean += values[i * stride] / static_cast<double>(count);
   double sum_of_squares = 0.0;
-  double largest = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
-    largest = std::max(largest, std::abs(values[i * stride]));
     values[i * stride] -= mean;
     sum_of_squares += values[i * stride] * values[i * stride];
   }
-  // What rounding leaves of a constant isn't a pattern.
   const double norm = std::sqrt(sum_of_squares);
-  const double scale = norm > 1e-12 * largest ? 1.0 / norm : 0.0;
+  const double scale = norm > least ? 1.0 / norm : 0.0;
   for (std::size_t i = 0; i < count; ++i) values[i * stride] *= scale;
 }
 
@@ -74,11 +72,13 @@ void normalise_line(double* values, std::size_t count, std::size_t stride) {
 namespace estoi_parts {
 
 void normalise(segment* levels) {
+  constexpr double rounding = 1e-12;
   for (std::size_t band = 0; band < levels->bands; ++band) {
-    normalise_line(levels->values.data() + band * levels->frames, levels->frames, 1);
+    double* const row = levels->values.data() + band * levels->frames;
+    normalise_line(row, levels->frames, 1, rounding * *std::max_element(row, row + levels->frames));
   }
   for (std::size_t frame = 0; frame < levels->frames; ++frame) {
-    normalise_line(levels->values.data() + frame, levels->bands, levels->frames);
+    normalise_line(levels->values.data() + frame, levels->bands, levels->frames, rounding);
   }
 }
 
