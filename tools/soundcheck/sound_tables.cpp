@@ -120,7 +120,7 @@ std::string algorithm_of(const sound_row& row) {
 }
 
 std::vector<double> fundamentals_of(const sound_row& row, const std::vector<int>& notes) {
-  const auto value = [&](sound_value which) { return row.values.at(which); };
+  const auto value = [&](sound_value which) { return row.values.at(static_cast<std::size_t>(which)); };
   const bool sampled = value(value_sampled) > 0.5;
   // Shapes sound at the key's pitch with the octave at 1, loops with the octave at 0.
   const int octave = static_cast<int>(value(value_octave)) - (sampled ? 0 : 1);

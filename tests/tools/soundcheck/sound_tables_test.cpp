@@ -95,7 +95,7 @@ TEST_F(SoundTables, MakeAPageOfSounds) {
 sound_row row_with(std::initializer_list<std::pair<sound_value, double>> values) {
   sound_row row{"", std::vector<double>(sound_value_count, 0.0)};
   row.values[value_octave] = 1.0;
-  for (const auto& [place, value] : values) row.values[place] = value;
+  for (const auto& [place, value] : values) row.values[static_cast<std::size_t>(place)] = value;
   return row;
 }
 

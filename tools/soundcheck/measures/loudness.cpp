@@ -65,7 +65,7 @@ double highest_true_peak_db(const std::vector<const stereo*>& sounds) {
   const float highest = samples.empty() ? 0.0F : *std::max_element(samples.begin(), samples.end());
   double peak_db = -HUGE_VAL;
   for (std::size_t i = 0; i < sounds.size(); ++i) {
-    if (samples[i] >= 0.5F * highest) peak_db = std::max(peak_db, true_peak_db(*sounds[i]));
+    if (samples[i] >= 0.7F * highest) peak_db = std::max(peak_db, true_peak_db(*sounds[i]));
   }
   return peak_db;
 }

@@ -13,8 +13,8 @@ double loudness_lufs(const stereo& sound);
 // The peak between samples of the louder channel in dBTP, by fourfold oversampling; -infinity for silence.
 double true_peak_db(const stereo& sound);
 
-// The same for the loudest of several sounds. Those whose highest sample is 6 dB below that of another one are passed
-// over: of music and speech no peak between samples is that much above them.
+// The same for the loudest of several sounds. Those whose highest sample is 3 dB below that of another one are passed
+// over: where little is above 10 kHz, peaks between samples are less than that above them.
 double highest_true_peak_db(const std::vector<const stereo*>& sounds);
 
 }  // namespace measures
