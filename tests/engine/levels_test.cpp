@@ -41,18 +41,18 @@ TEST(FactorySounds, HaveTheirLevels) {
       // clang-format off
       {10, -20.22, -20.12},  // algorithm 0
       { 8, -20.24, -19.63},  // algorithm 1
-      {16, -19.19, -16.97},  // algorithm 2
-      { 0, -18.01, -17.05},  // algorithm 3
+      {16, -20.40, -20.78},  // algorithm 2
+      { 0, -19.71, -18.75},  // algorithm 3
       { 9, -19.22, -18.79},  // algorithm 4
       {34, -17.99, -18.93},  // algorithm 5
       { 2, -19.89, -20.18},  // algorithm 6
-      { 1, -17.70, -17.96},  // algorithm 7
-      {44, -18.92, -19.26},  // algorithm 8
-      {35, -17.27, -16.94},  // algorithm 9
-      { 5, -21.16, -21.05},  // algorithm 10
-      {26, -22.90, -22.71},  // algorithm 11
-      {15, -18.01, -18.55},  // algorithm 12
-      {38, -19.73, -19.94},  // algorithm 13
+      { 1, -17.60, -17.86},  // algorithm 7
+      {44, -18.82, -19.16},  // algorithm 8
+      {35, -17.17, -16.94},  // algorithm 9
+      { 5, -21.06, -20.95},  // algorithm 10
+      {26, -22.80, -22.61},  // algorithm 11
+      {15, -18.01, -18.45},  // algorithm 12
+      {38, -19.63, -19.84},  // algorithm 13
       { 7, -19.48, -19.94},  // algorithm 14
       // clang-format on
   };
