@@ -46,8 +46,8 @@ class takes {
   }
 
   std::vector<int> notes(const std::vector<int>& keys) const {
-    std::vector<int> notes;
-    for (const int key : keys) notes.push_back(lowest_note(sound_, false) + key);
+    std::vector<int> notes(keys);
+    for (int& note : notes) note += lowest_note(sound_, false);
     return notes;
   }
 
@@ -66,8 +66,8 @@ void measure_speech(const std::vector<float>& voice, const std::vector<float>& d
   figures->pauses_with_reverb_db = measures::pause_level_db(voice, wet);
 }
 
-// The steady tone from which tuning and beating are taken: a voice's own vibrato would blur both. A gap before it ends
-// lets releases pass.
+// The steady tone from which tuning and beating are measured: a voice's own vibrato would blur both. Its beginning, in
+// which envelopes settle, and its end are left out.
 constexpr double steady_seconds = 4.0;
 constexpr double settling_seconds = 0.5;
 
@@ -111,7 +111,7 @@ voice_figures measure_voice(const takes& take, const test_voice& voice, const so
   const auto wet_mono = measures::mono_of(with_reverb);
   const auto single = take(samples, single_key, plain);
   std::vector<const measures::stereo*> all = {&chord, &with_chorus, &with_reverb, &single};
-  // The loudest of all takes is one of the sung voice's.
+  // A sung voice makes the highest peaks, so it alone is worth this take.
   measures::stereo single_with_all;
   if (!voice.spoken) {
     single_with_all = take(samples, single_key, both);

@@ -52,7 +52,7 @@ struct sound_figures {
   double stereo_correlation;
   double stereo_correlation_with_chorus;
   measures::fingerprint fingerprint;
-  int nearest = -1;  // number of the nearest other sound, -1 when there is none
+  int nearest = -1;  // number of the nearest other sound, -1 for a sound that is alone
   double nearest_db = 0.0;
 };
 

@@ -18,7 +18,7 @@ constexpr int block = 512;
 // Silence until the synthesizer's filter is open, which it approaches with a time constant of 68 ms.
 constexpr int64_t run_in_samples = core_rate_hz / 2;
 
-// Modules are loaded, effects created and closed by one thread at a time: hosts do so too.
+// Like other hosts, this one loads modules, creates effects and closes them on one thread at a time.
 std::mutex loading;
 
 struct closing_alone {

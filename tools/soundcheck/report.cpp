@@ -161,7 +161,7 @@ void write_ogg(const measures::stereo& sound, const std::string& path) {
     interleaved[2 * i] = sound.left[i];
     interleaved[2 * i + 1] = sound.right[i];
   }
-  // The encoder keeps what it is given at once on its stack.
+  // In pieces, as the encoder copies each onto its stack.
   constexpr sf_count_t piece = 4096;
   const auto count = static_cast<sf_count_t>(sound.left.size());
   for (sf_count_t done = 0; done < count; done += piece) {

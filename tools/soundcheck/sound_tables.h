@@ -41,7 +41,7 @@ sound_tables read_sound_tables(const std::string& resources);
 
 std::string name_of_kind(sound_kind kind);
 
-// The algorithm of a sound in plain words, for example "spectral, smooth envelopes".
+// The algorithm of a sound in plain words, for example "filter bank, zero phase".
 std::string algorithm_of(const sound_row& row);
 
 // The fundamentals in Hz that a sound has when `notes` (MIDI notes) are held, without its fine tuning: those of

@@ -1,17 +1,25 @@
 // MIT License. The sounds themselves, as the module plays them, and what is generated from their tables.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
+#include "hosts/voice/voice.h"
+#include "tests/words/temporary_folder.h"
+#include "tools/soundcheck/figures.h"
 #include "tools/soundcheck/jobs.h"
 #include "tools/soundcheck/measures/loudness.h"
 #include "tools/soundcheck/measures/pitch.h"
 #include "tools/soundcheck/rendering.h"
+#include "tools/soundcheck/report.h"
 #include "tools/soundcheck/sound_tables.h"
 #include "tools/soundcheck/sounds_page.h"
 #include "tools/soundcheck/targets.h"
@@ -103,6 +111,59 @@ TEST(Sounds, AreAlignedWithTheVoice) {
   voice.insert(voice.end(), gap.begin(), gap.end());
   const auto take = render_voice(KESREL_MODULE, fresh_program(find_sound(known_sounds(), "Retro")), voice, 0.0);
   EXPECT_NEAR(centre_of(take.left), centre_of(voice), 256.0);
+}
+
+TEST(Report, HasItsPagePicturesAndSounds) {
+  const temporary_folder folder;
+  const auto tables = read_sound_tables(KESREL_RESOURCES);
+  const test_voice voice{"vowel", vowel(0.3), false, {}};
+  const auto figures = measure_sound(KESREL_MODULE, known_sounds()[3], tables.rows.at(3), {voice});
+  write_report(folder.path("report"), KESREL_MODULE, {figures}, tables, voice, {}, 1);
+  EXPECT_GT(std::filesystem::file_size(folder.path("report/index.html")), 1000U);
+  EXPECT_GT(std::filesystem::file_size(folder.path("report/pictures/03.png")), 1000U);
+  const voice_reader heard(folder.path("report/sounds/03.ogg"));
+  EXPECT_EQ(heard.channels(), 2);
+  EXPECT_EQ(heard.frames(), static_cast<int64_t>(0.6 * measures::rate_hz));
+  EXPECT_THROW(write_report("/dev/null", KESREL_MODULE, {}, tables, voice, {}, 1), failure);
+}
+
+// What a sound that speaks gives with a voice that sings: figures of levels and pitch, but none of words.
+TEST(Figures, OfASungVoiceLackWordsAlone) {
+  const auto tables = read_sound_tables(KESREL_RESOURCES);
+  const test_voice voice{"vowel", vowel(1.0), false, {}};
+  const auto figures = measure_sound(KESREL_MODULE, known_sounds()[3], tables.rows.at(3), {voice});
+  ASSERT_EQ(figures.voices.size(), 1U);
+  EXPECT_TRUE(std::isnan(figures.voices[0].estoi));
+  EXPECT_TRUE(std::isnan(figures.voices[0].pauses_db));
+  EXPECT_GT(figures.voices[0].quietest_lufs, silence_lufs);
+  EXPECT_GT(figures.voices[0].true_peak_db, -20.0);
+  EXPECT_LT(figures.stereo_correlation_with_chorus, figures.stereo_correlation);
+  EXPECT_LT(figures.tuning_cents, 100.0);
+}
+
+// The exit status of the program.
+int status_of(const std::string& words) {
+  const int status = std::system((std::string(KESREL_SOUNDCHECK " ") + words + " >/dev/null 2>&1").c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(SoundcheckProgram, EndsWithItsFindings) {
+  const temporary_folder folder;
+  const std::string csv = folder.path("figures.csv");
+  // Alone a sound has the median loudness, and this note asks for nothing but a level without clipping.
+  const std::filesystem::path resources = KESREL_RESOURCES;
+  std::filesystem::create_directory(folder.path("sounds"));
+  std::filesystem::create_directory_symlink(resources / "demo", folder.path("demo"));
+  std::filesystem::copy(resources / "sounds/factory_sounds.csv", folder.path("sounds"));
+  std::ofstream(folder.path("sounds/sound_notes.csv")) << "3 | Modern Chord Coder | effect | detuned | |\n";
+  EXPECT_EQ(status_of("--sounds 3 --voice vowel --resources '" + folder.path() + "' --csv '" + csv + "'"), 0);
+  std::ifstream file(csv);
+  std::string headings;
+  std::getline(file, headings);
+  EXPECT_TRUE(headings.starts_with("nr,sound,kind,LU:vowel,peak,")) << headings;
+  for (const char* wrong : {"--sounds 58", "--voice nobody", "--resources /nowhere", "--colour"}) {
+    EXPECT_EQ(status_of(wrong), 2) << wrong;
+  }
 }
 
 TEST(GeneratedFromSounds, ThePageIsCurrent) {

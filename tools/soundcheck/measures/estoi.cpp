@@ -13,7 +13,7 @@ namespace measures {
 
 namespace {
 
-// The constants of section II of the paper.
+// The constants of the paper.
 constexpr double rate_of_measure_hz = 10000.0;
 constexpr std::size_t frame_samples = 256;  // 25.6 ms
 constexpr std::size_t hop_samples = frame_samples / 2;

@@ -17,7 +17,7 @@ namespace measures {
 //                      of the voice is left without its silent frames
 double estoi(mono_view clean, mono_view processed);
 
-// The parts, for tests.
+// The steps of the measure, which tests check one by one.
 namespace estoi_parts {
 
 // The band levels over time of one segment: values[band * frames + frame].
@@ -31,7 +31,7 @@ struct segment {
 // (a frame over the bands). Constant rows and columns become 0.
 void normalise(segment* levels);
 
-// The mean over the frames of the inner products of their columns: equation 6 of the paper.
+// The mean over the frames of the inner products of their columns, which is the intelligibility of one segment.
 double mean_product(const segment& a, const segment& b);
 
 // Removes from both signals the frames in which `clean` is more than 40 dB below its loudest frame, and joins the rest

@@ -60,8 +60,9 @@ double true_peak_db(const stereo& sound) {
 }
 
 double highest_true_peak_db(const std::vector<const stereo*>& sounds) {
-  std::vector<float> samples;
-  for (const auto* sound : sounds) samples.push_back(highest_sample(*sound));
+  std::vector<float> samples(sounds.size());
+  std::transform(sounds.begin(), sounds.end(), samples.begin(),
+                 [](const auto* sound) { return highest_sample(*sound); });
   const float highest = samples.empty() ? 0.0F : *std::max_element(samples.begin(), samples.end());
   double peak_db = -HUGE_VAL;
   for (std::size_t i = 0; i < sounds.size(); ++i) {

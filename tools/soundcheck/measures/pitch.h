@@ -24,7 +24,7 @@ std::vector<partial> strongest_partials(mono_view signal, double low_hz, double 
 double tuning_error_cents(mono_view signal, const std::vector<double>& fundamentals_hz);
 
 struct modulation {
-  double rate_hz;  // NaN when there is none
+  double rate_hz;  // NaN for a steady tone
   double depth;    // amplitude of the stronger sideband relative to its partial: 1 for the beating of two equal tones
 };
 
@@ -36,7 +36,7 @@ modulation modulation_of(mono_view signal);
 // Hz; 0 when that is below 0.6, for noise and silence.
 double fundamental_hz(mono_view samples);
 
-// The fundamentals of a voice, one each 2048 samples.
+// The fundamentals of a voice, every 2048 samples.
 struct pitch_track {
   std::vector<double> hz;  // [i] around sample 2048 i + 4096; 0 where the voice has none
 };
@@ -46,7 +46,7 @@ pitch_track pitch_track_of(mono_view voice);
 // harmonics of the chord with that at harmonics of the voice, each over what is between them, from 80 Hz to 800 Hz, in
 // frames in which the voice has a pitch.
 //   processed   aligned with the voice
-//   returns     NaN when the voice has no pitch or the sound none of both
+//   returns     NaN when the voice has no pitch, and when the sound has neither pitch
 double chord_share(const pitch_track& voice, mono_view processed, const std::vector<double>& fundamentals_hz);
 
 }  // namespace measures

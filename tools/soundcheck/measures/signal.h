@@ -7,7 +7,7 @@
 
 namespace measures {
 
-// All measures take signals at this rate, the instrument's own.
+// The rate of all signals that are measured, the instrument's own.
 constexpr int rate_hz = 44100;
 
 using mono_view = std::span<const float>;  // full scale is 1

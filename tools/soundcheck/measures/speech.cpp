@@ -1,4 +1,4 @@
-// MIT License. What becomes of a voice's envelopes, consonants and pauses.
+// MIT License. How a voice's envelopes, consonants and pauses come through.
 #include "tools/soundcheck/measures/speech.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
 
 // Envelopes: bands of equal width on the scale of equivalent rectangular bandwidths (Glasberg and Moore 1990) over the
-// range of a telephone call and a bit more, in frames a few of which make up the shortest consonant.
+// range that speech needs, in frames short enough for the shortest consonant.
 constexpr int envelope_bands = 16;
 constexpr double envelope_low_hz = 100.0;
 constexpr double envelope_high_hz = 8000.0;
@@ -66,8 +66,8 @@ std::vector<balance> balances_of(mono_view signal) {
   return frames;
 }
 
-// What speaks in each frame of the voice. A sibilant has more power in its highs than in its lows, a vowel ten times
-// less; either is within 25 dB of the loudest, so that fading ends and breath don't count.
+// The kind of speech sound in each frame of the voice. A sibilant has more power in its highs than in its lows, a vowel
+// ten times less; either is within 25 dB of the loudest, so that fading ends and breath don't count.
 enum class speech_sound { other, sibilant, vowel };
 
 std::vector<speech_sound> sounds_of(const std::vector<balance>& voice) {

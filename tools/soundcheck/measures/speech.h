@@ -1,4 +1,4 @@
-// MIT License. What becomes of a voice's envelopes, consonants and pauses.
+// MIT License. How a voice's envelopes, consonants and pauses come through.
 #pragma once
 
 #include "tools/soundcheck/measures/signal.h"

@@ -79,9 +79,9 @@ std::vector<double> chroma_db(mono_view signal) {
     sums[static_cast<std::size_t>(std::lround(12.0 * std::log2(hz / c0_hz))) % 12] += power[k];
   }
   const double strongest = *std::max_element(sums.begin(), sums.end());
-  std::vector<double> chroma;
-  for (const double sum : sums) {
-    chroma.push_back(strongest > 0.0 ? std::max(chroma_floor_db, decibels(sum / strongest)) : chroma_floor_db);
+  std::vector<double> chroma(sums.size(), chroma_floor_db);
+  for (std::size_t note = 0; note < sums.size() && strongest > 0.0; ++note) {
+    chroma[note] = std::max(chroma_floor_db, decibels(sums[note] / strongest));
   }
   return chroma;
 }

@@ -21,7 +21,7 @@ std::vector<double> chroma_db(mono_view signal);
 // 32 Hz, in dB relative to the mean level; at least -40.
 std::vector<double> modulation_shape_db(mono_view signal);
 
-// What makes a sound recognisable.
+// The features by which sounds are compared.
 struct fingerprint {
   std::vector<double> speech_shape_db;      // third octaves of the demo voice on the chord
   std::vector<double> vowel_shape_db;       // third octaves of a vowel on a single key
