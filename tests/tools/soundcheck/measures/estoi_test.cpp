@@ -71,6 +71,11 @@ TEST(Estoi, FallsAsNoiseRises) {
   EXPECT_GT(measures::estoi(voice(), voice_in_noise(0.003)), 0.95);
 }
 
+// The expected value is that of a second, plain calculation in double precision, with sox as its resampler.
+TEST(Estoi, AgreesWithAnotherCalculation) {
+  EXPECT_NEAR(measures::estoi(voice(), voice_in_noise(0.1)), 0.7574, 0.001);
+}
+
 TEST(Estoi, NeedsASegment) {
   const auto click = tones::sine(1000.0, 0.3);
   EXPECT_TRUE(std::isnan(measures::estoi(click, click)));
