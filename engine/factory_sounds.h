@@ -4,6 +4,6 @@
 #include <cstdint>
 #include <string_view>
 
-// One text per sound number; empty where the table has no row.
+// One text per sound number.
 extern const std::string_view factory_sound_texts[];
 extern const int32_t factory_sound_text_count;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <iomanip>
-#include <set>
 #include <sstream>
 
 #include "hosts/effect/finding.h"
@@ -12,8 +11,6 @@
 
 extern const signed char sound_table_bytes[];
 extern const unsigned int sound_table_bytes_size;
-extern const signed char sound_value_bytes[];
-extern const unsigned int sound_value_bytes_size;
 
 namespace {
 
@@ -32,12 +29,9 @@ std::vector<table_row> rows_of(const signed char* bytes, std::size_t size) {
 }
 
 std::vector<sound> embedded_sounds() {
-  std::set<int> with_values;
-  for (const auto& row : rows_of(sound_value_bytes, sound_value_bytes_size)) with_values.insert(std::stoi(row.at(0)));
   std::vector<sound> sounds;
   for (const auto& row : rows_of(sound_table_bytes, sound_table_bytes_size)) {
-    const int number = std::stoi(row.at(0));
-    sounds.push_back({number, std::stoi(row.at(2)), row.at(3), row.at(1), row.at(4), with_values.contains(number)});
+    sounds.push_back({std::stoi(row.at(0)), std::stoi(row.at(2)), row.at(3), row.at(1), row.at(4)});
   }
   return sounds;
 }

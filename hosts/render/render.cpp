@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "hosts/effect/effect_host.h"
-#include "hosts/effect/finding.h"
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
@@ -137,13 +136,7 @@ class stereo_block {
 };
 
 failure no_output_from(const sound& chosen) {
-  std::vector<int> with_values;
-  for (const auto& candidate : known_sounds()) {
-    if (candidate.has_values) with_values.push_back(candidate.number);
-  }
-  return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name +
-                 "' yields no output, as the engine has no values for it: sounds with output are " +
-                 runs_of(with_values));
+  return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name + "' yields no output from this module");
 }
 
 int rate_of_effect(const render_options& options, const voice_reader& voice) {

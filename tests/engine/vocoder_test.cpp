@@ -64,7 +64,7 @@ TEST(Vocoder, WritesNothingBeforeItHasASound) {
   const float* const inputs[4] = {voice.data(), nullptr, nullptr, nullptr};
   float* const outputs[2] = {left.data(), right.data()};
   EXPECT_EQ(vocoder_process_sound(0, 0, 0, 0, nullptr, 64, inputs, outputs, instance.get()), 1);
-  EXPECT_EQ(vocoder_process_sound(0, 0, 0, 57, key, 64, inputs, outputs, instance.get()), 1);
+  EXPECT_EQ(vocoder_process_sound(0, 0, 0, 58, key, 64, inputs, outputs, instance.get()), 1);
   EXPECT_EQ(left, waveform(64, 9.0F));
   EXPECT_EQ(right, waveform(64, 9.0F));
 }
@@ -85,7 +85,7 @@ TEST(Vocoder, ChangesItsSoundOnlyWithAKeyAndAText) {
     return left;
   };
   const waveform steady = play({{1, key}, {1, nullptr}, {1, nullptr}, {1, nullptr}});
-  EXPECT_EQ(play({{1, key}, {2, nullptr}, {-1, nullptr}, {40, key}}), steady);
+  EXPECT_EQ(play({{1, key}, {2, nullptr}, {-1, nullptr}, {58, key}}), steady);
   EXPECT_NE(play({{1, key}, {3, key}, {3, nullptr}, {3, nullptr}}), steady);
 }
 

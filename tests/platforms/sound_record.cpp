@@ -104,7 +104,6 @@ void record(const std::string& module, const std::string& voice_path, const std:
   const recorder writer(module, read_voice(voice_path), folder);
   writer.record_state();
   for (const sound& sung : known_sounds()) {
-    if (!sung.has_values) continue;
     const std::string name = "mode " + mode_of(sung) + ", sound " + std::to_string(sung.number);
     writer.record(ready_program(sung, false), core_rate_hz, name);
   }
