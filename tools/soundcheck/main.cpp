@@ -10,6 +10,7 @@
 #include "hosts/effect/text.h"
 #include "tools/soundcheck/figures.h"
 #include "tools/soundcheck/jobs.h"
+#include "tools/soundcheck/names.h"
 #include "tools/soundcheck/options.h"
 #include "tools/soundcheck/rendering.h"
 #include "tools/soundcheck/report.h"
@@ -46,7 +47,7 @@ std::vector<sound> chosen_sounds(const soundcheck_options& options, const sound_
 void print_misses(const std::vector<std::string>& misses) {
   std::printf("\n");
   for (const auto& miss : misses) std::printf("%s\n", on_one_line(miss).c_str());
-  std::printf(misses.empty() ? "all targets are met\n" : "%zu targets are missed\n", misses.size());
+  std::printf(misses.empty() ? "all targets are met\n" : "targets missed: %zu\n", misses.size());
 }
 
 std::vector<program_figures> measured_programs(const soundcheck_options& options,
@@ -81,7 +82,11 @@ int check(const soundcheck_options& options, const sound_tables& tables) {
   auto misses = misses_of_sounds(sounds, tables);
   const bool is_complete = options.sounds.empty() && options.voice.empty();
   const auto add = [&](const std::vector<std::string>& more) { misses.insert(misses.end(), more.begin(), more.end()); };
-  if (is_complete) add(misses_of_set(sounds, tables));
+  if (is_complete) {
+    add(misses_of_set(sounds, tables));
+    add(names_that_values_break(tables));
+    add(names_that_figures_break(sounds));
+  }
   if (options.programs) {
     const auto programs = measured_programs(options, voices);
     std::printf("\n%s", program_table(programs).aligned().c_str());

@@ -215,7 +215,7 @@ std::string report_page(const std::vector<sound_figures>& sounds, const sound_ta
       "voice's gaps beside that of its speech; tuning is the error of the strongest partials; movement the rate of "
       "beating or modulation; mono the likeness of left and right; nearest the sound that is most alike.</p>\n";
   if (!misses.empty()) {
-    page += "<details><summary>" + std::to_string(misses.size()) + " targets are missed</summary>\n<ul>\n";
+    page += "<details><summary>Targets missed: " + std::to_string(misses.size()) + "</summary>\n<ul>\n";
     for (const auto& miss : misses) page += "<li>" + escaped(miss) + "</li>\n";
     page += "</ul></details>\n";
   }

@@ -15,10 +15,10 @@ class verdicts {
   verdicts(std::string what, std::vector<std::string>* misses) : what_(std::move(what)), misses_(*misses) {}
 
   void at_least(double limit, double value, int digits, const std::string& figure) const {
-    if (value < limit) miss(figure, value, digits, " is below ", limit);
+    if (!(value >= limit)) miss(figure, value, digits, " is below ", limit);
   }
   void at_most(double limit, double value, int digits, const std::string& figure) const {
-    if (value > limit) miss(figure, value, digits, " is above ", limit);
+    if (!(value <= limit)) miss(figure, value, digits, " is above ", limit);
   }
   void add(const std::string& text) const { misses_.push_back(what_ + ": " + text); }
 
