@@ -144,6 +144,7 @@ std::vector<std::string> names_that_values_break(const sound_tables& tables) {
 
 std::vector<std::string> names_that_figures_break(const std::vector<sound_figures>& sounds) {
   std::vector<double> centres;
+  centres.reserve(sounds.size());
   for (const auto& sound : sounds) centres.push_back(spoken(sound, &voice_figures::centroid_hz));
   const double median_centre_hz = median_of(centres);
   std::vector<std::string> misses;
