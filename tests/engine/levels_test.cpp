@@ -39,21 +39,21 @@ TEST(FactorySounds, HaveTheirLevels) {
   // One sound of every algorithm.
   constexpr sound_level sounds[] = {
       // clang-format off
-      {10, -20.22, -20.12},  // algorithm 0
-      { 8, -20.24, -19.63},  // algorithm 1
-      {16, -20.40, -20.78},  // algorithm 2
-      { 0, -19.71, -18.75},  // algorithm 3
-      { 9, -19.22, -18.79},  // algorithm 4
-      {34, -17.99, -18.93},  // algorithm 5
-      { 2, -19.89, -20.18},  // algorithm 6
-      { 1, -17.70, -17.54},  // algorithm 7
-      {44, -18.82, -19.16},  // algorithm 8
-      {35, -17.17, -16.94},  // algorithm 9
-      { 5, -21.06, -20.95},  // algorithm 10
-      {26, -22.80, -22.61},  // algorithm 11
-      {15, -18.01, -18.45},  // algorithm 12
-      {38, -19.81, -19.43},  // algorithm 13
-      { 7, -19.48, -19.94},  // algorithm 14
+      {10, -22.52, -22.42},  // algorithm 0
+      { 8, -22.64, -22.03},  // algorithm 1
+      {16, -22.80, -23.18},  // algorithm 2
+      { 0, -22.11, -21.15},  // algorithm 3
+      { 9, -21.62, -21.19},  // algorithm 4
+      {34, -20.39, -21.33},  // algorithm 5
+      { 2, -22.29, -22.58},  // algorithm 6
+      { 1, -20.10, -19.94},  // algorithm 7
+      {44, -21.22, -21.56},  // algorithm 8
+      {35, -19.57, -19.34},  // algorithm 9
+      { 5, -23.46, -23.35},  // algorithm 10
+      {26, -25.20, -25.01},  // algorithm 11
+      {15, -21.31, -21.75},  // algorithm 12
+      {38, -22.21, -21.83},  // algorithm 13
+      { 7, -21.88, -22.34},  // algorithm 14
       // clang-format on
   };
   const waveform sung = voice();

@@ -20,6 +20,7 @@ constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
 
 const std::vector<int> chord_keys = {12, 16, 19};
 const std::vector<int> single_key = {12};
+const std::vector<int> lowest_key = {0};
 
 constexpr double tail_seconds = 0.3;         // for releases
 constexpr double reverb_tail_seconds = 2.0;  // long enough to fall by 25 dB in a hall of 4 s
@@ -111,11 +112,11 @@ voice_figures measure_voice(const takes& take, const test_voice& voice, const so
   const auto wet_mono = measures::mono_of(with_reverb);
   const auto single = take(samples, single_key, plain);
   std::vector<const measures::stereo*> all = {&chord, &with_chorus, &with_reverb, &single};
-  // A sung voice makes the highest peaks, so it alone is worth this take.
-  measures::stereo single_with_all;
+  // A sung voice makes the highest peaks, most of all on low keys, so it alone is worth these takes.
+  std::vector<measures::stereo> loudest;
   if (!voice.spoken) {
-    single_with_all = take(samples, single_key, both);
-    all.push_back(&single_with_all);
+    loudest = {take(samples, single_key, both), take(samples, lowest_key, plain), take(samples, lowest_key, both)};
+    for (const auto& each : loudest) all.push_back(&each);
   }
 
   voice_figures figures{voice.name, nothing, -HUGE_VAL, nothing, nothing, nothing,
