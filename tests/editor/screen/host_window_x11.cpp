@@ -58,7 +58,7 @@ bool host_window::choose_first(int x, int y, const std::function<void()>& idle) 
   click(x, y);
   const bool opened = x11_tests::wait_until([&] { return idle(), has_open_menu(); });
   if (opened) {
-    for (const KeySym key : {XK_Home, XK_Return}) system_->host.type(key);
+    for (const auto key : {XK_Home, XK_Return}) system_->host.type(static_cast<KeySym>(key));
   }
   return opened;
 }
