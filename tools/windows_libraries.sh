@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# MIT License. Builds for Windows the libraries that kesrel-render needs and that Debian has for itself alone, from
-# Debian's sources.
+# MIT License. Builds for Windows the libraries that kesrel-render needs and which Debian doesn't package for MinGW,
+# from Debian's sources.
 #
 #   windows_libraries.sh FOLDER
 #

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
-// Opens a sound file for reading. Null when it can't be opened or is none; then sf_strerror(nullptr) has the reason.
+// Opens a sound file for reading. Returns null when it can't be opened or isn't a sound file; sf_strerror(nullptr) then
+// gives the reason.
 //   info   receives its properties
 SNDFILE* open_sound_file(const std::filesystem::path& path, SF_INFO* info);

@@ -11,8 +11,8 @@ constexpr double loudness_range_lu = 3.0;      // from the median of all sounds,
 constexpr double highest_true_peak_db = -1.0;  // dBTP, as broadcasters and streaming services ask for
 constexpr double silence_lufs = -50.0;         // quieter than this, with any voice, counts as silent
 constexpr double largest_tuning_cents = 5.0;   // about what trained listeners notice of steady tones
-// Two sounds closer than this can't be told apart. One and a half times the 1 dB over all bands at which listeners
-// begin to hear a difference in colour, so that it is heard in passing and not only side by side. See
+// Sounds closer than this are too much alike. Listeners begin to hear a difference in colour at about 1 dB over all
+// bands when they compare directly; half as much again makes it audible without a comparison. See
 // measures::distance_db().
 constexpr double least_distance_db = 1.5;
 
@@ -36,8 +36,8 @@ double median_of(std::vector<double> values);
 // The median loudness of each voice over all sounds, in the order of the voices. Sounds that are silent don't count.
 std::vector<double> median_loudness_lufs(const std::vector<sound_figures>& sounds);
 
-// A line for each target that a sound misses, in the order of the sounds. Figures that a voice doesn't have are passed
-// over.
+// A line for each target that a sound misses, in the order of the sounds. What only speech
+// has isn't asked of a sung voice; any other figure that can't be measured counts as missed.
 std::vector<std::string> misses_of_sounds(const std::vector<sound_figures>& sounds, const sound_tables& tables);
 
 // A line for each target that all sounds together miss: how many are clear, how clear, how many are effects. It makes

@@ -8,6 +8,7 @@
 
 #include "hosts/effect/text.h"
 #include "tools/soundcheck/jobs.h"
+#include "tools/soundcheck/names.h"
 #include "tools/soundcheck/options.h"
 #include "tools/soundcheck/report.h"
 #include "tools/soundcheck/spectrogram.h"
@@ -59,7 +60,7 @@ sound_figures good_sound(int number) {
 
 class Targets : public testing::Test {
  protected:
-  // The misses of five sounds of which the one in the middle is `changed`.
+  // The targets missed by five sounds, with `changed` in the middle and good ones around it.
   std::vector<std::string> misses_with(const sound_figures& changed) const {
     std::vector<sound_figures> sounds;
     for (int number = 0; number < 5; ++number) sounds.push_back(number == 2 ? changed : good_sound(number));
@@ -111,6 +112,31 @@ TEST_F(Targets, LimitTuningUnlessDetuned) {
 TEST_F(Targets, KeepSoundsApart) {
   changed_.nearest_db = 0.5 * least_distance_db;
   EXPECT_THAT(misses_with(changed_), ElementsAre(HasSubstr("distance from sound 3")));
+}
+
+TEST_F(Targets, MissWhatCannotBeMeasured) {
+  changed_.tuning_cents = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(misses_with(changed_).size(), 1U);
+}
+
+// The others have a centre of 1500 Hz and a tail of -25 dB.
+TEST(Names, PromiseWhatIsHeard) {
+  const auto broken_by = [](const char* name, double centre_hz, double tail_db, double beat_hz, double depth) {
+    std::vector<sound_figures> sounds;
+    for (int number = 0; number < 5; ++number) sounds.push_back(good_sound(number));
+    sounds[2].name = name;
+    sounds[2].voices[0].centroid_hz = centre_hz;
+    sounds[2].voices[0].pauses_with_reverb_db = tail_db;
+    sounds[2].modulation_hz = beat_hz;
+    sounds[2].modulation_depth = depth;
+    return names_that_figures_break(sounds).size();
+  };
+  EXPECT_EQ(broken_by("Dark Detuned Pad", 1400.0, -15.0, 2.0, 0.9), 0U);
+  EXPECT_EQ(broken_by("Dark Detuned Pad", 1600.0, -22.0, 2.0, 0.3), 3U);
+  EXPECT_EQ(broken_by("Dark Detuned Pad", 1400.0, -15.0, 25.0, 0.9), 1U);
+  EXPECT_EQ(broken_by("Silvery Tight Clouds", 1600.0, -26.0, 0.0, 0.0), 1U);
+  EXPECT_EQ(broken_by("Silvery Lead", 1400.0, -24.0, 0.0, 0.0), 2U);
+  EXPECT_EQ(broken_by("Ambient", 1500.0, -9.0, 0.0, 0.0), 0U);
 }
 
 TEST_F(Targets, OfTheSetAreClearSoundsAndFewEffects) {

@@ -1,4 +1,4 @@
-// MIT License. Signals of which the figures are known.
+// MIT License. Test signals whose measurements are known in advance.
 #pragma once
 
 #include <cmath>
