@@ -81,8 +81,8 @@ TEST_P(RateBridge, GivesTheSameInPiecesOfAnyLength) {
   }
 }
 
-// What the effect hears never stops and starts.
-TEST_P(RateBridge, FindsACoreSampleForEachFrame) {
+// Each frame has its sample, and core_position() its time.
+TEST_P(RateBridge, NeverRunsOut) {
   const double rate = GetParam();
   rate_bridge bridge;
   bridge.prepare(rate);
