@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Makes the Debian packages and checks them by lintian and by the desktop's own validators:
+#   tools/debian_packages.sh BUILD WORK OUTPUT
+# BUILD is the folder of a finished build, WORK is emptied, and OUTPUT gets the packages.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+[ $# -eq 3 ] || { sed -n 's/^#   /usage: /p' "$0" >&2; exit 2; }
+build=$(realpath "$1") work=$2 output=$3
+version=$(sed -n 's/^project(kesrel VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+
+desktop-file-validate packaging/desktop/kesrel-vocoder.desktop
+appstreamcli validate --no-net packaging/desktop/kesrel-vocoder.metainfo.xml
+
+# A tree of its own, as debhelper writes beside its rules, and packages beside the tree.
+rm -rf "$work"
+mkdir -p "$work/tree" "$output"
+cp -r packaging/debian "$work/tree"
+cat >"$work/tree/debian/changelog" <<TXT
+kesrel-vocoder ($version-1) bookworm; urgency=medium
+
+  * Version $version; changelog.gz beside this file says what is new.
+
+ -- $(sed -n 's/^Maintainer: //p' packaging/debian/control)  $(git log -1 --format=%cD)
+TXT
+if ! (cd "$work/tree" && KESREL_SOURCE=$OLDPWD KESREL_BUILD=$build dpkg-buildpackage --build=binary --no-sign) \
+    >"$work/log.txt" 2>&1; then
+  cat "$work/log.txt" >&2
+  exit 1
+fi
+cp "$work"/*.deb "$output"
+
+lintian --fail-on error,warning "$work"/*.deb
