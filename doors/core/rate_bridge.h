@@ -23,13 +23,13 @@ class core_stage {
   ~core_stage() = default;
 };
 
-// Converts by libsamplerate with its medium sinc filters: -121 dB of noise, flat to 90 % of the lower Nyquist frequency,
-// any ratio. It was chosen over the other streaming converters at hand because its delay is that of half its filter,
-// 1 ms each way, and constant to the sample; because it reaches the heap only when it is made; and because its licence
-// leaves the plug-in's as it is. The best filters would add 4.4 ms for the last 1.5 kHz below 22 kHz.
+// Converts by libsamplerate with its medium sinc filters: -121 dB of noise, flat to 90 % of the lower Nyquist
+// frequency, any ratio. It was chosen over the other streaming converters at hand because its delay is that of half its
+// filter, 1 ms each way, and constant to the sample; because it reaches the heap only when it is made; and because its
+// licence leaves the plug-in's as it is. The best filters would add 4.4 ms for the last 1.5 kHz below 22 kHz.
 //
 // Both filters have linear phase, and each yields a sample as soon as the input that it needs is there. What is missing
-// of the output at first is filled up with silence, once: from then on there is a frame out for each frame in.
+// of the output at first is filled up with silence: from then on there is a frame out for each frame in.
 class rate_bridge {
  public:
   // At 44100 Hz, where nothing is converted.
@@ -41,8 +41,8 @@ class rate_bridge {
   void reset();
 
   double rate_hz() const { return rate_hz_; }
-  // Frames at the host's rate by which the output follows the input, for a stage without a delay of its own. Fractions
-  // of a frame, below 1e-6, are rounding errors of the rates' ratio.
+  // Frames at the host's rate by which the output follows the input, exactly, with a stage that has no delay of its
+  // own.
   int32_t delay() const { return delay_; }
 
   // The core sample, counted from the start, that is the first at or after the host's frame `ahead` of the next one.
@@ -77,7 +77,7 @@ class rate_bridge {
 
   static void convert(const converter& state, double ratio, const float* in, int32_t frames, queue* out);
   void take(const float* in, int32_t frames, core_stage* stage);
-  int32_t longest_wait();
+  int32_t measure_delay(int32_t frames);
 
   double rate_hz_ = core_rate_hz;
   int32_t delay_ = 0;

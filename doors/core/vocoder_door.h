@@ -86,7 +86,8 @@ class vocoder_door : private core_stage {
   // Names the one in use.
   void name_program(const std::string& name);
 
-  // The image of all programs, or of the one in use, as hosts of the effect itself save it. Empty when it can't be made.
+  // The image of all programs, or of the one in use, as hosts of the effect itself save it. Empty when it can't be
+  // made.
   std::string bank_image() { return image(false); }
   std::string program_image() { return image(true); }
   // Bytes that are no such image change nothing.
@@ -108,7 +109,7 @@ class vocoder_door : private core_stage {
   // Room for more than any player does within the delay of the converters; what comes after plays a little early.
   static constexpr size_t most_waiting = 256;
 
-  // A value that moves to another without a click: half of the way in some 3 ms, and at last exactly.
+  // A value that moves to another one without a click, and gets there.
   struct smoothed {
     float value;
     float target;
@@ -124,19 +125,21 @@ class vocoder_door : private core_stage {
   VstIntPtr hear(VstInt32 opcode, VstInt32 index, float value);
 
   KesrelVocoder4TarvixEffect* effect() const { return effect_.load(std::memory_order_acquire); }
-  KesrelVocoder4TarvixEffect* wake() noexcept;
+  KesrelVocoder4TarvixEffect* wake();
   void make_effect();
-  void choose_sound(KesrelVocoder4TarvixEffect* effect, int32_t number);
-  int32_t sound_in_use(const KesrelVocoder4TarvixEffect& effect) const;
+  void pass_on(door_parameter parameter, float value, KesrelVocoder4TarvixEffect* effect);
+  bool know_sound(const KesrelVocoder4TarvixEffect& effect);
   std::string image(bool single_program);
   void restore(std::span<const uint8_t> bytes, bool single_program);
   template <typename Change>
-  void change_program(KesrelVocoder4TarvixEffect* effect, Change change);
+  void change_programs(Change change);
 
   // Audio thread.
   void run_core_block(const float* in, float* left, float* right) override;
   void enqueue(int64_t core_sample, const midi_event& event);
-  void play(const midi_event& event);
+  void play_next();
+  void reassert_keys();
+  void move_keys(const key_flags& keys);
   void settle_targets();
   void mix_input(const float* const* inputs, int32_t first, int32_t frames);
   void write_output(float* const* outputs, int32_t first, int32_t frames);
@@ -144,6 +147,7 @@ class vocoder_door : private core_stage {
   door_listener* const listener_;
 
   std::mutex wake_lock_;
+  std::mutex image_lock_;
   std::unique_ptr<KesrelVocoder4TarvixEffect> owned_effect_;
   std::atomic<KesrelVocoder4TarvixEffect*> effect_{nullptr};  // published when it is ready
   std::array<int32_t, sound_count> row_of_sound_{};           // positions in the menu, before it is published
