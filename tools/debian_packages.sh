@@ -28,6 +28,7 @@ if ! (cd "$work/tree" && KESREL_SOURCE=$OLDPWD KESREL_BUILD=$build dpkg-buildpac
   cat "$work/log.txt" >&2
   exit 1
 fi
+rm -f "$output"/kesrel-vocoder*.deb
 cp "$work"/*.deb "$output"
 
 lintian --fail-on error,warning "$work"/*.deb

@@ -22,9 +22,9 @@ fs::path own_plugin() {
     const fs::path candidate = (folder / place).lexically_normal();
     std::error_code ignored;
     if (fs::exists(candidate, ignored)) return candidate;
-    missing.push_back("'" + candidate.string() + "'");
+    missing.push_back(candidate.string());
   }
-  throw failure("the plug-in cannot be found: there is neither " + missing[0] + " nor " + missing[1]);
+  throw failure("the plug-in cannot be found: there is neither '" + missing[0] + "' nor '" + missing[1] + "'");
 }
 
 }  // namespace
