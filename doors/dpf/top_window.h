@@ -33,5 +33,8 @@ class top_window {
 //   owner   the window that ours stays in front of, or 0
 std::unique_ptr<top_window> make_top_window(const std::string& title, const window_extent& extent, uintptr_t owner);
 
+// Of the desktop, 1 for 96 dots per inch and where it isn't known.
+double display_scale();
+
 // The window that was opened last inside `parent`; 0 if none.
 uintptr_t newest_child(uintptr_t parent);

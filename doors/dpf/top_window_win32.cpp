@@ -8,6 +8,10 @@ std::unique_ptr<top_window> make_top_window(const std::string& /*title*/, const 
   return nullptr;
 }
 
+double display_scale() {
+  return 1;
+}
+
 uintptr_t newest_child(uintptr_t parent) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): the framework keeps handles as numbers.
   return reinterpret_cast<uintptr_t>(GetWindow(reinterpret_cast<HWND>(parent), GW_CHILD));

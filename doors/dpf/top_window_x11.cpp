@@ -1,10 +1,11 @@
 // MIT License.
 #include "doors/dpf/top_window.h"
 
-#include <X11/XKBlib.h>
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xresource.h>
 #include <X11/Xutil.h>
+
+#include <cstdlib>
 
 namespace {
 
@@ -100,7 +101,9 @@ class x11_window : public top_window {
   // Keys belong to the editor, whose window is the only one inside.
   void pass_focus() {
     const Window editor = newest_child(display_.get(), window_);
-    if (editor == None) return;
+    XWindowAttributes attributes{};
+    if (editor == None || XGetWindowAttributes(display_.get(), editor, &attributes) == 0) return;
+    if (attributes.map_state != IsViewable) return;
     XSetInputFocus(display_.get(), editor, RevertToParent, CurrentTime);
     XFlush(display_.get());
   }
@@ -117,6 +120,21 @@ std::unique_ptr<top_window> make_top_window(const std::string& title, const wind
   display_handle display(XOpenDisplay(nullptr));
   if (display == nullptr) return nullptr;
   return std::make_unique<x11_window>(std::move(display), title, extent, owner);
+}
+
+double display_scale() {
+  const display_handle display(XOpenDisplay(nullptr));
+  const char* const resources = display == nullptr ? nullptr : XResourceManagerString(display.get());
+  if (resources == nullptr) return 1;
+  XrmInitialize();
+  const XrmDatabase database = XrmGetStringDatabase(resources);
+  if (database == nullptr) return 1;
+  char* type = nullptr;
+  XrmValue value{};
+  const bool is_set = XrmGetResource(database, "Xft.dpi", "Xft.Dpi", &type, &value) != 0 && value.addr != nullptr;
+  const double dots_per_inch = is_set ? std::strtod(value.addr, nullptr) : 0;
+  XrmDestroyDatabase(database);
+  return dots_per_inch > 0 ? dots_per_inch / 96 : 1;
 }
 
 uintptr_t newest_child(uintptr_t parent) {

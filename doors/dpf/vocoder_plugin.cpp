@@ -39,14 +39,14 @@ uint8_t controller_of(door_parameter parameter) {
   }
 }
 
-// The names of all of a parameter's values.
+// The names of all of a parameter's values. A switch is no list, but has names as well.
 void name_values(door_parameter parameter, const parameter_description& description,
                  ParameterEnumerationValues* names) {
   const auto first = static_cast<int32_t>(description.lowest);
   const auto count = static_cast<int32_t>(description.highest) - first + 1;
   names->values = new ParameterEnumerationValue[static_cast<size_t>(count)];
   names->count = static_cast<uint8_t>(count);
-  names->restrictedMode = true;
+  names->restrictedMode = description.kind == parameter_kind::choice;
   for (int32_t i = 0; i < count; ++i) {
     names->values[i].value = static_cast<float>(first + i);
     names->values[i].label = std::string(value_name(parameter, first + i)).c_str();
@@ -104,6 +104,7 @@ void vocoder_plugin::initParameter(uint32_t index, Parameter& parameter) {
   switch (description.kind) {
     case parameter_kind::on_off:
       parameter.hints |= kParameterIsBoolean;
+      name_values(number, description, &parameter.enumValues);
       break;
     case parameter_kind::choice:
       parameter.hints |= kParameterIsInteger;
