@@ -169,7 +169,7 @@ TEST(AnyHost, SkipsWhatIsNoMessageOfAChannel) {
   effect.start();
   VstMidiEvent damaged = {};
   damaged.type = kVstSysExType;
-  std::ranges::copy({'\x90', '\x3C', '\x64'}, damaged.midiData);
+  std::memcpy(damaged.midiData, "\x90\x3C\x64", 3);
   effect.send_entries({nullptr, reinterpret_cast<VstEvent*>(&damaged)});
   effect.send({{0, {0xF8, 60, 100}}, {0, {60, 60, 100}}, {-5, {0x90, 48, 100}}, {9999, {0x9F, 50, 100}}});
   effect.sing(noise(2048), 1024);
