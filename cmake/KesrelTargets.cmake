@@ -53,9 +53,17 @@ function(kesrel_program name)
   target_link_libraries(${name} PRIVATE ${arg_LINKS} kesrel_flags)
 endfunction()
 
+# kesrel_version_resource(TARGET FILE DESCRIPTION)
+#   What the properties of the module FILE show on Windows.
+function(kesrel_version_resource target file description)
+  get_filename_component(module ${file} NAME_WLE)
+  configure_file(${PROJECT_SOURCE_DIR}/plugin/version.rc.in ${target}.rc)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
+
 # kesrel_vst2_module(NAME DESCRIPTION SOURCES ... LINKS ...)
 #   A module that VST 2.4 hosts load, without a prefix to its NAME. The first of the SOURCES defines the two names that
-#   leave it. DESCRIPTION is what the file's properties show on Windows.
+#   leave it. DESCRIPTION is for kesrel_version_resource.
 function(kesrel_vst2_module module description)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LINKS")
   add_library(${module} MODULE ${arg_SOURCES})
@@ -66,11 +74,8 @@ function(kesrel_vst2_module module description)
   target_link_libraries(${module} PRIVATE ${arg_LINKS} kesrel_flags)
   set(shared ${PROJECT_SOURCE_DIR}/plugin)
   if(WIN32)
-    configure_file(${shared}/version.rc.in ${module}.rc)
-    target_sources(${module} PRIVATE
-      ${shared}/dll_main_win32.cpp
-      ${shared}/exports.def
-      ${CMAKE_CURRENT_BINARY_DIR}/${module}.rc)
+    target_sources(${module} PRIVATE ${shared}/dll_main_win32.cpp ${shared}/exports.def)
+    kesrel_version_resource(${module} ${module}.dll "${description}")
     # Without names of what is local, as nobody's debugger on Windows reads them in this form.
     target_link_options(${module} PRIVATE $<$<CONFIG:Release>:-s>)
   else()

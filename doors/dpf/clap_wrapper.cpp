@@ -17,6 +17,7 @@
 #include "doors/dpf/vocoder_plugin.h"
 
 using namespace DISTRHO_NAMESPACE;
+namespace framework = DISTRHO_NAMESPACE;
 
 namespace {
 
@@ -37,7 +38,7 @@ bool save_state(const clap_plugin_t* plugin, const clap_ostream_t* stream) {
                                       static_cast<std::string*>(self->ctx)->append(static_cast<const char*>(data), size);
                                       return static_cast<int64_t>(size);
                                     }};
-  if (!clap_plugin_state.save(plugin, &collector)) return false;
+  if (!framework::clap_plugin_state.save(plugin, &collector)) return false;
   for (size_t written = 0; written < bytes.size();) {
     const int64_t count = stream->write(stream, bytes.data() + written, bytes.size() - written);
     if (count <= 0) return false;
@@ -63,7 +64,7 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
                                    left->remove_prefix(count);
                                    return static_cast<int64_t>(count);
                                  }};
-  return clap_plugin_state.load(plugin, &reader);
+  return framework::clap_plugin_state.load(plugin, &reader);
 }
 
 constexpr clap_plugin_state_t state_extension = {save_state, load_state};
@@ -75,27 +76,27 @@ bool is_parameter(clap_id id) {
 }
 
 bool parameter_info(const clap_plugin_t* plugin, uint32_t index, clap_param_info_t* info) {
-  if (!is_parameter(index) || !clap_plugin_params.get_info(plugin, index, info)) return false;
+  if (!is_parameter(index) || !framework::clap_plugin_params.get_info(plugin, index, info)) return false;
   // The framework would show each parameter in a folder of its own.
   info->module[0] = '\0';
   return true;
 }
 
 bool parameter_value(const clap_plugin_t* plugin, clap_id id, double* value) {
-  return is_parameter(id) && clap_plugin_params.get_value(plugin, id, value);
+  return is_parameter(id) && framework::clap_plugin_params.get_value(plugin, id, value);
 }
 
 bool text_of_value(const clap_plugin_t* plugin, clap_id id, double value, char* text, uint32_t size) {
   if (!is_parameter(id) || size == 0) return false;
   if (door_parameters[id].kind != parameter_kind::decibels) {
-    return clap_plugin_params.value_to_text(plugin, id, value, text, size);
+    return framework::clap_plugin_params.value_to_text(plugin, id, value, text, size);
   }
   std::snprintf(text, size, "%.1f dB", value);
   return true;
 }
 
 bool value_of_text(const clap_plugin_t* plugin, clap_id id, const char* text, double* value) {
-  if (!is_parameter(id) || !clap_plugin_params.text_to_value(plugin, id, text, value)) return false;
+  if (!is_parameter(id) || !framework::clap_plugin_params.text_to_value(plugin, id, text, value)) return false;
   *value = std::clamp<double>(*value, door_parameters[id].lowest, door_parameters[id].highest);
   return true;
 }
@@ -162,26 +163,26 @@ known_events only_known(const clap_input_events_t* host) {
 
 void flush(const clap_plugin_t* plugin, const clap_input_events_t* in, const clap_output_events_t* out) {
   const known_events events = only_known(in);
-  clap_plugin_params.flush(plugin, in != nullptr ? &events.list : nullptr, out);
+  framework::clap_plugin_params.flush(plugin, in != nullptr ? &events.list : nullptr, out);
   if (out != nullptr) tell_edits(wrapper_of(plugin), out);
 }
 
-constexpr clap_plugin_params_t params_extension = {clap_plugin_params.count, parameter_info, parameter_value,
+constexpr clap_plugin_params_t params_extension = {framework::clap_plugin_params.count, parameter_info, parameter_value,
                                                    text_of_value, value_of_text, flush};
 
 // The window. It floats nowhere.
 
 bool supports_window(const clap_plugin_t* plugin, const char* api, bool is_floating) {
-  return !is_floating && clap_plugin_gui.is_api_supported(plugin, api, is_floating);
+  return !is_floating && framework::clap_plugin_gui.is_api_supported(plugin, api, is_floating);
 }
 
 bool create_window(const clap_plugin_t* plugin, const char* api, bool is_floating) {
-  return !is_floating && clap_plugin_gui.create(plugin, api, is_floating);
+  return !is_floating && framework::clap_plugin_gui.create(plugin, api, is_floating);
 }
 
 const clap_plugin_gui_t& gui_extension() {
   static const clap_plugin_gui_t gui = [] {
-    clap_plugin_gui_t mended = clap_plugin_gui;
+    clap_plugin_gui_t mended = framework::clap_plugin_gui;
     mended.is_api_supported = supports_window;
     mended.create = create_window;
     return mended;

@@ -18,12 +18,14 @@
 #include "src/jackbridge/RtAudioBridge.hpp"
 #undef RtAudioBridge
 
+static void ignore_alsa_error(const char*, int, const char*, int, const char*, ...) {}
+
 // The framework's bridge to the system's sound opens without input, and puts MIDI messages into its buffer so that they
 // come out shifted. This one takes the input at once, where there is any, and MIDI from a port of our own.
 struct RtAudioBridge : framework_audio {
   bool open(const char* client_name) override {
     // Whatever is missing, the program says itself.
-    snd_lib_error_set_handler([](const char*, int, const char*, int, const char*, ...) {});
+    snd_lib_error_set_handler(ignore_alsa_error);
     if (RtAudio(RtAudio::LINUX_ALSA).getDeviceCount() == 0) return false;
     name = client_name;
     captureEnabled = _open(true);
