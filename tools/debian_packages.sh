@@ -28,8 +28,16 @@ if ! (cd "$work/tree" && KESREL_SOURCE=$OLDPWD KESREL_BUILD=$build dpkg-buildpac
   cat "$work/log.txt" >&2
   exit 1
 fi
-rm -f "$output"/kesrel-vocoder*.deb
-cp "$work"/*.deb "$output"
+
+# What an installation consists of is in one package each.
+cmake --install "$build" --prefix "$work/all" >/dev/null
+diff <(cd "$work/all" && find . -type f | sort) \
+     <(for package in "$work"/*.deb; do dpkg-deb --fsys-tarfile "$package" | tar --list; done |
+       sed -n -e '/\/$/d; /\/share\/doc\//d; s/\.gz$//; s/^\.\/usr/./p' | sort) ||
+  { echo "debian_packages: the first are installed, the second packed" >&2; exit 1; }
 
 # The packages aren't uploaded to Debian, so no bug of Debian's asks for them.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "$work"/*.deb
+
+rm -f "$output"/kesrel-vocoder*.deb
+cp "$work"/*.deb "$output"
