@@ -19,7 +19,7 @@ fs::path own_plugin() {
   const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
   std::vector<std::string> missing;
   for (const char* place : places) {
-    const fs::path candidate = (folder / place).lexically_normal();
+    fs::path candidate = (folder / place).lexically_normal();
     std::error_code ignored;
     if (fs::exists(candidate, ignored)) return candidate;
     missing.push_back(candidate.string());

@@ -45,7 +45,7 @@ PutsEachFormatWhereHostsLook() {
   [ ! -e "$HOME"/.vst/KesrelVocoder4ME.so ] || fail "hosts would find the bare module"
   # It finds its module.
   "$HOME"/.local/bin/kesrel-render --list-programs >"$folder/programs" || fail "kesrel-render doesn't start"
-  grep -q isn.t.in.PATH "$folder/error" || fail "no word on PATH: $(cat "$folder/error")"
+  grep -q isn.t.in.PATH "$folder/error" || fail "no hint at PATH: $(cat "$folder/error")"
 
   local prefix=$folder/system
   installer install "$build" --prefix "$prefix"
@@ -62,7 +62,7 @@ LeavesNothingBehind() {
   local before after
   before=$(listing "$folder")
   installer install "$build" --user
-  grep -q 'please remove .*/KesrelVocoder4ME.so' "$folder/error" || fail "no word on the other module of the same id"
+  grep -q 'please remove .*/KesrelVocoder4ME.so' "$folder/error" || fail "no warning about the other module of the same id"
   expect_files "$XDG_DATA_HOME"/applications/kesrel-vocoder.desktop
   installer uninstall --user
   rm "$folder"/{out,error}
