@@ -53,6 +53,43 @@ function(kesrel_program name)
   target_link_libraries(${name} PRIVATE ${arg_LINKS} kesrel_flags)
 endfunction()
 
+# kesrel_version_resource(TARGET FILE DESCRIPTION)
+#   What the properties of the module FILE show on Windows.
+function(kesrel_version_resource target file description)
+  get_filename_component(module ${file} NAME_WLE)
+  configure_file(${PROJECT_SOURCE_DIR}/plugin/version.rc.in ${target}.rc)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
+
+# kesrel_vst2_module(NAME DESCRIPTION SOURCES ... LINKS ...)
+#   A module that VST 2.4 hosts load, without a prefix to its NAME. The first of the SOURCES defines the two names that
+#   leave it. DESCRIPTION is for kesrel_version_resource.
+function(kesrel_vst2_module module description)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LINKS")
+  add_library(${module} MODULE ${arg_SOURCES})
+  set_target_properties(${module} PROPERTIES PREFIX "" CXX_EXTENSIONS OFF)
+  list(GET arg_SOURCES 0 entry)
+  set_source_files_properties(${entry} PROPERTIES COMPILE_OPTIONS -fvisibility=default)
+  target_include_directories(${module} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${module} PRIVATE ${arg_LINKS} kesrel_flags)
+  set(shared ${PROJECT_SOURCE_DIR}/plugin)
+  if(WIN32)
+    target_sources(${module} PRIVATE ${shared}/dll_main_win32.cpp ${shared}/exports.def)
+    kesrel_version_resource(${module} ${module}.dll "${description}")
+    # Without names of what is local, as nobody's debugger on Windows reads them in this form.
+    target_link_options(${module} PRIVATE $<$<CONFIG:Release>:-s>)
+  else()
+    set_target_properties(${module} PROPERTIES LINK_DEPENDS ${shared}/exports.map)
+    target_link_options(${module} PRIVATE
+      -Wl,--version-script=${shared}/exports.map
+      -Wl,--no-undefined
+      # The tables of a loaded module are not written to any more.
+      -Wl,-z,relro,-z,now
+      # Handlers of the process, for crashes or for X errors, may outlive the last effect, so their code stays too.
+      -Wl,-z,nodelete)
+  endif()
+endfunction()
+
 # kesrel_tests(NAME [LOCK RESOURCE] SOURCES ... LINKS ...)
 #   A test program of one folder. A *_test.cpp in the folder of one of the SOURCES that isn't listed stops the
 #   configuration, so that no test is left out by mistake. Tests that LOCK the same thing don't run at the same time.

@@ -25,9 +25,7 @@ using VSTGUI::owned;
 
 namespace {
 
-// Width and height of the window, and the places of its controls, before scaling.
-constexpr int32_t window_width = 575;
-constexpr int32_t window_height = 250;
+// The places of the window's controls, before scaling.
 // clang-format off
 const CRect keyboard_area      ( 22, 133, 553, 214);
 const CRect chorus_button_area ( 69,  75, 121,  94);
@@ -60,8 +58,7 @@ void create_editor(KesrelVocoder4TarvixEffect* effect) {
 
 KesrelVocoder4TarvixEditor::KesrelVocoder4TarvixEditor(KesrelVocoder4TarvixEffect* owner)
     : AEffGUIEditor(static_cast<AudioEffect*>(owner)), vocoder(owner), scale(window_scale()) {
-  const auto scaled = [this](int32_t length) { return static_cast<VstInt16>(std::lround(length * scale)); };
-  rect = {0, 0, scaled(window_height), scaled(window_width)};
+  rect = window_area();
 }
 
 KesrelVocoder4TarvixEditor::~KesrelVocoder4TarvixEditor() {

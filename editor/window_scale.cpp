@@ -16,3 +16,9 @@ double window_scale() {
   if (error != std::errc() || end != text.end() || !std::isfinite(scale)) return 1;
   return std::clamp(std::round(scale * 4) / 4, 1.0, 3.0);
 }
+
+ERect window_area() {
+  const double scale = window_scale();
+  const auto scaled = [scale](int32_t length) { return static_cast<VstInt16>(std::lround(length * scale)); };
+  return {0, 0, scaled(window_height), scaled(window_width)};
+}

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# MIT License. Builds for Windows the libraries that kesrel-render needs and which Debian doesn't package for MinGW,
-# from Debian's sources.
+# MIT License. Builds for Windows the libraries that kesrel-render and the doors need and which Debian doesn't package
+# for MinGW, from Debian's sources.
 #
 #   windows_libraries.sh FOLDER
 #
 # Afterwards FOLDER/root has their headers, libraries and pkg-config files, where cmake/mingw-w64.cmake looks for them
 # when FOLDER is build/windows-libraries, and FOLDER/licences their licences. libsndfile and libsoxr become DLLs, as the
-# LGPL lets users replace them; the codecs go into libsndfile's. Quick and silent when all of it is there already; an
+# LGPL lets users replace them; the codecs go into libsndfile's, and libsamplerate into the modules. Quick and silent when all of it is there already; an
 # unfinished build starts over.
 set -euo pipefail
 [[ $# -eq 1 ]] || { echo "usage: windows_libraries.sh FOLDER" >&2; exit 2; }
@@ -46,7 +46,7 @@ fetch() {
   apt update --error-on=any || stop "Debian's lists of source packages can't be had; see $folder/log"
   mkdir sources
   # With Debian's patches, some of which close holes in reading sound files.
-  (cd sources && apt source libogg flac libvorbis opus libsndfile libsoxr) ||
+  (cd sources && apt source libogg flac libvorbis opus libsndfile libsoxr libsamplerate) ||
     stop "the sources can't be had from Debian; see $folder/log"
   # Not every mirror has the packaging of this one, and it reads no files.
   (cd sources && apt source --download-only --tar-only libebur128 && tar -xf libebur128_*.orig.tar.*) ||
@@ -101,6 +101,7 @@ library libsoxr -D BUILD_SHARED_LIBS=ON -D BUILD_TESTS=OFF -D WITH_OPENMP=OFF -D
 printf '%s\n' "prefix=$folder/root" 'Name: soxr' 'Description: Sample rate conversion' 'Version: 0.1.3' \
   'Libs: -L${prefix}/lib -lsoxr' 'Cflags: -I${prefix}/include' >root/lib/pkgconfig/soxr.pc
 library libebur128 -D ENABLE_TESTS=OFF
+library libsamplerate -D LIBSAMPLERATE_EXAMPLES=OFF
 licence libogg COPYING
 licence flac COPYING.Xiph
 licence libvorbis COPYING
@@ -108,4 +109,5 @@ licence opus COPYING
 licence libsndfile COPYING debian/copyright
 licence libsoxr LICENCE COPYING.LGPL debian/copyright
 licence libebur128 COPYING doc/license/queue.txt
+licence libsamplerate COPYING debian/copyright
 echo "$recipe" >finished

@@ -169,12 +169,28 @@ struct VstSpeakerArrangement {
   VstSpeakerProperties speakers[8];
 };
 
+enum VstPinPropertiesFlags : VstInt32 {
+  kVstPinIsActive = 1 << 0,
+  kVstPinIsStereo = 1 << 1,    // the first of a pair
+  kVstPinUseSpeaker = 1 << 2,  // arrangementType is valid
+};
+
 struct VstPinProperties {
   char label[kVstMaxLabelLen];
   VstInt32 flags;
   VstInt32 arrangementType;  // VstSpeakerArrangementType
   char shortLabel[kVstMaxShortLabelLen];
   char future[48];
+};
+
+enum VstParameterFlags : VstInt32 {
+  kVstParameterIsSwitch = 1 << 0,
+  kVstParameterUsesIntegerMinMax = 1 << 1,
+  kVstParameterUsesFloatStep = 1 << 2,
+  kVstParameterUsesIntStep = 1 << 3,
+  kVstParameterSupportsDisplayIndex = 1 << 4,
+  kVstParameterSupportsDisplayCategory = 1 << 5,
+  kVstParameterCanRamp = 1 << 6,
 };
 
 struct VstParameterProperties {
@@ -220,6 +236,9 @@ enum VstPlugCategory : VstInt32 {
   kPlugCategGenerator = 11,
   kPlugCategMaxCount = 12,
 };
+
+// What effSetProcessPrecision asks for.
+enum VstProcessPrecision : VstInt32 { kVstProcessPrecision32 = 0, kVstProcessPrecision64 = 1 };
 
 enum VstProcessLevels : VstInt32 {
   kVstProcessLevelUnknown = 0,

@@ -1,0 +1,26 @@
+// MIT License. MIDI of the system's own, for the stand-alone program without JACK.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "doors/core/vocoder_door.h"
+
+// A port to which other programs can connect, and which connects itself to the keyboards that are there. One thread may
+// take messages out.
+class midi_port {
+ public:
+  virtual ~midi_port() = default;
+
+  // The next message; false when there is none.
+  //   audio   no heap, no lock, no system call
+  virtual bool take(midi_event* event) = 0;
+
+ protected:
+  midi_port() = default;
+  midi_port(const midi_port&) = delete;
+  midi_port& operator=(const midi_port&) = delete;
+};
+
+// Null when the system has no MIDI.
+std::unique_ptr<midi_port> open_midi_port(const std::string& name);
