@@ -87,14 +87,9 @@ bool midi_keys::control(int32_t controller, int32_t value, uint16_t channel, boo
     return false;
   }
   if (controller == controller_sustain || controller == controller_reset_all) return lift_pedal(channel, latch, keys);
-  if (controller == controller_all_sound_off) {
-    reset();
-    return clear_all(keys);
-  }
-  if (controller >= controller_all_notes_off && controller <= controller_poly_on) {
-    return end_notes(channel, latch, keys);
-  }
-  return false;
+  const bool ends_notes = controller == controller_all_sound_off ||
+                          (controller >= controller_all_notes_off && controller <= controller_poly_on);
+  return ends_notes && end_notes(channel, latch, keys);
 }
 
 bool midi_keys::lift_pedal(uint16_t channel, bool latch, key_flags* keys) {
@@ -108,7 +103,8 @@ bool midi_keys::lift_pedal(uint16_t channel, bool latch, key_flags* keys) {
   return changes;
 }
 
-// The pedal doesn't hold these: hosts send the message when they stop.
+// The pedal doesn't hold these. Hosts send such messages to all channels whenever they stop, whether anything was
+// played or not, so keys that were latched by hand stay as they are.
 bool midi_keys::end_notes(uint16_t channel, bool latch, key_flags* keys) {
   bool changes = lift_pedal(channel, latch, keys);
   for (int32_t key = 0; key < key_count; ++key) changes |= release(key, channel, latch, keys);

@@ -24,6 +24,9 @@ namespace {
 constexpr std::string_view switch_names[] = {"Off", "On"};
 constexpr std::string_view input_names[input_choice_count] = {"Both", "Left", "Right"};
 
+// Finer than anybody hears, and coarse enough that 0 dB is still 0 after a host has kept it as a share of the range.
+constexpr float steps_per_decibel = 100;
+
 std::string_view sound_name(int32_t number) {
   for (const factory_category& category : factory_categories()) {
     for (const factory_sound& sound : category.sounds) {
@@ -54,5 +57,6 @@ float nearest_value(door_parameter parameter, float value) {
   const parameter_description& description = door_parameters[static_cast<size_t>(parameter)];
   if (std::isnan(value)) return description.initial;
   const float limited = std::clamp(value, description.lowest, description.highest);
-  return description.kind == parameter_kind::decibels ? limited : std::round(limited);
+  if (description.kind != parameter_kind::decibels) return std::round(limited);
+  return std::round(limited * steps_per_decibel) / steps_per_decibel + 0.0F;  // never the negative zero
 }

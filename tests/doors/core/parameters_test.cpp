@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -28,6 +29,8 @@ TEST(DoorParameters, TakeTheNearestValueThatTheyHave) {
   EXPECT_EQ(nearest_value(door_sound, 1e9F), 57);
   EXPECT_EQ(nearest_value(door_output_gain, -7.25F), -7.25F);
   EXPECT_EQ(nearest_value(door_output_gain, -std::numeric_limits<float>::infinity()), -60);
+  EXPECT_EQ(nearest_value(door_output_gain, -1.43e-6F), 0);
+  EXPECT_FALSE(std::signbit(nearest_value(door_output_gain, -1.43e-6F)));
   EXPECT_EQ(nearest_value(door_octave, std::numeric_limits<float>::quiet_NaN()), 1);
 }
 
