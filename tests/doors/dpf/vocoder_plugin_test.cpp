@@ -163,7 +163,8 @@ TEST_F(VocoderPlugin, PlaysEventsInTheOrderOfTheirFrames) {
   too_long.size = 4;
   EXPECT_GT(level_after(plugin.get(), two_seconds, {note(0, 0x90, 60), too_long}), 1e-3F);
   EXPECT_GT(level_after(plugin.get(), two_seconds, {}), 1e-3F);
-  EXPECT_LT(level_after(plugin.get(), two_seconds, {note(300, 0x80, 62), note(100, 0x90, 62), note(200, 0x80, 60)}), 1e-3F);
+  EXPECT_LT(level_after(plugin.get(), two_seconds, {note(300, 0x80, 62), note(100, 0x90, 62), note(200, 0x80, 60)}),
+            1e-3F);
   plugin->deactivate();
 }
 
