@@ -14,6 +14,7 @@
 #include "DistrhoPluginMain.cpp"
 #undef clap_entry
 
+#include "doors/dpf/state_text.h"
 #include "doors/dpf/vocoder_plugin.h"
 
 using namespace DISTRHO_NAMESPACE;
@@ -48,6 +49,15 @@ bool save_state(const clap_plugin_t* plugin, const clap_ostream_t* stream) {
   return true;
 }
 
+// Whether the bank can be read, and the framework's own mark of the end is there. Otherwise the framework would take
+// over what it understands.
+bool is_whole_state(const std::string& bytes) {
+  constexpr std::string_view key("\0bank\0", 6);
+  const size_t found = bytes.find(key);
+  if (found == std::string::npos || bytes.find('\xfe', found) == std::string::npos) return false;
+  return bytes_of_text(bytes.c_str() + found + key.size()).has_value();
+}
+
 bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
   std::string bytes;
   for (char piece[4096];;) {
@@ -56,8 +66,7 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
     if (count == 0) break;
     bytes.append(piece, static_cast<size_t>(count));
   }
-  // The framework's own mark of the end: what lacks it is no state, or was cut.
-  if (bytes.find('\xfe') == std::string::npos) return false;
+  if (!is_whole_state(bytes)) return false;
   std::string_view rest = bytes;
   const clap_istream_t reader = {&rest, [](const clap_istream_t* self, void* data, uint64_t size) {
                                    auto* const left = static_cast<std::string_view*>(self->ctx);

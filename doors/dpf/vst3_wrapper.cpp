@@ -1,5 +1,6 @@
 // MIT License. The framework's VST3 module, with some of its habits mended. Its sources are meant to be one file with
 // this, which is compiled without access control: what has to be mended is private to the framework's classes.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 
@@ -47,6 +48,8 @@ static inline whole_stream v3_cpp_obj(v3_bstream** stream) {
 #include "DistrhoPluginMain.cpp"
 #undef GetPluginFactory
 
+#include "doors/dpf/vocoder_plugin.h"
+
 using namespace DISTRHO_NAMESPACE;
 
 namespace {
@@ -68,15 +71,26 @@ PluginVst3* plugin_of_controller(void* self) {
   return (*static_cast<dpf_edit_controller**>(self))->vst3;
 }
 
+vocoder_door& door_of(PluginVst3* plugin) {
+  auto* const base = static_cast<Plugin*>(plugin->fPlugin.getInstancePointer());
+  return static_cast<vocoder_plugin*>(base)->door();
+}
+
 // The framework takes the first parameter for a MIDI controller here, and leaves all others to the next block.
 
 decltype(v3_edit_controller::get_parameter_normalised) get_by_framework = nullptr;
 decltype(v3_edit_controller::set_parameter_normalised) set_by_framework = nullptr;
+decltype(v3_edit_controller::get_parameter_info) describe_by_framework = nullptr;
 decltype(v3_edit_controller::get_parameter_string_for_value) write_by_framework = nullptr;
 
 double V3_API get_parameter(void* self, v3_param_id id) {
   PluginVst3* const plugin = plugin_of_controller(self);
-  if (!is_parameter(id) || plugin == nullptr) return get_by_framework(self, id);
+  if (plugin == nullptr) return get_by_framework(self, id);
+  // A bank brings a program with it.
+  if (id == kVst3InternalParameterProgram) {
+    return std::min(1.0, static_cast<double>(door_of(plugin).program()) / (program_count - 1));
+  }
+  if (!is_parameter(id)) return get_by_framework(self, id);
   const uint32_t index = id - kVst3InternalParameterCount;
   return plugin->_getNormalizedParameterValue(index, plugin->fPlugin.getParameterValue(index));
 }
@@ -87,6 +101,13 @@ v3_result V3_API set_parameter(void* self, v3_param_id id, double normalized) {
   if (!(normalized >= 0 && normalized <= 1)) return V3_INVALID_ARG;
   plugin->_setNormalizedPluginParameterValue(id - kVst3InternalParameterCount, normalized);
   return V3_OK;
+}
+
+// It hides the programs, which are a parameter in this format.
+v3_result V3_API describe_parameter(void* self, int32_t index, v3_param_info* info) {
+  const v3_result result = describe_by_framework(self, index, info);
+  if (result == V3_OK && index == kVst3InternalParameterProgram) info->flags &= ~V3_PARAM_IS_HIDDEN;
+  return result;
 }
 
 v3_result V3_API write_value(void* self, v3_param_id id, double normalized, v3_str_128 text) {
@@ -103,9 +124,11 @@ void mend_controller(v3_edit_controller* controller) {
   if (controller->set_parameter_normalised == set_parameter) return;
   get_by_framework = controller->get_parameter_normalised;
   set_by_framework = controller->set_parameter_normalised;
+  describe_by_framework = controller->get_parameter_info;
   write_by_framework = controller->get_parameter_string_for_value;
   controller->get_parameter_normalised = get_parameter;
   controller->set_parameter_normalised = set_parameter;
+  controller->get_parameter_info = describe_parameter;
   controller->get_parameter_string_for_value = write_value;
 }
 
