@@ -49,15 +49,6 @@ bool save_state(const clap_plugin_t* plugin, const clap_ostream_t* stream) {
   return true;
 }
 
-// Whether the bank can be read, and the framework's own mark of the end is there. Otherwise the framework would take
-// over what it understands.
-bool is_whole_state(const std::string& bytes) {
-  constexpr std::string_view key("\0bank\0", 6);
-  const size_t found = bytes.find(key);
-  if (found == std::string::npos || bytes.find('\xfe', found) == std::string::npos) return false;
-  return bytes_of_text(bytes.c_str() + found + key.size()).has_value();
-}
-
 bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
   std::string bytes;
   for (char piece[4096];;) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "doors/core/parameters.h"
 #include "src/travesty/base.h"
@@ -48,6 +50,7 @@ static inline whole_stream v3_cpp_obj(v3_bstream** stream) {
 #include "DistrhoPluginMain.cpp"
 #undef GetPluginFactory
 
+#include "doors/dpf/state_text.h"
 #include "doors/dpf/vocoder_plugin.h"
 
 using namespace DISTRHO_NAMESPACE;
@@ -132,6 +135,39 @@ void mend_controller(v3_edit_controller* controller) {
   controller->get_parameter_string_for_value = write_value;
 }
 
+// A stream over bytes that are here, laid out as the interface wants it. The framework only reads it.
+struct memory_stream {
+  v3_funknown unknown{};
+  v3_bstream calls{};
+  std::string_view rest;
+
+  explicit memory_stream(std::string_view bytes) : rest(bytes) {
+    calls.read = [](void* self, void* buffer, int32_t size, int32_t* done) {
+      std::string_view& left = (*static_cast<memory_stream**>(self))->rest;
+      *done = static_cast<int32_t>(left.copy(static_cast<char*>(buffer), static_cast<size_t>(size)));
+      left.remove_prefix(static_cast<size_t>(*done));
+      return static_cast<v3_result>(V3_OK);
+    };
+  }
+};
+
+decltype(v3_component::set_state) set_state_by_framework = nullptr;
+
+v3_result V3_API set_state(void* self, v3_bstream** stream) {
+  std::string bytes;
+  for (char piece[4096];;) {
+    int32_t count = 0;
+    const v3_result result = v3_cpp_obj(stream)->read(stream, piece, sizeof piece, &count);
+    if (result != V3_OK && bytes.empty()) return result;
+    if (result != V3_OK || count <= 0) break;
+    bytes.append(piece, static_cast<size_t>(count));
+  }
+  if (!is_whole_state(bytes)) return V3_INVALID_ARG;
+  memory_stream whole(bytes);
+  memory_stream* object = &whole;
+  return set_state_by_framework(self, reinterpret_cast<v3_bstream**>(&object));
+}
+
 // The parts of a plug-in come into being when a host asks for them.
 v3_result(V3_API* query_by_framework)(void* self, const v3_tuid iid, void** found) = nullptr;
 
@@ -153,6 +189,8 @@ v3_result V3_API create(void* self, const v3_tuid class_id, const v3_tuid iid, v
   dpf_component* const component = *static_cast<dpf_component**>(*instance);
   query_by_framework = component->query_interface;
   component->query_interface = query;
+  set_state_by_framework = component->comp.set_state;
+  component->comp.set_state = set_state;
   return result;
 }
 
