@@ -1,7 +1,9 @@
 // MIT License. The framework's VST3 module, with some of its habits mended. Its sources are meant to be one file with
 // this, which is compiled without access control: what has to be mended is private to the framework's classes.
 #include <cstdint>
+#include <cstdio>
 
+#include "doors/core/parameters.h"
 #include "src/travesty/base.h"
 #include "src/travesty/bstream.h"
 
@@ -58,17 +60,76 @@ uint32_t V3_API tail(void* self) {
   return plugin != nullptr ? static_cast<uint32_t>(plugin->getSampleRate() * tail_seconds) : 0;
 }
 
+bool is_parameter(v3_param_id id) {
+  return id >= kVst3InternalParameterCount && id - kVst3InternalParameterCount < door_parameters.size();
+}
+
+PluginVst3* plugin_of_controller(void* self) {
+  return (*static_cast<dpf_edit_controller**>(self))->vst3;
+}
+
+// The framework takes the first parameter for a MIDI controller here, and leaves all others to the next block.
+
+decltype(v3_edit_controller::get_parameter_normalised) get_by_framework = nullptr;
+decltype(v3_edit_controller::set_parameter_normalised) set_by_framework = nullptr;
+decltype(v3_edit_controller::get_parameter_string_for_value) write_by_framework = nullptr;
+
+double V3_API get_parameter(void* self, v3_param_id id) {
+  PluginVst3* const plugin = plugin_of_controller(self);
+  if (!is_parameter(id) || plugin == nullptr) return get_by_framework(self, id);
+  const uint32_t index = id - kVst3InternalParameterCount;
+  return plugin->_getNormalizedParameterValue(index, plugin->fPlugin.getParameterValue(index));
+}
+
+v3_result V3_API set_parameter(void* self, v3_param_id id, double normalized) {
+  PluginVst3* const plugin = plugin_of_controller(self);
+  if (!is_parameter(id) || plugin == nullptr) return set_by_framework(self, id, normalized);
+  if (!(normalized >= 0 && normalized <= 1)) return V3_INVALID_ARG;
+  plugin->_setNormalizedPluginParameterValue(id - kVst3InternalParameterCount, normalized);
+  return V3_OK;
+}
+
+v3_result V3_API write_value(void* self, v3_param_id id, double normalized, v3_str_128 text) {
+  if (id != kVst3InternalParameterCount + door_output_gain) return write_by_framework(self, id, normalized, text);
+  const parameter_description& gain = door_parameters[door_output_gain];
+  char decibels[16];
+  std::snprintf(decibels, sizeof decibels, "%.1f", gain.lowest + normalized * (gain.highest - gain.lowest));
+  strncpy_utf16(text, decibels, 128);
+  return V3_OK;
+}
+
+// The framework's functions are the same for all instances.
+void mend_controller(v3_edit_controller* controller) {
+  if (controller->set_parameter_normalised == set_parameter) return;
+  get_by_framework = controller->get_parameter_normalised;
+  set_by_framework = controller->set_parameter_normalised;
+  write_by_framework = controller->get_parameter_string_for_value;
+  controller->get_parameter_normalised = get_parameter;
+  controller->set_parameter_normalised = set_parameter;
+  controller->get_parameter_string_for_value = write_value;
+}
+
+// The parts of a plug-in come into being when a host asks for them.
+v3_result (V3_API* query_by_framework)(void* self, const v3_tuid iid, void** found) = nullptr;
+
+v3_result V3_API query(void* self, const v3_tuid iid, void** found) {
+  const v3_result result = query_by_framework(self, iid, found);
+  if (result != V3_OK) return result;
+  if (v3_tuid_match(iid, v3_edit_controller_iid)) mend_controller(&(*static_cast<dpf_edit_controller**>(*found))->ctrl);
+  if (v3_tuid_match(iid, v3_audio_processor_iid)) {
+    (*static_cast<dpf_audio_processor**>(*found))->proc.get_tail_samples = tail;
+  }
+  return result;
+}
+
 decltype(v3_plugin_factory::create_instance) create_by_framework = nullptr;
 
 v3_result V3_API create(void* self, const v3_tuid class_id, const v3_tuid iid, void** instance) {
   const v3_result result = create_by_framework(self, class_id, iid, instance);
   if (result != V3_OK) return result;
-  auto** const component = static_cast<v3_funknown**>(*instance);
-  v3_audio_processor** found = nullptr;
-  if (v3_cpp_obj_query_interface(component, v3_audio_processor_iid, &found) == V3_OK) {
-    v3_cpp_obj(found)->get_tail_samples = tail;
-    v3_cpp_obj_unref(found);
-  }
+  dpf_component* const component = *static_cast<dpf_component**>(*instance);
+  query_by_framework = component->query_interface;
+  component->query_interface = query;
   return result;
 }
 
