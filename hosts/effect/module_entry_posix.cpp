@@ -2,6 +2,8 @@
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <system_error>
+#include <vector>
 
 #include "hosts/effect/module_entry.h"
 #include "hosts/effect/text.h"
@@ -10,8 +12,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// As in a build or an unpacked archive, and as in an installation, where only these programs should find the module.
+constexpr const char* places[] = {"KesrelVocoder4ME.so", "../" KESREL_MODULE_PLACE "/KesrelVocoder4ME.so"};
+
 fs::path own_plugin() {
-  return fs::read_symlink("/proc/self/exe").replace_filename("KesrelVocoder4ME.so");
+  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+  std::vector<std::string> missing;
+  for (const char* place : places) {
+    fs::path candidate = (folder / place).lexically_normal();
+    std::error_code ignored;
+    if (fs::exists(candidate, ignored)) return candidate;
+    missing.push_back(candidate.string());
+  }
+  throw failure("the plug-in cannot be found: there is neither '" + missing[0] + "' nor '" + missing[1] + "'");
 }
 
 }  // namespace

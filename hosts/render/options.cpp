@@ -75,7 +75,7 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("--save-state", options->save_state,
                   "Write the bank to a file, or the program in use to one whose name ends in .fxp")
       ->type_name("FILE");
-  app->add_option("--plugin", options->plugin, "The module to load, default the one beside this program")
+  app->add_option("--plugin", options->plugin, "The module to load, default the one that came with this program")
       ->type_name("PATH");
   app->add_option("--block", options->block, "Samples per call of the effect, default 512")
       ->type_name("N")

@@ -51,7 +51,7 @@ void declare(CLI::App* app, show_options* options) {
   app->set_version_flag("--version", "kesrel-show " KESREL_VERSION, "Print the version and leave");
   app->set_help_flag("-h,--help", "Print this help and leave");
   app->footer(help_footer);
-  app->add_option("--plugin", options->plugin, "The module to load, default the one beside this program")
+  app->add_option("--plugin", options->plugin, "The module to load, default the one that came with this program")
       ->type_name("PATH");
   app->add_option("--voice", options->voice, "Sound file to play through the effect, default a spoken sentence")
       ->type_name("FILE");
