@@ -35,7 +35,8 @@ vocoder_door& door_of(const clap_plugin_t* plugin) {
 bool save_state(const clap_plugin_t* plugin, const clap_ostream_t* stream) {
   std::string bytes;
   const clap_ostream_t collector = {&bytes, [](const clap_ostream_t* self, const void* data, uint64_t size) {
-                                      static_cast<std::string*>(self->ctx)->append(static_cast<const char*>(data), size);
+                                      static_cast<std::string*>(self->ctx)->append(static_cast<const char*>(data),
+                                                                                   size);
                                       return static_cast<int64_t>(size);
                                     }};
   if (!framework::clap_plugin_state.save(plugin, &collector)) return false;
@@ -108,11 +109,17 @@ void tell_edits(PluginCLAP* wrapper, const clap_output_events_t* out) {
   for (uint32_t i = 0; i < queue.used; ++i) {
     const auto& edit = queue.events[i];
     clap_event_param_value_t event = {{sizeof event, 0, 0, CLAP_EVENT_PARAM_VALUE, CLAP_EVENT_IS_LIVE},
-                                      edit.index, nullptr, -1, -1, -1, -1, edit.value};
+                                      edit.index,
+                                      nullptr,
+                                      -1,
+                                      -1,
+                                      -1,
+                                      -1,
+                                      edit.value};
     if (edit.type != ClapEventQueue::kEventParamSet) {
       event.header.size = sizeof(clap_event_param_gesture_t);
       event.header.type = edit.type == ClapEventQueue::kEventGestureBegin ? CLAP_EVENT_PARAM_GESTURE_BEGIN
-                                                                           : CLAP_EVENT_PARAM_GESTURE_END;
+                                                                          : CLAP_EVENT_PARAM_GESTURE_END;
     }
     out->try_push(out, &event.header);
   }
@@ -147,7 +154,8 @@ bool is_known(const clap_event_header_t& event) {
 
 known_events only_known(const clap_input_events_t* host) {
   // Of a kind that the framework passes over.
-  static constexpr clap_event_header_t nothing = {sizeof nothing, 0, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_MIDI_SYSEX, 0};
+  static constexpr clap_event_header_t nothing = {sizeof nothing, 0, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_MIDI_SYSEX,
+                                                  0};
   return {{nullptr,
            [](const clap_input_events_t* self) {
              const auto* const events = reinterpret_cast<const known_events*>(self);
@@ -167,8 +175,8 @@ void flush(const clap_plugin_t* plugin, const clap_input_events_t* in, const cla
   if (out != nullptr) tell_edits(wrapper_of(plugin), out);
 }
 
-constexpr clap_plugin_params_t params_extension = {framework::clap_plugin_params.count, parameter_info, parameter_value,
-                                                   text_of_value, value_of_text, flush};
+constexpr clap_plugin_params_t params_extension = {
+    clap_plugin_params_count, parameter_info, parameter_value, text_of_value, value_of_text, flush};
 
 // The window. It floats nowhere.
 
@@ -223,8 +231,8 @@ const void* extension(const clap_plugin_t* plugin, const char* id) {
 
 // The plug-in.
 
-// The framework would ask for a restart in the first block, as the latency isn't the 0 that it begins with, and it would
-// call an extension that the host may not have.
+// The framework would ask for a restart in the first block, as the latency isn't the 0 that it begins with, and it
+// would call an extension that the host may not have.
 bool init(const clap_plugin_t* plugin) {
   if (!clap_plugin_init(plugin)) return false;
   PluginCLAP* const wrapper = wrapper_of(plugin);

@@ -1,5 +1,5 @@
-// MIT License. The framework's program, with what it lacks: the sound card's inputs and MIDI keyboards without JACK, and
-// connections with JACK. Its sources are meant to be one file with this.
+// MIT License. The framework's program, with what it lacks: the sound card's inputs and MIDI keyboards without JACK,
+// and connections with JACK. Its sources are meant to be one file with this.
 #include "doors/dpf/jack_wrapper.h"
 
 #include <alsa/asoundlib.h>

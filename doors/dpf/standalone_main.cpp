@@ -12,7 +12,8 @@ namespace {
 constexpr char usage[] =
     "Usage: kesrel-vocoder [--no-connect]\n"
     "\n"
-    "Sings what comes in from the microphone, in the chord of the window's keys or of a MIDI keyboard. It runs on JACK,\n"
+    "Sings what comes in from the microphone, in the chord of the window's keys or of a MIDI keyboard. It runs on "
+    "JACK,\n"
     "and on the system's own sound when there is no JACK server.\n"
     "\n"
     "  --no-connect   leave JACK's ports unconnected\n"

@@ -137,7 +137,14 @@ void vocoder_plugin::setParameterValue(uint32_t index, float value) {
 }
 
 void vocoder_plugin::loadProgram(uint32_t index) {
-  if (index < static_cast<uint32_t>(program_count)) door_.select_program(static_cast<int32_t>(index));
+  if (index >= static_cast<uint32_t>(program_count)) return;
+  held_program_ = static_cast<int32_t>(index);
+  if (!holds_programs_) load_held_program();
+}
+
+void vocoder_plugin::load_held_program() {
+  const int32_t program = held_program_.exchange(-1);
+  if (program >= 0) door_.select_program(program);
 }
 
 String vocoder_plugin::getState(const char* key) const {

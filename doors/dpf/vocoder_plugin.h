@@ -4,6 +4,7 @@
 
 #include <DistrhoPlugin.hpp>
 #include <array>
+#include <atomic>
 
 #include "doors/core/vocoder_door.h"
 
@@ -18,6 +19,12 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   // Whom edits in the window are passed on to; null when no window is open. For the thread of the window.
   void set_window(door_listener* window) { window_ = window; }
   door_listener* window() const { return window_; }
+
+  // From now on programs wait until they are taken: the stand-alone program gets them from a keyboard, on its audio
+  // thread, where they can't be loaded.
+  void hold_programs() { holds_programs_ = true; }
+  // Loads the program that waits, if there is one.
+  void load_held_program();
 
  protected:
   const char* getLabel() const override;
@@ -62,4 +69,6 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   mutable vocoder_door door_{this};
   door_listener* window_ = nullptr;
   std::array<midi_event, most_events> events_;
+  bool holds_programs_ = false;
+  std::atomic<int32_t> held_program_{-1};
 };

@@ -15,6 +15,7 @@ vocoder_window::vocoder_window() : plugin_(plugin_of(*this)), editor_(plugin_.do
     setSize(static_cast<uint>(area->right - area->left), static_cast<uint>(area->bottom - area->top));
   }
   is_complete_ = true;
+  if (isStandalone()) plugin_.hold_programs();
   if (isEmbed()) open_in(getParentWindowHandle());
 }
 
@@ -29,6 +30,7 @@ void vocoder_window::focus() {
 
 void vocoder_window::uiIdle() {
   if (top_ != nullptr && top_->handle_events()) close();
+  plugin_.load_held_program();
   // An editor that waits for its menu may ask its host to go on.
   if (!has_editor() || is_idling_) return;
   is_idling_ = true;

@@ -51,8 +51,8 @@ using namespace DISTRHO_NAMESPACE;
 
 namespace {
 
-// The reverb and the longest delays have died away by then. The framework says that nothing follows the input, and a host
-// would cut it off.
+// The reverb and the longest delays have died away by then. The framework says that nothing follows the input, and a
+// host would cut it off.
 constexpr double tail_seconds = 10;
 
 uint32_t V3_API tail(void* self) {
@@ -110,7 +110,7 @@ void mend_controller(v3_edit_controller* controller) {
 }
 
 // The parts of a plug-in come into being when a host asks for them.
-v3_result (V3_API* query_by_framework)(void* self, const v3_tuid iid, void** found) = nullptr;
+v3_result(V3_API* query_by_framework)(void* self, const v3_tuid iid, void** found) = nullptr;
 
 v3_result V3_API query(void* self, const v3_tuid iid, void** found) {
   const v3_result result = query_by_framework(self, iid, found);
