@@ -14,6 +14,7 @@
 #include "DistrhoPluginMain.cpp"
 #undef clap_entry
 
+#include "doors/dpf/state_text.h"
 #include "doors/dpf/vocoder_plugin.h"
 
 using namespace DISTRHO_NAMESPACE;
@@ -56,8 +57,7 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
     if (count == 0) break;
     bytes.append(piece, static_cast<size_t>(count));
   }
-  // The framework's own mark of the end: what lacks it is no state, or was cut.
-  if (bytes.find('\xfe') == std::string::npos) return false;
+  if (!is_whole_state(bytes)) return false;
   std::string_view rest = bytes;
   const clap_istream_t reader = {&rest, [](const clap_istream_t* self, void* data, uint64_t size) {
                                    auto* const left = static_cast<std::string_view*>(self->ctx);

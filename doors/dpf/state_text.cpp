@@ -1,6 +1,8 @@
 // MIT License.
 #include "doors/dpf/state_text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -47,4 +49,16 @@ std::optional<std::vector<uint8_t>> bytes_of_text(std::string_view text) {
   // Only the last group is padded: behind it, another character would have been refused.
   if (filled != 0) return std::nullopt;
   return bytes;
+}
+
+bool is_whole_state(std::string_view bytes) {
+  constexpr std::string_view key("\0bank\0", 6);
+  constexpr char end_of_state = '\xfe';
+  const size_t found = bytes.find(key);
+  if (found == std::string_view::npos) return false;
+  const std::string_view rest = bytes.substr(found + key.size());
+  const size_t end_of_bank = rest.find('\0');
+  if (end_of_bank == std::string_view::npos || rest.find(end_of_state, end_of_bank) == std::string_view::npos)
+    return false;
+  return bytes_of_text(rest.substr(0, end_of_bank)).has_value();
 }

@@ -1,7 +1,10 @@
 // MIT License. The framework's VST3 module, with some of its habits mended. Its sources are meant to be one file with
 // this, which is compiled without access control: what has to be mended is private to the framework's classes.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "doors/core/parameters.h"
 #include "src/travesty/base.h"
@@ -47,6 +50,9 @@ static inline whole_stream v3_cpp_obj(v3_bstream** stream) {
 #include "DistrhoPluginMain.cpp"
 #undef GetPluginFactory
 
+#include "doors/dpf/state_text.h"
+#include "doors/dpf/vocoder_plugin.h"
+
 using namespace DISTRHO_NAMESPACE;
 
 namespace {
@@ -68,15 +74,26 @@ PluginVst3* plugin_of_controller(void* self) {
   return (*static_cast<dpf_edit_controller**>(self))->vst3;
 }
 
+vocoder_door& door_of(PluginVst3* plugin) {
+  auto* const base = static_cast<Plugin*>(plugin->fPlugin.getInstancePointer());
+  return static_cast<vocoder_plugin*>(base)->door();
+}
+
 // The framework takes the first parameter for a MIDI controller here, and leaves all others to the next block.
 
 decltype(v3_edit_controller::get_parameter_normalised) get_by_framework = nullptr;
 decltype(v3_edit_controller::set_parameter_normalised) set_by_framework = nullptr;
+decltype(v3_edit_controller::get_parameter_info) describe_by_framework = nullptr;
 decltype(v3_edit_controller::get_parameter_string_for_value) write_by_framework = nullptr;
 
 double V3_API get_parameter(void* self, v3_param_id id) {
   PluginVst3* const plugin = plugin_of_controller(self);
-  if (!is_parameter(id) || plugin == nullptr) return get_by_framework(self, id);
+  if (plugin == nullptr) return get_by_framework(self, id);
+  // A bank brings a program with it.
+  if (id == kVst3InternalParameterProgram) {
+    return std::min(1.0, static_cast<double>(door_of(plugin).program()) / (program_count - 1));
+  }
+  if (!is_parameter(id)) return get_by_framework(self, id);
   const uint32_t index = id - kVst3InternalParameterCount;
   return plugin->_getNormalizedParameterValue(index, plugin->fPlugin.getParameterValue(index));
 }
@@ -87,6 +104,13 @@ v3_result V3_API set_parameter(void* self, v3_param_id id, double normalized) {
   if (!(normalized >= 0 && normalized <= 1)) return V3_INVALID_ARG;
   plugin->_setNormalizedPluginParameterValue(id - kVst3InternalParameterCount, normalized);
   return V3_OK;
+}
+
+// It hides the programs, which are a parameter in this format.
+v3_result V3_API describe_parameter(void* self, int32_t index, v3_param_info* info) {
+  const v3_result result = describe_by_framework(self, index, info);
+  if (result == V3_OK && index == kVst3InternalParameterProgram) info->flags &= ~V3_PARAM_IS_HIDDEN;
+  return result;
 }
 
 v3_result V3_API write_value(void* self, v3_param_id id, double normalized, v3_str_128 text) {
@@ -103,10 +127,45 @@ void mend_controller(v3_edit_controller* controller) {
   if (controller->set_parameter_normalised == set_parameter) return;
   get_by_framework = controller->get_parameter_normalised;
   set_by_framework = controller->set_parameter_normalised;
+  describe_by_framework = controller->get_parameter_info;
   write_by_framework = controller->get_parameter_string_for_value;
   controller->get_parameter_normalised = get_parameter;
   controller->set_parameter_normalised = set_parameter;
+  controller->get_parameter_info = describe_parameter;
   controller->get_parameter_string_for_value = write_value;
+}
+
+// A stream over bytes that are here, laid out as the interface wants it. The framework only reads it.
+struct memory_stream {
+  v3_funknown unknown{};
+  v3_bstream calls{};
+  std::string_view rest;
+
+  explicit memory_stream(std::string_view bytes) : rest(bytes) {
+    calls.read = [](void* self, void* buffer, int32_t size, int32_t* done) {
+      std::string_view& left = (*static_cast<memory_stream**>(self))->rest;
+      *done = static_cast<int32_t>(left.copy(static_cast<char*>(buffer), static_cast<size_t>(size)));
+      left.remove_prefix(static_cast<size_t>(*done));
+      return static_cast<v3_result>(V3_OK);
+    };
+  }
+};
+
+decltype(v3_component::set_state) set_state_by_framework = nullptr;
+
+v3_result V3_API set_state(void* self, v3_bstream** stream) {
+  std::string bytes;
+  for (char piece[4096];;) {
+    int32_t count = 0;
+    const v3_result result = v3_cpp_obj(stream)->read(stream, piece, sizeof piece, &count);
+    if (result != V3_OK && bytes.empty()) return result;
+    if (result != V3_OK || count <= 0) break;
+    bytes.append(piece, static_cast<size_t>(count));
+  }
+  if (!is_whole_state(bytes)) return V3_INVALID_ARG;
+  memory_stream whole(bytes);
+  memory_stream* object = &whole;
+  return set_state_by_framework(self, reinterpret_cast<v3_bstream**>(&object));
 }
 
 // The parts of a plug-in come into being when a host asks for them.
@@ -130,6 +189,8 @@ v3_result V3_API create(void* self, const v3_tuid class_id, const v3_tuid iid, v
   dpf_component* const component = *static_cast<dpf_component**>(*instance);
   query_by_framework = component->query_interface;
   component->query_interface = query;
+  set_state_by_framework = component->comp.set_state;
+  component->comp.set_state = set_state;
   return result;
 }
 

@@ -38,4 +38,17 @@ TEST(StateText, IsRefusedWhenDamaged) {
   EXPECT_EQ(bytes_of_text(std::string_view("Zm9v\0Zm9", 8)), std::nullopt);
 }
 
+TEST(WholeState, IsKnownByItsBankAndItsEnd) {
+  using namespace std::string_literals;
+  const std::string state =
+      "__dpf_program__\0"
+      "3\0__dpf_state_begin__\0bank\0Zm9v\0__dpf_state_end__\0\xfe\0"s;
+  EXPECT_TRUE(is_whole_state(state));
+  EXPECT_TRUE(is_whole_state(state + "what follows"));
+  for (size_t size = 0; size + 1 < state.size(); ++size) EXPECT_FALSE(is_whole_state(state.substr(0, size))) << size;
+  std::string damaged = state;
+  damaged[state.find("Zm9v")] = '?';
+  EXPECT_FALSE(is_whole_state(damaged));
+}
+
 }  // namespace
