@@ -36,7 +36,7 @@ class any_host_effect : public AudioEffectX, private door_listener {
   void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
   // Events for the next block: see event_buffer. Answers 1, as hosts expect.
   VstInt32 processEvents(VstEvents* events) override;
-  // The longest reverb's, even while it is off: many hosts ask but once.
+  // With the reverb, even while it is off: many hosts ask but once.
   VstInt32 getGetTailSize() override;
 
   // Parameters: the three switches.

@@ -7,8 +7,7 @@
 namespace {
 
 constexpr uint8_t control_change = 0xB0;
-constexpr uint8_t sustain_pedal = 64;
-constexpr uint8_t all_notes_off = 123;
+constexpr uint8_t all_notes_off = 123;  // lifts the pedal, too: see midi_keys
 constexpr int32_t end_of_block = std::numeric_limits<int32_t>::max();
 
 constexpr bool is_channel_message(uint8_t status) {
@@ -55,7 +54,6 @@ std::span<const midi_event> event_buffer::take() {
   for (uint8_t channel = 0; channel < channel_count; ++channel) {
     if ((lossy_channels_ >> channel & 1) == 0) continue;
     const auto status = static_cast<uint8_t>(control_change | channel);
-    events_[count_++] = {end_of_block, 3, {status, sustain_pedal, 0}};
     events_[count_++] = {end_of_block, 3, {status, all_notes_off, 0}};
   }
   lossy_channels_ = 0;

@@ -31,7 +31,7 @@ class event_buffer {
   void insert(const midi_event& event);
 
   // Behind the capacity there is room for what ends the notes of channels.
-  std::array<midi_event, capacity + 2 * channel_count> events_;
+  std::array<midi_event, capacity + channel_count> events_;
   size_t count_ = 0;
   uint16_t lossy_channels_ = 0;  // bit n for channel n
   bool taken_ = false;

@@ -1,5 +1,9 @@
 # Shows the libraries that the module MODULE needs. Stops when one isn't of Windows itself, and when the module exports
-# more or less than its entry, by two names.
+# more or less than NAMES, which commas separate: of VST 2.4 unless given, its entry by two names.
+if(NOT NAMES)
+  set(NAMES MAIN,VSTPluginMain)
+endif()
+string(REPLACE "," ";" expected ${NAMES})
 execute_process(COMMAND ${OBJDUMP} -p ${MODULE} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "DLL Name: [^\n]*" needed "${headers}")
 list(TRANSFORM needed REPLACE "DLL Name: " "")
@@ -14,6 +18,6 @@ endif()
 string(REGEX REPLACE ".*Ordinal/Name Pointer\\] Table" "" exported "${headers}")
 string(REGEX MATCHALL "\n\t\\[ *[0-9]+\\] [^\n]*" exported "${exported}")
 list(TRANSFORM exported REPLACE ".*\\] " "")
-if(NOT exported STREQUAL "MAIN;VSTPluginMain")
+if(NOT exported STREQUAL expected)
   message(FATAL_ERROR "Exported: ${exported}")
 endif()

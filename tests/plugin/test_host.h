@@ -10,8 +10,8 @@
 
 constexpr VstInt32 handshake_id = 0x4B564873;  // 'KVHs'
 
-// Answers audioMasterVersion, records automation and edits. One at a time, as the interface's callback carries no
-// context.
+// Answers audioMasterVersion, records automation, edits and announcements. One at a time, as the interface's callback
+// carries no context.
 class test_host {
  public:
   explicit test_host(VstIntPtr answered_version = 2400) : version_(answered_version) { current_ = this; }
@@ -27,11 +27,15 @@ class test_host {
     }
     if (opcode == audioMasterBeginEdit) current_->edits += "begin " + std::to_string(index) + " ";
     if (opcode == audioMasterEndEdit) current_->edits += "end " + std::to_string(index) + " ";
+    if (opcode == audioMasterIOChanged) ++current_->io_changes;
+    if (opcode == audioMasterUpdateDisplay) ++current_->updates;
     return 0;
   }
 
   std::vector<std::pair<VstInt32, float>> automated;
   std::string edits;  // "begin 0 end 0 "
+  int io_changes = 0;
+  int updates = 0;
 
  private:
   std::mutex lock_;  // several of a host's threads may cause automation

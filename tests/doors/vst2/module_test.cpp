@@ -7,211 +7,176 @@
 
 #include "state/bank_image.h"
 #include "state/program_record.h"
-#include "tests/doors/vst2/host_words.h"
+#include "tests/doors/vst2/hosted_module.h"
 #include "tests/words/data_home.h"
 #include "tests/words/signals.h"
 #include "tests/words/temporary_folder.h"
 
 namespace {
 
-using any_host_tests::heard;
-using any_host_tests::note;
-using any_host_tests::stereo;
 using testing::ElementsAre;
 
-constexpr VstInt32 handshake_id = CCONST('K', 'V', 'H', 's');
+class AnyHost : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { set_data_home(data_home().path()); }
+  static const temporary_folder& data_home() {
+    static const temporary_folder folder;
+    return folder;
+  }
+  static bool has_written() { return !std::filesystem::is_empty(data_home().path()); }
 
-class own_data_home : public testing::Environment {
- public:
-  void SetUp() override { set_data_home(folder_.path()); }
-  bool is_empty() const { return std::filesystem::is_empty(folder_.path()); }
+  void start(float rate_hz = 44100) const {
+    ours.ask(effSetSampleRate, 0, 0, nullptr, rate_hz);
+    ours.ask(effMainsChanged, 0, 1);
+  }
 
- private:
-  temporary_folder folder_;
+  test_host host;
+  hosted_module ours{KESREL_ANY_HOST_MODULE};
 };
-auto* const data_home = static_cast<own_data_home*>(testing::AddGlobalTestEnvironment(new own_data_home));
 
-struct any_host : any_host_tests::hosted {
-  any_host() : hosted(KESREL_ANY_HOST_MODULE) { heard = {}; }
-};
-struct bare : any_host_tests::hosted {
-  bare() : hosted(KESREL_MODULE_PATH) { call(effVendorSpecific, handshake_id, 1); }
+struct bare_module : hosted_module {
+  bare_module() : hosted_module(KESREL_MODULE_PATH) {
+    ask(effVendorSpecific, handshake_id, 1);
+    ask(effMainsChanged, 0, 1);
+  }
 };
 
-std::vector<std::string> texts_of(const any_host_tests::hosted& effect) {
+std::vector<std::string> texts_of(const hosted_module& module) {
   std::vector<std::string> texts;
   for (const VstInt32 opcode : {effGetEffectName, effGetVendorString, effGetProductString, effGetProgramName}) {
-    texts.push_back(effect.text(opcode));
+    texts.push_back(module.text(opcode));
   }
-  for (VstInt32 index = -1; index < 4; ++index) texts.push_back(effect.text(effGetParamName, index));
-  for (VstInt32 index = 0; index < 24; ++index) texts.push_back(effect.text(effGetProgramNameIndexed, index));
+  for (VstInt32 index = -1; index < 4; ++index) texts.push_back(module.text(effGetParamName, index));
+  for (VstInt32 index = 0; index < 24; ++index) texts.push_back(module.text(effGetProgramNameIndexed, index));
   return texts;
 }
 
-// First in this file, and alone in its process under ctest: nothing else may have written before.
-TEST(AnyHostListing, WritesNothing) {
-  if (!data_home->is_empty()) GTEST_SKIP() << "an earlier test has written";
-  {
-    const any_host effect;
-    EXPECT_THAT(texts_of(effect), testing::Contains("Colorized Pulser C"));
-    VstPinProperties pin;
-    EXPECT_EQ(effect.call(effGetInputProperties, 1, 0, &pin), 1);
-    EXPECT_STREQ(pin.label, "Right");
-    EXPECT_EQ(effect.call(effGetOutputProperties, 2, 0, &pin), 0);
-    ERect* area = nullptr;
-    EXPECT_EQ(effect.call(effEditGetRect, 0, 0, &area), 1);
-    EXPECT_EQ(area->right, 575);
-    effect.set(1, 1);
-    EXPECT_EQ(effect.get(1), 1);
-    for (std::string word : {"receiveVstMidiEvent", "bypass"}) effect.call(effCanDo, 0, 0, word.data());
-    EXPECT_TRUE(data_home->is_empty());
-  }
-  EXPECT_TRUE(data_home->is_empty());
-  const any_host effect;
-  effect.start();
-  EXPECT_FALSE(data_home->is_empty());
+TEST_F(AnyHost, WritesNothingUntilItIsUsed) {
+  if (has_written()) GTEST_SKIP() << "an earlier test of this process has used it";
+  EXPECT_THAT(texts_of(ours), testing::Contains("Colorized Pulser C"));
+  VstPinProperties pin;
+  ASSERT_EQ(ours.ask(effGetInputProperties, 1, 0, &pin), 1);
+  EXPECT_STREQ(pin.label, "Right");
+  ERect* area = nullptr;
+  ASSERT_EQ(ours.ask(effEditGetRect, 0, 0, &area), 1);
+  EXPECT_EQ(area->right, 575);
+  std::string midi_in = "receiveVstMidiEvent", midi_out = "sendVstMidiEvent";
+  EXPECT_EQ(ours.ask(effCanDo, 0, 0, midi_in.data()), 1);
+  EXPECT_EQ(ours.ask(effCanDo, 0, 0, midi_out.data()), -1);
+  ours.effect->setParameter(ours.effect, 1, 0.75F);
+  EXPECT_EQ(ours.effect->getParameter(ours.effect, 1), 1);
+  EXPECT_EQ(ours.text(effGetParamDisplay, 1), "On");
+  EXPECT_FALSE(has_written());
+  start();
+  EXPECT_TRUE(has_written());
 }
 
-TEST(AnyHost, IsThePlugInThatTheBareModuleIs) {
-  const any_host ours;
-  const bare theirs;
-  EXPECT_EQ(ours->uniqueID, theirs->uniqueID);
-  EXPECT_EQ(ours->version, theirs->version);
-  EXPECT_EQ(ours->numParams, theirs->numParams);
-  EXPECT_EQ(ours->numPrograms, theirs->numPrograms);
+TEST_F(AnyHost, IsThePlugInThatTheBareModuleIs) {
+  const bare_module theirs;
+  EXPECT_EQ(ours.effect->uniqueID, theirs.effect->uniqueID);
+  EXPECT_EQ(ours.effect->version, theirs.effect->version);
+  EXPECT_EQ(ours.effect->numParams, theirs.effect->numParams);
+  EXPECT_EQ(ours.effect->numPrograms, theirs.effect->numPrograms);
   EXPECT_EQ(texts_of(ours), texts_of(theirs));
-  EXPECT_EQ(ours->flags, effFlagsCanReplacing | effFlagsProgramChunks | effFlagsHasEditor);
   for (const image_kind kind : {image_kind::bank, image_kind::single_program}) {
     EXPECT_EQ(ours.image(kind), theirs.image(kind));
-    theirs.call(effSetProgram, 0, 7);
-    theirs.set(0, 1);
+    theirs.ask(effSetProgram, 0, 7);
+    theirs.effect->setParameter(theirs.effect, 0, 1);
     ours.restore(kind, theirs.image(kind));
     EXPECT_EQ(ours.image(kind), theirs.image(kind));
   }
-  EXPECT_EQ(ours.text(effGetParamDisplay, 0), "On");
   EXPECT_EQ(texts_of(ours), texts_of(theirs));
 }
 
-TEST(AnyHost, SingsWhatTheBareModuleSingsAfterTheDelayThatItTells) {
-  const any_host ours;
-  const bare theirs;
-  ours.start();
-  theirs.call(effMainsChanged, 0, 1);
-  const std::vector<float> voice = noise(20000, 0.3F);
-  stereo expected = theirs.sing(voice, 32);
-  const stereo sung = ours.sing(voice, 500);
-  const auto later = static_cast<size_t>(ours->initialDelay - 1024);  // the algorithm's own is in both
-  for (auto* side : {&expected.left, &expected.right}) {
-    side->insert(side->begin(), later, 0.0F);
-    side->resize(voice.size());
+TEST_F(AnyHost, SingsWhatTheBareModuleSingsAfterTheDelayThatItTellsOfStereoAndMono) {
+  const std::vector<float> voice = noise(16384, 0.3F);
+  const bare_module theirs;
+  std::vector<float> expected(static_cast<size_t>(ours.effect->initialDelay - 1024));  // the algorithm's is in both
+  for (auto piece = voice.begin(); expected.size() < voice.size(); piece += 32) {
+    std::ranges::copy(theirs.sing({piece, piece + 32}), std::back_inserter(expected));
   }
-  EXPECT_GT(std::ranges::max(sung.left), 0.1F);
-  EXPECT_TRUE(sung == expected);
+  expected.resize(voice.size());
+  EXPECT_GT(std::ranges::max(expected), 0.1F);
+  start();
+  EXPECT_EQ(ours.sing(voice), expected);
+
+  VstSpeakerArrangement mono = {kSpeakerArrMono, 1, {}}, stereo = {kSpeakerArrStereo, 2, {}};
+  EXPECT_EQ(ours.ask(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&mono), &mono), 0);
+  EXPECT_EQ(ours.ask(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&mono), &stereo), 1);
+  EXPECT_GT(std::ranges::max(ours.sing(voice, false)), 0.1F);
 }
 
-TEST(AnyHost, TellsARunningHostOfANewDelayAndIgnoresDamagedRates) {
-  const any_host effect;
-  const VstInt32 at_first = effect->initialDelay;
-  effect.start(96000);
-  EXPECT_GT(effect->initialDelay, 2 * at_first);
-  EXPECT_EQ(heard.io_changes, 0);
-  const VstInt32 delay = effect->initialDelay;
-  for (const float rate : {0.0F, -48000.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()}) {
-    effect.call(effSetSampleRate, 0, 0, nullptr, rate);
-  }
-  EXPECT_EQ(effect->initialDelay, delay);
-  effect.call(effSetSampleRate, 0, 0, nullptr, 44100);
-  EXPECT_EQ(effect->initialDelay, at_first);
-  EXPECT_EQ(heard.io_changes, 1);
-  EXPECT_GT(std::ranges::max(effect.sing(noise(4096, 0.3F), 512).left), 0.1F);
+TEST_F(AnyHost, TellsARunningHostOfANewDelayAndIgnoresDamagedRates) {
+  const VstInt32 at_first = ours.effect->initialDelay;
+  start(96000);
+  const VstInt32 delay = ours.effect->initialDelay;
+  EXPECT_GT(delay, 2 * at_first);
+  for (const float rate : {0.0F, -48000.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()}) start(rate);
+  EXPECT_EQ(ours.effect->initialDelay, delay);
+  EXPECT_EQ(host.io_changes, 0);
+  ours.ask(effSetSampleRate, 0, 0, nullptr, 44100);
+  EXPECT_EQ(ours.effect->initialDelay, at_first);
+  EXPECT_EQ(host.io_changes, 1);
+  EXPECT_GT(std::ranges::max(ours.sing(noise(4096, 0.3F))), 0.1F);
 }
 
-TEST(AnyHost, TakesAVoiceFromOneInput) {
-  const any_host effect;
-  VstSpeakerArrangement sides[] = {{kSpeakerArrMono, 1, {}}, {kSpeakerArrStereo, 2, {}}};
-  const auto arrange = [&](VstInt32 inputs, VstInt32 outputs) {
-    sides[0].numChannels = inputs;
-    sides[1].numChannels = outputs;
-    return effect.call(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&sides[0]), &sides[1]);
-  };
-  EXPECT_EQ(arrange(3, 2), 0);
-  EXPECT_EQ(arrange(2, 1), 0);
-  ASSERT_EQ(arrange(1, 2), 1);
-  effect.start();
-  std::vector<float> voice = noise(4096, 0.3F);
-  stereo out = {voice, voice};
-  float* inputs[] = {voice.data(), reinterpret_cast<float*>(1)};  // not to be read
-  float* outputs[] = {out.left.data(), out.right.data()};
-  effect->processReplacing(effect.operator->(), inputs, outputs, 4096);
-  const any_host of_both;
-  of_both.start();
-  EXPECT_TRUE(out == of_both.sing(voice, 4096));
-}
-
-TEST(AnyHost, PlaysNotesAtTheirFramesInWhateverListsTheyCome) {
+TEST_F(AnyHost, PlaysNotesAtTheirFramesInWhateverListsTheyCome) {
   const std::vector<float> voice = noise(8192, 0.3F);
   const auto sing = [&](const std::vector<std::vector<note>>& lists) {
-    const any_host effect;
-    effect.start();
-    for (const auto& list : lists) effect.send(list);
-    const stereo sung = effect.sing(voice, 4096);
-    EXPECT_THAT(effect.held_keys(), ElementsAre(28));
-    return sung.left;
+    const hosted_module module(KESREL_ANY_HOST_MODULE);
+    module.ask(effMainsChanged, 0, 1);
+    for (const auto& list : lists) module.send(list);
+    const auto sung = module.sing(voice);
+    EXPECT_THAT(module.held_keys(), ElementsAre(28));
+    return sung;
   };
-  const note on = {100, {0x90, 60, 100}}, second_on = {1500, {0x93, 64, 1}}, off = {3000, {0x90, 60, 0}};
+  const note on = {100, "\x90\x3C\x64"}, second_on = {3000, "\x93\x40\x01"}, off = {6000, "\x90\x3C\x00"};
   const auto expected = sing({{on, second_on, off}});
   EXPECT_EQ(sing({{off, second_on}, {on}}), expected);
-  EXPECT_NE(sing({{on, {2500, {0x93, 64, 1}}, off}}), expected);
+  EXPECT_NE(sing({{on, {4000, second_on.bytes}, off}}), expected);
 }
 
-TEST(AnyHost, SkipsWhatIsNoMessageOfAChannel) {
-  const any_host effect;
-  effect.start();
-  VstMidiEvent damaged = {};
-  damaged.type = kVstSysExType;
-  std::memcpy(damaged.midiData, "\x90\x3C\x64", 3);
-  effect.send_entries({nullptr, reinterpret_cast<VstEvent*>(&damaged)});
-  effect.send({{0, {0xF8, 60, 100}}, {0, {60, 60, 100}}, {-5, {0x90, 48, 100}}, {9999, {0x9F, 50, 100}}});
-  effect.sing(noise(2048), 1024);
-  EXPECT_THAT(effect.held_keys(), ElementsAre(12, 14));
+TEST_F(AnyHost, PlaysNotesOnce) {
+  start();
+  ours.send({{0, "\x90\x3C\x64"}, {4096, "\x90\x3C\x00"}});
+  const std::vector<float> voice = noise(16384, 0.3F);
+  EXPECT_GT(std::ranges::max(ours.sing(voice)), 0.1F);
+  EXPECT_LT(std::ranges::max(ours.sing(voice)), 0.01F);
 }
 
-TEST(AnyHost, EndsTheNotesOfChannelsThatAFullBlockLosesMessagesOf) {
-  const any_host effect;
-  effect.start();
-  effect.send({{0, {0x90, 60, 100}}, {0, {0xB0, 64, 127}}, {0, {0x91, 64, 100}}});
-  effect.send(std::vector<note>(1021, {1, {0xA1, 64, 1}}));
-  effect.send({{2, {0x80, 60, 0}}});
-  effect.sing(noise(2048), 1024);
-  EXPECT_THAT(effect.held_keys(), ElementsAre(28));
-  effect.send({{0, {0x90, 62, 100}}});  // there is room again
-  effect.sing(noise(2048), 1024);
-  EXPECT_THAT(effect.held_keys(), ElementsAre(26, 28));
+TEST_F(AnyHost, EndsTheNotesOfChannelsThatAFullBlockLosesMessagesOf) {
+  start();
+  ours.send({{0, "\x90\x3C\x64"}, {0, "\xB0\x40\x7F"}, {0, "\x98\x40\x64"}});
+  ours.send(std::vector<note>(1021, {1, "\xA8\x40\x01"}));
+  ours.send({{2, "\x80\x3C\x00"}, {2, "\xF8\x00\x00"}});
+  ours.sing(noise(2048));
+  EXPECT_THAT(ours.held_keys(), ElementsAre(28));
+  ours.send({{0, "\x90\x3E\x64"}, {0, "\x90\x41\x64"}, {9, "\x90\x41\x00"}});  // there is room, and no pedal
+  ours.sing(noise(2048));
+  EXPECT_THAT(ours.held_keys(), ElementsAre(26, 28));
 }
 
-TEST(AnyHost, OffersTheProgramsOfALargerBank) {
-  const any_host effect;
-  state::program last;
-  last.name = "Twenty-sixth";
-  const std::vector<chunks::chunk> records(26, state::to_chunk(last));
-  const auto image = state::bank_image({effect->uniqueID, effect->version}, 0, records);
-  effect.restore(image_kind::bank, {reinterpret_cast<const char*>(image->bytes()), static_cast<size_t>(image->size())});
-  EXPECT_EQ(effect->numPrograms, 26);
-  for (const VstIntPtr program : {25, 26, -1}) effect.call(effSetProgram, 0, program);
-  EXPECT_EQ(effect.call(effGetProgram), 25);
-  EXPECT_EQ(effect.text(effGetProgramName), "Twenty-sixth");
+TEST_F(AnyHost, OffersTheProgramsOfALargerBank) {
+  state::program named;
+  named.name = "Twenty-sixth";
+  const std::vector<chunks::chunk> records(26, state::to_chunk(named));
+  const auto image = state::bank_image({ours.effect->uniqueID, ours.effect->version}, 0, records);
+  ours.restore(image_kind::bank, {reinterpret_cast<const char*>(image->bytes()), static_cast<size_t>(image->size())});
+  EXPECT_EQ(ours.effect->numPrograms, 26);
+  for (const VstIntPtr program : {25, 26, -1}) ours.ask(effSetProgram, 0, program);
+  EXPECT_EQ(ours.ask(effGetProgram), 25);
+  EXPECT_EQ(ours.text(effGetProgramName), "Twenty-sixth");
 }
 
-TEST(AnyHost, SurvivesEveryCallWithoutPointers) {
-  const any_host effect;
+TEST_F(AnyHost, SurvivesEveryCallWithoutPointers) {
   for (int round = 0; round < 2; ++round) {
     for (VstInt32 opcode = effOpen; opcode < effGetNumMidiOutputChannels + 20; ++opcode) {
-      if (opcode != effClose) effect.call(opcode, round);
+      if (opcode != effClose) ours.ask(opcode, round);
     }
-    effect.set(17, 1);
-    EXPECT_EQ(effect.get(17), 0);
-    effect->processReplacing(effect.operator->(), nullptr, nullptr, 64);
-    effect.start();
+    ours.effect->setParameter(ours.effect, 17, 1);
+    EXPECT_EQ(ours.effect->getParameter(ours.effect, 17), 0);
+    ours.effect->processReplacing(ours.effect, nullptr, nullptr, 64);
+    start();
   }
 }
 
