@@ -61,9 +61,19 @@ bool midi_keys::reassert(key_flags* keys) const {
   return true;
 }
 
+void midi_keys::suspend() {
+  for (size_t key = 0; key < down_.size(); ++key) {
+    suspended_[key] = static_cast<uint16_t>(suspended_[key] | down_[key] | sustained_[key]);
+  }
+  down_ = {};
+  sustained_ = {};
+  pedals_ = 0;
+}
+
 bool midi_keys::strike(int32_t key, uint16_t channel, bool latch, key_flags* keys) {
   if (latch) return set_flag(key, (*keys)[key] == 0, keys);
   const bool replaces = is_silent() && clear_all(keys);
+  if (replaces) suspended_ = {};
   down_[static_cast<size_t>(key)] |= channel;
   return set_flag(key, true, keys) || replaces;
 }
@@ -72,13 +82,15 @@ bool midi_keys::strike(int32_t key, uint16_t channel, bool latch, key_flags* key
 bool midi_keys::release(int32_t key, uint16_t channel, bool latch, key_flags* keys) {
   uint16_t& down = down_[static_cast<size_t>(key)];
   uint16_t& sustained = sustained_[static_cast<size_t>(key)];
-  if ((down & channel) == 0) return false;
+  uint16_t& suspended = suspended_[static_cast<size_t>(key)];
+  if (((down | suspended) & channel) == 0) return false;
+  suspended &= static_cast<uint16_t>(~channel);
   down &= static_cast<uint16_t>(~channel);
   if ((pedals_ & channel) != 0) {
     sustained |= channel;
     return false;
   }
-  return (down | sustained) == 0 && !latch && set_flag(key, false, keys);
+  return (down | sustained | suspended) == 0 && !latch && set_flag(key, false, keys);
 }
 
 bool midi_keys::control(int32_t controller, int32_t value, uint16_t channel, bool latch, key_flags* keys) {

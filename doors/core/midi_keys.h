@@ -31,8 +31,9 @@ class midi_keys {
   // keys. Returns whether there were.
   bool reassert(key_flags* keys) const;
 
-  // Forgets all notes and pedals, and leaves keys as they are.
-  void reset() { *this = {}; }
+  // For a host that stops: its notes may end unheard. Keys stay as they are, until their notes end after all or the
+  // next chord is played.
+  void suspend();
 
  private:
   bool strike(int32_t key, uint16_t channel, bool latch, key_flags* keys);
@@ -45,5 +46,6 @@ class midi_keys {
   // Bit n of a mask stands for channel n.
   std::array<uint16_t, key_count> down_{};
   std::array<uint16_t, key_count> sustained_{};
+  std::array<uint16_t, key_count> suspended_{};
   uint16_t pedals_ = 0;
 };

@@ -83,7 +83,7 @@ int32_t vocoder_door::latency() const {
 bool vocoder_door::activate() {
   bridge_.reset();
   waiting_count_ = 0;
-  midi_.reset();
+  midi_.suspend();
   settle_targets();
   for (smoothed& weight : input_weights_) weight.value = weight.target;
   gain_.value = gain_.target;

@@ -17,6 +17,10 @@
 
 class KesrelVocoder4TarvixEffect;
 
+// How long the sound goes on without a voice, for hosts that ask: with the reverb on, all sounds but four are 60 dB
+// down by then. Those four drone for as long as their keys are held.
+constexpr double tail_seconds = 10;
+
 // One MIDI message within a block. Longer ones, system exclusive, are of no interest here.
 struct midi_event {
   int32_t frame;  // of the block; those beyond either end count as that end

@@ -208,9 +208,6 @@ void on_timer(const clap_plugin_t* plugin, clap_id id) {
 
 constexpr clap_plugin_timer_support_t timer_extension = {on_timer};
 
-// The reverb and the longest delays have died away by then.
-constexpr double tail_seconds = 10;
-
 struct clap_plugin_tail {
   uint32_t (*get)(const clap_plugin_t* plugin);
 };

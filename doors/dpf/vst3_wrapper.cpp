@@ -57,10 +57,6 @@ using namespace DISTRHO_NAMESPACE;
 
 namespace {
 
-// The reverb and the longest delays have died away by then. The framework says that nothing follows the input, and a
-// host would cut it off.
-constexpr double tail_seconds = 10;
-
 uint32_t V3_API tail(void* self) {
   const auto& plugin = (*static_cast<dpf_audio_processor**>(self))->vst3;
   return plugin != nullptr ? static_cast<uint32_t>(plugin->getSampleRate() * tail_seconds) : 0;

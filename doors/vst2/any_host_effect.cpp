@@ -24,10 +24,6 @@ constexpr auto switch_count = static_cast<VstInt32>(std::size(switch_names));
 // A rate beyond it is damaged.
 constexpr float highest_rate_hz = 1e7F;
 
-// By then all sounds with their reverb are 60 dB below what the voice made of them, but for four that drone on, as
-// measured with noise for a voice.
-constexpr double tail_seconds = 10;
-
 constexpr std::string_view abilities[] = {
     "receiveVstEvents", "receiveVstMidiEvent", "plugAsChannelInsert", "plugAsSend", "1in2out", "2in2out"};
 

@@ -112,6 +112,14 @@ TEST_F(MidiKeys, PlayOnThroughAChangeOfProgram) {
   EXPECT_EQ(after({{0x80, 40, 0}, {0xB0, 64, 0}}), key_set{});
 }
 
+TEST_F(MidiKeys, OutlastASuspension) {
+  after({{0x90, 40, 90}, {0x90, 41, 90}});
+  midi.suspend();
+  EXPECT_EQ(after({{0x80, 40, 0}}), (key_set{5})) << "released after it";
+  EXPECT_EQ(after({{0x90, 50, 90}}), (key_set{14})) << "released during it, and the next chord clears it away";
+  EXPECT_EQ(after({{0x80, 50, 0}}), key_set{});
+}
+
 TEST_F(MidiKeys, IgnoreOtherMessagesAndThoseCutShort) {
   after({{0x90, 40, 90}});
   EXPECT_EQ(after({{0xA0, 41, 90}, {0xC0, 42, 90}, {0xD0, 43, 90}, {0xE0, 44, 90}, {0xF8, 45, 90}, {45, 45, 90}}),
