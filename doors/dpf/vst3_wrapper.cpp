@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <utility>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "doors/core/parameters.h"
 #include "src/travesty/base.h"

@@ -30,6 +30,7 @@ for i = 6, #arg do
   end
   assert(found, "the plug-in has no parameter " .. wanted)
 end
+sleep(0.5)  -- until an LV2 plug-in has had its ports' values
 session:save_state("", false, false, false, false, false)
 print("latency=" .. insert:signal_latency() .. " instances=" .. insert:get_count())
 plugin, insert, processor, track, session = nil, nil, nil, nil, nil

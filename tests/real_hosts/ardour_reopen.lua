@@ -18,6 +18,7 @@ for n = 0, plugin:parameter_count() - 1 do
   end
 end
 print("latency=" .. insert:signal_latency())
+sleep(0.5)  -- until an LV2 plug-in has had its ports' values
 session:save_state("", false, false, false, false, false)
 plugin, insert, processor, session = nil, nil, nil, nil
 collectgarbage()
