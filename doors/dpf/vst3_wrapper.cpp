@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "doors/core/parameters.h"
 #include "src/travesty/base.h"
@@ -96,6 +97,13 @@ double V3_API get_parameter(void* self, v3_param_id id) {
 
 v3_result V3_API set_parameter(void* self, v3_param_id id, double normalized) {
   PluginVst3* const plugin = plugin_of_controller(self);
+  if (plugin != nullptr && id == kVst3InternalParameterProgram) {
+    // The framework would call the host back at once, which some hosts wait for in vain.
+    auto* const handler = std::exchange(plugin->fComponentHandler, nullptr);
+    const v3_result result = set_by_framework(self, id, normalized);
+    plugin->fComponentHandler = handler;
+    return result;
+  }
   if (!is_parameter(id) || plugin == nullptr) return set_by_framework(self, id, normalized);
   if (!(normalized >= 0 && normalized <= 1)) return V3_INVALID_ARG;
   plugin->_setNormalizedPluginParameterValue(id - kVst3InternalParameterCount, normalized);
