@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cmath>
 #include <new>
+#include <utility>
 
 #include "doors/core/floating_point_mode.h"
 #include "plugin/activation_gate.h"
@@ -72,7 +73,9 @@ vocoder_door::vocoder_door(door_listener* listener) : listener_(listener) {
 vocoder_door::~vocoder_door() = default;
 
 void vocoder_door::set_rate(double rate_hz) {
-  bridge_.prepare(rate_hz);
+  rate_bridge prepared;
+  prepared.prepare(rate_hz);
+  bridge_ = std::move(prepared);
   smoothing_ = static_cast<float>(1 - std::exp2(-1 / (smoothing_half_life_seconds * bridge_.rate_hz())));
 }
 
@@ -118,6 +121,8 @@ void vocoder_door::process(const float* const* inputs, float* const* outputs, in
     bridge_.process(mono_.data(), piece_[0].data(), piece_[1].data(), count, this);
     write_output(outputs, first, count);
   }
+  // Those of an empty block.
+  for (; next_event < events.size(); ++next_event) enqueue(bridge_.core_position(0), events[next_event]);
 }
 
 void vocoder_door::settle_targets() {

@@ -286,6 +286,10 @@ TEST_F(VocoderDoor, LosesNoNoteInAFlood) {
   const waveform in = voice(48000, 0.1);
   sing(in, in, in.size(), flood);
   EXPECT_THAT(held_keys(), ElementsAre(8));
+  const midi_event end[] = {note_off(0, 44)};
+  door.process(nullptr, nullptr, 0, end);
+  sing(in);
+  EXPECT_THAT(held_keys(), ElementsAre()) << "an empty block has events, too";
 }
 
 TEST_F(VocoderDoor, KeepsSoundKeysAndSwitchesThroughSuspensionAndOtherRates) {
