@@ -21,7 +21,7 @@ void append_new(const std::string& what, const std::vector<std::string>& before,
                 std::vector<std::string>* result) {
   std::vector<std::string> added;
   std::set_difference(after.begin(), after.end(), before.begin(), before.end(), std::back_inserter(added));
-  for (const std::string& item : added) result->push_back(what + " " + item);
+  for (const std::string& item : added) result->emplace_back(what).append(" ").append(item);
 }
 
 }  // namespace

@@ -336,6 +336,7 @@ class vst3_plugin final : public plugin_under_test {
     constexpr int frames = 32;
     std::vector<std::array<float, frames>> buffers(static_cast<std::size_t>(std::max(facts_.inputs, facts_.outputs)));
     std::vector<float*> channels;
+    channels.reserve(buffers.size());
     for (auto& buffer : buffers) channels.push_back(buffer.data());
     process(channels.data(), channels.data(), frames, {});
     deactivate();
