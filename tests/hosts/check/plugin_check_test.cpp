@@ -7,6 +7,9 @@
 
 namespace {
 
+// Sanitizers have a malloc of their own, in front of which the program can't put its.
+constexpr bool watches_calls = KESREL_WATCHES_CALLS;
+
 // The program's run on the effect with a fault.
 outcome check(const char* fault, arguments options) {
   start_x_server();
@@ -72,6 +75,7 @@ class PlantedFault : public testing::TestWithParam<planted_fault> {};
 
 TEST_P(PlantedFault, IsFound) {
   const planted_fault& planted = GetParam();
+  if (!watches_calls && std::string(planted.check) == "calls") GTEST_SKIP() << "this build can't watch calls";
   arguments options = {"--only", planted.check};
   if (std::string(planted.fault) == "never ends") options.insert(options.end(), {"--seconds", "1"});
   if (planted.only_when_strict) {
@@ -98,7 +102,7 @@ TEST(PluginCheck, FindsNothingWhereNothingIsWrong) {
   const outcome result = check("", {"--strict"});
   EXPECT_EQ(result.status, 0);
   EXPECT_FALSE(has(result.out, "FAIL")) << result.out;
-  EXPECT_FALSE(has(result.out, "skip")) << result.out;
+  EXPECT_EQ(has(result.out, "skip"), !watches_calls) << result.out;
 }
 
 TEST(PluginCheck, MeasuresTheLatencyOfASoundThatOnlyFollowsTheVoicesLoudness) {
