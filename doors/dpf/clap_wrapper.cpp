@@ -1,7 +1,6 @@
 // MIT License. The framework's CLAP module, with some of its habits mended. Its sources are meant to be one file with
 // this, which is compiled without access control: what has to be mended is private to the framework's classes.
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -71,40 +70,13 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
 
 constexpr clap_plugin_state_t state_extension = {save_state, load_state};
 
-// Parameters: those of the door, and the program in use. The framework shows no programs in this format.
-
-constexpr clap_id program_parameter = door_parameter_count;
+// Parameters.
 
 bool is_parameter(clap_id id) {
   return id < door_parameters.size();
 }
 
-uint32_t parameter_count_with_program(const clap_plugin_t* /*plugin*/) {
-  return program_parameter + 1;
-}
-
-void describe_program(clap_param_info_t* info) {
-  *info = {};
-  info->id = program_parameter;
-  info->flags = CLAP_PARAM_IS_STEPPED | CLAP_PARAM_IS_AUTOMATABLE;
-  info->max_value = program_count - 1;
-  std::snprintf(info->name, sizeof info->name, "%s", "Program");
-}
-
-// A bank may have brought more programs than hosts know of.
-double program_in_use(const clap_plugin_t* plugin) {
-  return std::min(door_of(plugin).program(), program_count - 1);
-}
-
-void choose_program(double value, vocoder_door* door) {
-  if (value >= 0 && value < program_count) door->select_program(static_cast<int32_t>(std::lround(value)));
-}
-
 bool parameter_info(const clap_plugin_t* plugin, uint32_t index, clap_param_info_t* info) {
-  if (index == program_parameter) {
-    describe_program(info);
-    return true;
-  }
   if (!is_parameter(index) || !framework::clap_plugin_params.get_info(plugin, index, info)) return false;
   // The framework would show each parameter in a folder of its own.
   info->module[0] = '\0';
@@ -112,18 +84,10 @@ bool parameter_info(const clap_plugin_t* plugin, uint32_t index, clap_param_info
 }
 
 bool parameter_value(const clap_plugin_t* plugin, clap_id id, double* value) {
-  if (id == program_parameter) {
-    *value = program_in_use(plugin);
-    return true;
-  }
   return is_parameter(id) && framework::clap_plugin_params.get_value(plugin, id, value);
 }
 
 bool text_of_value(const clap_plugin_t* plugin, clap_id id, double value, char* text, uint32_t size) {
-  if (id == program_parameter && size > 0 && value >= 0 && value < program_count) {
-    std::snprintf(text, size, "%s", door_of(plugin).name_of_program(static_cast<int32_t>(std::lround(value))).c_str());
-    return true;
-  }
   if (!is_parameter(id) || size == 0) return false;
   if (door_parameters[id].kind != parameter_kind::decibels) {
     return framework::clap_plugin_params.value_to_text(plugin, id, value, text, size);
@@ -133,14 +97,6 @@ bool text_of_value(const clap_plugin_t* plugin, clap_id id, double value, char* 
 }
 
 bool value_of_text(const clap_plugin_t* plugin, clap_id id, const char* text, double* value) {
-  if (id == program_parameter) {
-    for (int32_t program = 0; program < program_count; ++program) {
-      if (door_of(plugin).name_of_program(program) != text) continue;
-      *value = program;
-      return true;
-    }
-    return false;
-  }
   if (!is_parameter(id) || !framework::clap_plugin_params.text_to_value(plugin, id, text, value)) return false;
   *value = std::clamp<double>(*value, door_parameters[id].lowest, door_parameters[id].highest);
   return true;
@@ -175,15 +131,7 @@ void tell_edits(PluginCLAP* wrapper, const clap_output_events_t* out) {
 struct known_events {
   clap_input_events_t list;
   const clap_input_events_t* host;
-  vocoder_door* door;
 };
-
-// The program that an event chooses, or null.
-const clap_event_param_value_t* choice_of_program(const clap_event_header_t& event) {
-  if (event.space_id != CLAP_CORE_EVENT_SPACE_ID || event.type != CLAP_EVENT_PARAM_VALUE) return nullptr;
-  const auto& value = reinterpret_cast<const clap_event_param_value_t&>(event);
-  return event.size == sizeof value && value.param_id == program_parameter ? &value : nullptr;
-}
 
 bool is_known(const clap_event_header_t& event) {
   if (event.space_id != CLAP_CORE_EVENT_SPACE_ID) return false;
@@ -204,8 +152,7 @@ bool is_known(const clap_event_header_t& event) {
   }
 }
 
-// Programs are chosen here, as the framework comes to the event.
-known_events only_known(const clap_input_events_t* host, vocoder_door* door) {
+known_events only_known(const clap_input_events_t* host) {
   // Of a kind that the framework passes over.
   static constexpr clap_event_header_t nothing = {sizeof nothing, 0, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_MIDI_SYSEX,
                                                   0};
@@ -217,35 +164,19 @@ known_events only_known(const clap_input_events_t* host, vocoder_door* door) {
            [](const clap_input_events_t* self, uint32_t index) {
              const auto* const events = reinterpret_cast<const known_events*>(self);
              const clap_event_header_t* const event = events->host->get(events->host, index);
-             const auto* const choice = event != nullptr ? choice_of_program(*event) : nullptr;
-             if (choice != nullptr) choose_program(choice->value, events->door);
              return event != nullptr && is_known(*event) ? event : &nothing;
            }},
-          host,
-          door};
-}
-
-// A program brings values of other parameters with it.
-void tell_program(const clap_plugin_t* plugin, const clap_output_events_t* out) {
-  for (clap_id id = 0; id < program_parameter; ++id) {
-    const double value = door_of(plugin).parameter(static_cast<door_parameter>(id));
-    const clap_event_param_value_t event = {
-        {sizeof event, 0, 0, CLAP_EVENT_PARAM_VALUE, 0}, id, nullptr, -1, -1, -1, -1, value};
-    out->try_push(out, &event.header);
-  }
+          host};
 }
 
 void flush(const clap_plugin_t* plugin, const clap_input_events_t* in, const clap_output_events_t* out) {
-  const int32_t earlier = door_of(plugin).program();
-  const known_events events = only_known(in, &door_of(plugin));
+  const known_events events = only_known(in);
   framework::clap_plugin_params.flush(plugin, in != nullptr ? &events.list : nullptr, out);
-  if (out == nullptr) return;
-  tell_edits(wrapper_of(plugin), out);
-  if (door_of(plugin).program() != earlier) tell_program(plugin, out);
+  if (out != nullptr) tell_edits(wrapper_of(plugin), out);
 }
 
 constexpr clap_plugin_params_t params_extension = {
-    parameter_count_with_program, parameter_info, parameter_value, text_of_value, value_of_text, flush};
+    clap_plugin_params_count, parameter_info, parameter_value, text_of_value, value_of_text, flush};
 
 // The window. It floats nowhere.
 
@@ -322,13 +253,10 @@ void reset(const clap_plugin_t* plugin) {
 }
 
 clap_process_status process(const clap_plugin_t* plugin, const clap_process_t* block) {
-  const int32_t earlier = door_of(plugin).program();
-  const known_events events = only_known(block->in_events, &door_of(plugin));
+  const known_events events = only_known(block->in_events);
   clap_process_t mended = *block;
   if (mended.in_events != nullptr) mended.in_events = &events.list;
-  const clap_process_status status = clap_plugin_process(plugin, &mended);
-  if (block->out_events != nullptr && door_of(plugin).program() != earlier) tell_program(plugin, block->out_events);
-  return status;
+  return clap_plugin_process(plugin, &mended);
 }
 
 // The framework takes this memory from one store and gives it back to another.
