@@ -72,8 +72,9 @@ void midi_keys::suspend() {
 
 bool midi_keys::strike(int32_t key, uint16_t channel, bool latch, key_flags* keys) {
   if (latch) return set_flag(key, (*keys)[key] == 0, keys);
-  const bool replaces = is_silent() && clear_all(keys);
-  if (replaces) suspended_ = {};
+  const bool is_first = is_silent();
+  const bool replaces = is_first && clear_all(keys);
+  if (is_first) suspended_ = {};
   down_[static_cast<size_t>(key)] |= channel;
   return set_flag(key, true, keys) || replaces;
 }

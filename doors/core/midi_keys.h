@@ -43,7 +43,7 @@ class midi_keys {
   bool end_notes(uint16_t channel, bool latch, key_flags* keys);
   bool is_silent() const;
 
-  // Bit n of a mask stands for channel n.
+  // One bit per MIDI channel, channel 1 in bit 0.
   std::array<uint16_t, key_count> down_{};
   std::array<uint16_t, key_count> sustained_{};
   std::array<uint16_t, key_count> suspended_{};

@@ -63,7 +63,7 @@ class rate_bridge {
   };
   using converter = std::unique_ptr<SRC_STATE, closer>;  // null between equal rates
 
-  // Frames in a row, of which the first leave first.
+  // A first-in, first-out queue of frames.
   struct queue {
     std::vector<float> samples;  // interleaved
     int32_t channels = 1;

@@ -78,7 +78,7 @@ class vocoder_door : private core_stage {
   //   audio             no heap, lock or system call, unless the sound changes
   void process(const float* const* inputs, float* const* outputs, int32_t frames, std::span<const midi_event> events);
 
-  // Sets the nearest value that the parameter can have. For hosts: the listener isn't told.
+  // Clamps and rounds to a value that the parameter can have. Doesn't notify the listener, as the host knows already.
   void set_parameter(door_parameter parameter, float value);
   float parameter(door_parameter parameter) const;
 

@@ -1,4 +1,4 @@
-// MIT License. The framework's stand-alone program, as a function.
+// MIT License. Runs the framework's JACK application from our own main().
 #pragma once
 
 // Runs the vocoder with its window, on JACK or, without a server, on the system's own sound, until the window is closed

@@ -1,4 +1,4 @@
-// MIT License. MIDI of the system's own, for the stand-alone program without JACK.
+// MIT License. System MIDI input, for the stand-alone program when JACK isn't running.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,7 @@ class midi_port {
  public:
   virtual ~midi_port() = default;
 
-  // The next message; false when there is none.
+  // Pops the oldest message; false if the queue is empty.
   //   audio   no heap, no lock, no system call
   virtual bool take(midi_event* event) = 0;
 

@@ -1,4 +1,5 @@
-// MIT License. Windows has no stand-alone program, and its hosts give the editor a window.
+// MIT License. Top-level windows aren't needed on Windows: there is no stand-alone program, and hosts provide the
+// parent.
 #include <windows.h>
 
 #include "doors/dpf/top_window.h"

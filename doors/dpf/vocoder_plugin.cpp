@@ -22,7 +22,7 @@ const std::string& home_page() {
   return page;
 }
 
-// MIDI's own controllers for the same purpose, so that the stand-alone program's effects follow a controller keyboard.
+// Standard MIDI controllers where there is one, so that a controller keyboard works with the stand-alone program.
 // The framework takes 0 for "none" and for the selection of a bank alike; the others therefore have one that MIDI
 // leaves undefined.
 uint8_t controller_of(door_parameter parameter) {
