@@ -26,11 +26,12 @@ float number_at_start(std::string_view token) {
 
 }  // namespace
 
-std::vector<float> parse_value_list(std::string_view text) {
-  const auto separators = std::count_if(text.begin(), text.end(), is_separator);
-  std::vector<float> values(static_cast<size_t>(separators) + 1, 0.0F);
+int32_t parse_value_list(std::string_view text, std::span<float> values) {
+  const auto count = static_cast<size_t>(std::count_if(text.begin(), text.end(), is_separator)) + 1;
+  if (count > values.size()) return static_cast<int32_t>(count);
+  std::fill_n(values.begin(), count, 0.0F);
   size_t start = 0;
-  for (float& value : values) {
+  for (float& value : values.first(count)) {
     if (start >= text.size()) break;
     const auto token_end = [&text](size_t from) {
       const auto* const end = std::find_if(text.begin() + std::min(from, text.size()), text.end(), is_separator);
@@ -41,13 +42,11 @@ std::vector<float> parse_value_list(std::string_view text) {
     // token's first, which is how that token gets lost; stored lists depend on it.
     start = token_end(start + 1) + 1;
   }
-  return values;
+  return static_cast<int32_t>(count);
 }
 
 int32_t sound_record_take(int32_t number, std::string_view text, sound_record* record) {
-  const std::vector<float> values = parse_value_list(text);
-  if (values.size() > record->values.size()) return 1;
-  std::copy(values.begin(), values.end(), record->values.begin());
+  if (parse_value_list(text, record->values) > sound_record_capacity) return 1;
   record->number = number;
   return 0;
 }

@@ -3,8 +3,8 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string_view>
-#include <vector>
 
 #include "engine/sound_values.h"
 
@@ -16,11 +16,13 @@ struct sound_record {
   std::array<float, sound_record_capacity> values{};
 };
 
-// Reads the numbers of `text`, separated by commas or semicolons.
-//   returns   one value more than there are separators. An empty token reads 0.0, and the token that follows it is
-//             then stepped over; values beyond the text's end are 0.0
+// Reads the numbers of `text`, separated by commas or semicolons, into the first of `values`.
+//   returns   how many there are: one more than there are separators. When they don't fit, `values` stay as they were.
+//             An empty token reads 0.0, and the token that follows it is then stepped over; numbers beyond the text's
+//             end are 0.0
 //   numbers   decimal with an optional exponent, whatever the process's locale; what isn't a number reads 0.0
-std::vector<float> parse_value_list(std::string_view text);
+//   audio     no heap
+int32_t parse_value_list(std::string_view text, std::span<float> values);
 
 // Parses `text` into `record` under `number`.
 //   returns   0; 1 for a list of more than 512 values, and `record` stays as it was. A list shorter than the record

@@ -21,17 +21,10 @@ struct vocoder_instance {
 namespace {
 
 // Takes the sound `number` if it isn't the one in use and its text can be had.
-//   returns  0, whether it took a sound or not; 1 when memory is exhausted
-int32_t take_sound(int32_t number, const uint8_t* key, sound_record* sound) {
-  if (number == sound->number || key == nullptr) return 0;
+void take_sound(int32_t number, const uint8_t* key, sound_record* sound) {
+  if (number == sound->number || key == nullptr) return;
   const std::string_view text = sound_text(number);
-  if (text.empty()) return 0;
-  try {
-    sound_record_take(number, text, sound);
-  } catch (const std::bad_alloc&) {
-    return 1;
-  }
-  return 0;
+  if (!text.empty()) sound_record_take(number, text, sound);
 }
 
 }  // namespace
@@ -54,12 +47,11 @@ int32_t vocoder_process_sound(int32_t /*curve*/, int32_t chorus_on, int32_t reve
                               const uint8_t* sound_key, int32_t frames, const float* const* inputs,
                               float* const* outputs, vocoder_instance* instance) noexcept {
   if (instance == nullptr) return 1;
-  const int32_t refused = take_sound(sound_number, sound_key, &instance->sound);
+  take_sound(sound_number, sound_key, &instance->sound);
   if (instance->sound.number < 0) return 1;
   sound_values values;
   std::copy_n(instance->sound.values.begin(), values.size(), values.begin());
-  const int32_t failed = vocoder_process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
-  return refused | failed;
+  return vocoder_process(values, chorus_on, reverb_on, frames, inputs, outputs, instance);
 }
 
 int32_t vocoder_process(const sound_values& values, int32_t chorus_on, int32_t reverb_on, int32_t frames,

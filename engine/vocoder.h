@@ -25,16 +25,15 @@ void vocoder_destroy(vocoder_instance* instance) noexcept;
 //   chorus_on     0 off, 1 on
 //   reverb_on     0 forces the sound's reverb level to 0, any other value leaves it
 //   sound_key     a non-null key lets the engine take a new sound; with null the previous sound continues, whatever
-//                 `sound_number` is. Taking a sound parses its text and uses the heap; a number without a text and a
-//                 list of more than 512 values leave the earlier sound in place, and so does exhausted memory
+//                 `sound_number` is. A number without a text and a list of more than 512 values leave the earlier sound
+//                 in place
 //   frames        samples per channel, any length from 0
 //   inputs        four arrays of `frames` samples, of which [0] is the first (voice) and [2] the second input; [1] and
 //                 [3] are not heard. An entry may be null and is then silence; `inputs` may be null
 //   outputs       left and right, `frames` samples each; an entry or `outputs` may be null and isn't written then.
 //                 Outputs may be the same arrays as inputs
 //   returns       0 when the block ran; 1 when there is no instance, no sound or no memory for the block, and the
-//                 outputs stay as they were; also 1 when there was no memory to take the new sound, and then the block
-//                 ran with the one before
+//                 outputs stay as they were
 //   latency       1024 samples at 44100 Hz, for the vocoded and the dry signals alike
 //   audio         no heap in an ordinary block; a block length beyond any before grows the block buffers. The calling
 //                 thread is left in flush-to-zero and denormals-are-zero mode

@@ -58,7 +58,9 @@ program ready_program(const sound& sung, bool all_switches) {
 
 // In two digits, so that recordings are in its order.
 std::string mode_of(const sound& sung) {
-  const auto mode = static_cast<int>(parse_value_list(sound_text(sung.number))[value_mode]);
+  sound_record record;
+  sound_record_take(sung.number, sound_text(sung.number), &record);
+  const auto mode = static_cast<int>(record.values[value_mode]);
   return std::to_string(100 + mode).substr(1);
 }
 
