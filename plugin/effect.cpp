@@ -46,7 +46,7 @@ KesrelVocoder4TarvixEffect::KesrelVocoder4TarvixEffect(audioMasterCallback host,
   programsAreChunks();
   const std::vector<state::program> built_in = built_in_programs();
   preset_name_.set(built_in.front().name);
-  sound_uuid_.set(built_in.front().sound_uuid);
+  restored_uuid_.set(built_in.front().sound_uuid);
   requests_.set_sound(0);
   trace("create default chunk preset");
   for (const auto& program : built_in) programs_.append(state::to_chunk(program));
@@ -150,10 +150,15 @@ void KesrelVocoder4TarvixEffect::select_preset_by_index(int32_t row_index) {
   if (row == nullptr) return;
   trace("select_preset_by_index");
   if (pass_gate(row->category_id)) {
-    sound_uuid_.set(row->uuid);
+    chosen_row_.store(row_index, std::memory_order_relaxed);
     requests_.choose_sound(row_index);
   }
   update_editor();
+}
+
+std::string KesrelVocoder4TarvixEffect::sound_uuid() const {
+  const menu_row_ref chosen = catalogue_.row_at(chosen_row_.load(std::memory_order_relaxed));
+  return chosen != nullptr ? chosen->uuid : restored_uuid_.get();
 }
 
 // Any thread: the editor shows the effect's state at its next idle call.

@@ -98,10 +98,11 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   std::vector<menu_row_ref> getMenuRows() const;
   std::vector<sound_category_ref> getCategories() const;
   // Requests the row at that position of the menu, if there is one and its category may be used. A separator or title
-  // row is accepted and gives the dry input. Then the editor shows what is selected.
+  // row is accepted and gives the dry input. Then the editor shows what is selected. No heap or lock, so that a host's
+  // automation may choose sounds on the audio thread.
   void select_preset_by_index(int32_t row_index);
   // The sound last chosen, as stored state names it.
-  std::string sound_uuid() const { return sound_uuid_.get(); }
+  std::string sound_uuid() const;
   // Its position in the menu, or `no_row`.
   int32_t selected_row() const { return catalogue_.find_row_by_uuid(sound_uuid()); }
   // The requested keys, which the next block plays.
@@ -152,7 +153,8 @@ class KesrelVocoder4TarvixEffect : public AudioEffectX {
   guarded<state::image_bytes> last_chunk_;
   program_bank programs_;
   guarded<std::string> preset_name_;
-  guarded<std::string> sound_uuid_;
+  guarded<std::string> restored_uuid_;       // may be of a sound that the catalogue doesn't have
+  std::atomic<int32_t> chosen_row_{no_row};  // by hand since then, where choosing mustn't wait for a lock
 
   audio_requests requests_;
   std::array<std::atomic<float>, parameter_count> parameter_values_{};  // as given; the requests have the switches

@@ -70,7 +70,7 @@ bool KesrelVocoder4TarvixEffect::getProgramNameIndexed(VstInt32, VstInt32 index,
 chunks::chunk KesrelVocoder4TarvixEffect::chunk_from_current_program() const {
   state::program live;
   live.name = preset_name_.get();
-  live.sound_uuid = sound_uuid_.get();
+  live.sound_uuid = sound_uuid();
   live.chorus_on = requests_.is_on(parameter_chorus_on);
   live.reverb_on = requests_.is_on(parameter_reverb_on);
   live.octave_on = requests_.is_on(parameter_octave_on);
@@ -98,7 +98,8 @@ void KesrelVocoder4TarvixEffect::restore(const state::program& stored) {
   const menu_row_ref row = catalogue_.row_at(catalogue_.find_row_by_uuid(stored.sound_uuid));
   if (row != nullptr) pass_gate(row->category_id);
   preset_name_.set(stored.name);
-  sound_uuid_.set(stored.sound_uuid);
+  restored_uuid_.set(stored.sound_uuid);
+  chosen_row_.store(no_row, std::memory_order_relaxed);
   trace("preset to be restored: ", stored.name);
   trace("uuid to be restored: ", stored.sound_uuid);
   const bool switches[parameter_count] = {stored.chorus_on, stored.reverb_on, stored.octave_on};

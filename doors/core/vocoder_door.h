@@ -75,7 +75,7 @@ class vocoder_door : private core_stage {
   //   inputs, outputs   two channels of `frames` samples; outputs may be the inputs' arrays, in any order. A null input
   //                     is silence, but when only the first one is there, it counts for both. Null outputs are skipped.
   //   events            in order of their frames
-  //   audio             no heap, lock or system call, unless the sound changes
+  //   audio             no heap, lock or system call
   void process(const float* const* inputs, float* const* outputs, int32_t frames, std::span<const midi_event> events);
 
   // Clamps and rounds to a value that the parameter can have. Doesn't notify the listener, as the host knows already.
