@@ -101,6 +101,7 @@ class clap_under_test final : public plugin_under_test {
 
   void activate(double rate_hz, int largest_block) override {
     deactivate();
+    flush_if_inactive();
     if (!plugin_->activate(plugin_, rate_hz, 1, static_cast<uint32_t>(largest_block))) {
       throw unusable("activate() fails at " + std::to_string(rate_hz) + " Hz");
     }
@@ -148,6 +149,7 @@ class clap_under_test final : public plugin_under_test {
 
   double parameter(int index) override {
     const parameter_range& range = ranges_[static_cast<std::size_t>(index)];
+    call_back();
     flush_if_inactive();
     double value = 0.0;
     params_->get_value(plugin_, range.id, &value);
@@ -165,6 +167,10 @@ class clap_under_test final : public plugin_under_test {
     event.value.port_index = event.value.channel = event.value.key = -1;
     event.value.value = range.smallest + value * (range.largest - range.smallest);
     const std::lock_guard lock(mutex_);
+    // Only the last of a block's values for a parameter goes out, however fast they come.
+    const auto same = [&](const any_event& other) { return other.value.param_id == range.id; };
+    const auto earlier = std::find_if(pending_.begin(), pending_.end(), same);
+    if (earlier != pending_.end()) pending_.erase(earlier);
     pending_.push_back(event);
   }
 
@@ -178,6 +184,7 @@ class clap_under_test final : public plugin_under_test {
   }
 
   plugin_state save() override {
+    call_back();
     flush_if_inactive();
     if (state_ == nullptr) return {};
     state_part part{"state", "", {}};
