@@ -1,6 +1,7 @@
 // MIT License. The framework's CLAP module, with some of its habits mended. Its sources are meant to be one file with
 // this, which is compiled without access control: what has to be mended is private to the framework's classes.
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -26,14 +27,18 @@ PluginCLAP* wrapper_of(const clap_plugin_t* plugin) {
   return static_cast<PluginCLAP*>(plugin->plugin_data);
 }
 
+vocoder_plugin& vocoder_of(const clap_plugin_t* plugin) {
+  return *static_cast<vocoder_plugin*>(wrapper_of(plugin)->fPlugin.getInstancePointer());
+}
+
 vocoder_door& door_of(const clap_plugin_t* plugin) {
-  auto* const base = static_cast<Plugin*>(wrapper_of(plugin)->fPlugin.getInstancePointer());
-  return static_cast<vocoder_plugin*>(base)->door();
+  return vocoder_of(plugin).door();
 }
 
 // State. The framework takes it that streams read and write everything at once, and spoils it otherwise.
 
 bool save_state(const clap_plugin_t* plugin, const clap_ostream_t* stream) {
+  vocoder_of(plugin).load_held_program();
   std::string bytes;
   const clap_ostream_t collector = {&bytes, [](const clap_ostream_t* self, const void* data, uint64_t size) {
                                       static_cast<std::string*>(self->ctx)->append(static_cast<const char*>(data),
@@ -65,18 +70,52 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
                                    left->remove_prefix(count);
                                    return static_cast<int64_t>(count);
                                  }};
-  return framework::clap_plugin_state.load(plugin, &reader);
+  const bool is_loaded = framework::clap_plugin_state.load(plugin, &reader);
+  // Neither a program that was chosen before nor the one that the framework thinks is in use comes after the state.
+  vocoder_of(plugin).hold_program(-1);
+  return is_loaded;
 }
 
 constexpr clap_plugin_state_t state_extension = {save_state, load_state};
 
-// Parameters.
+// Parameters: those of the door, and the program in use, as the framework shows no programs in this format. Loading one
+// isn't for the audio thread: the program waits for the main thread, and can't be automated.
+
+constexpr clap_id program_parameter = door_parameter_count;
 
 bool is_parameter(clap_id id) {
   return id < door_parameters.size();
 }
 
+uint32_t parameter_count_with_program(const clap_plugin_t* /*plugin*/) {
+  return program_parameter + 1;
+}
+
+void describe_program(clap_param_info_t* info) {
+  *info = {};
+  info->id = program_parameter;
+  info->flags = CLAP_PARAM_IS_STEPPED;
+  info->max_value = program_count - 1;
+  std::snprintf(info->name, sizeof info->name, "%s", "Program");
+}
+
+int32_t nearest_program(double value) {
+  return static_cast<int32_t>(std::lround(std::clamp<double>(value, 0, program_count - 1)));
+}
+
+// A program brings other values with it.
+void load_held_program(const clap_plugin_t* plugin) {
+  if (!vocoder_of(plugin).load_held_program()) return;
+  const PluginCLAP* const wrapper = wrapper_of(plugin);
+  const clap_host_params_t* const params = wrapper->fHostExtensions.params;
+  if (params != nullptr && params->rescan != nullptr) params->rescan(wrapper->fHost, CLAP_PARAM_RESCAN_VALUES);
+}
+
 bool parameter_info(const clap_plugin_t* plugin, uint32_t index, clap_param_info_t* info) {
+  if (index == program_parameter) {
+    describe_program(info);
+    return true;
+  }
   if (!is_parameter(index) || !framework::clap_plugin_params.get_info(plugin, index, info)) return false;
   // The framework would show each parameter in a folder of its own.
   info->module[0] = '\0';
@@ -84,11 +123,21 @@ bool parameter_info(const clap_plugin_t* plugin, uint32_t index, clap_param_info
 }
 
 bool parameter_value(const clap_plugin_t* plugin, clap_id id, double* value) {
+  if (id == program_parameter) {
+    // A bank may have brought more programs than hosts know of.
+    *value = std::min(vocoder_of(plugin).program(), program_count - 1);
+    return true;
+  }
   return is_parameter(id) && framework::clap_plugin_params.get_value(plugin, id, value);
 }
 
 bool text_of_value(const clap_plugin_t* plugin, clap_id id, double value, char* text, uint32_t size) {
-  if (!is_parameter(id) || size == 0) return false;
+  if (size == 0) return false;
+  if (id == program_parameter) {
+    std::snprintf(text, size, "%s", door_of(plugin).name_of_program(nearest_program(value)).c_str());
+    return true;
+  }
+  if (!is_parameter(id)) return false;
   if (door_parameters[id].kind != parameter_kind::decibels) {
     return framework::clap_plugin_params.value_to_text(plugin, id, value, text, size);
   }
@@ -97,6 +146,14 @@ bool text_of_value(const clap_plugin_t* plugin, clap_id id, double value, char* 
 }
 
 bool value_of_text(const clap_plugin_t* plugin, clap_id id, const char* text, double* value) {
+  if (id == program_parameter) {
+    for (int32_t program = 0; program < program_count; ++program) {
+      if (door_of(plugin).name_of_program(program) != text) continue;
+      *value = program;
+      return true;
+    }
+    return false;
+  }
   if (!is_parameter(id) || !framework::clap_plugin_params.text_to_value(plugin, id, text, value)) return false;
   *value = std::clamp<double>(*value, door_parameters[id].lowest, door_parameters[id].highest);
   return true;
@@ -131,7 +188,16 @@ void tell_edits(PluginCLAP* wrapper, const clap_output_events_t* out) {
 struct known_events {
   clap_input_events_t list;
   const clap_input_events_t* host;
+  vocoder_plugin* vocoder;
 };
+
+// Holds the program that an event chooses, if it does.
+void hold_program(const clap_event_header_t& event, vocoder_plugin* vocoder) {
+  if (event.space_id != CLAP_CORE_EVENT_SPACE_ID || event.type != CLAP_EVENT_PARAM_VALUE) return;
+  const auto& value = reinterpret_cast<const clap_event_param_value_t&>(event);
+  if (event.size != sizeof value || value.param_id != program_parameter || std::isnan(value.value)) return;
+  vocoder->hold_program(nearest_program(value.value));
+}
 
 bool is_known(const clap_event_header_t& event) {
   if (event.space_id != CLAP_CORE_EVENT_SPACE_ID) return false;
@@ -152,7 +218,8 @@ bool is_known(const clap_event_header_t& event) {
   }
 }
 
-known_events only_known(const clap_input_events_t* host) {
+// A chosen program is noticed as the framework comes to the event.
+known_events only_known(const clap_input_events_t* host, vocoder_plugin* vocoder) {
   // Of a kind that the framework passes over.
   static constexpr clap_event_header_t nothing = {sizeof nothing, 0, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_MIDI_SYSEX,
                                                   0};
@@ -164,19 +231,33 @@ known_events only_known(const clap_input_events_t* host) {
            [](const clap_input_events_t* self, uint32_t index) {
              const auto* const events = reinterpret_cast<const known_events*>(self);
              const clap_event_header_t* const event = events->host->get(events->host, index);
-             return event != nullptr && is_known(*event) ? event : &nothing;
+             if (event == nullptr) return &nothing;
+             hold_program(*event, events->vocoder);
+             return is_known(*event) ? event : &nothing;
            }},
-          host};
+          host,
+          vocoder};
 }
 
+void ask_for_main_thread(const clap_plugin_t* plugin) {
+  const clap_host_t* const host = wrapper_of(plugin)->fHost;
+  if (vocoder_of(plugin).holds_program()) host->request_callback(host);
+}
+
+// On the audio thread while the plug-in is active, otherwise on the main thread.
 void flush(const clap_plugin_t* plugin, const clap_input_events_t* in, const clap_output_events_t* out) {
-  const known_events events = only_known(in);
+  const known_events events = only_known(in, &vocoder_of(plugin));
   framework::clap_plugin_params.flush(plugin, in != nullptr ? &events.list : nullptr, out);
   if (out != nullptr) tell_edits(wrapper_of(plugin), out);
+  if (wrapper_of(plugin)->fPlugin.isActive()) {
+    ask_for_main_thread(plugin);
+  } else {
+    load_held_program(plugin);
+  }
 }
 
 constexpr clap_plugin_params_t params_extension = {
-    clap_plugin_params_count, parameter_info, parameter_value, text_of_value, value_of_text, flush};
+    parameter_count_with_program, parameter_info, parameter_value, text_of_value, value_of_text, flush};
 
 // The window. It floats nowhere.
 
@@ -236,6 +317,7 @@ bool init(const clap_plugin_t* plugin) {
   static constexpr clap_host_latency_t silent = {[](const clap_host_t*) {}};
   if (wrapper->fHostExtensions.latency == nullptr) wrapper->fHostExtensions.latency = &silent;
   wrapper->fLastKnownLatency = wrapper->getLatency();
+  vocoder_of(plugin).hold_programs();
   return true;
 }
 
@@ -253,10 +335,17 @@ void reset(const clap_plugin_t* plugin) {
 }
 
 clap_process_status process(const clap_plugin_t* plugin, const clap_process_t* block) {
-  const known_events events = only_known(block->in_events);
+  const known_events events = only_known(block->in_events, &vocoder_of(plugin));
   clap_process_t mended = *block;
   if (mended.in_events != nullptr) mended.in_events = &events.list;
-  return clap_plugin_process(plugin, &mended);
+  const clap_process_status status = clap_plugin_process(plugin, &mended);
+  ask_for_main_thread(plugin);
+  return status;
+}
+
+void on_main_thread(const clap_plugin_t* plugin) {
+  load_held_program(plugin);
+  clap_plugin_on_main_thread(plugin);
 }
 
 // The framework takes this memory from one store and gives it back to another.
@@ -294,6 +383,7 @@ const clap_plugin_t* create(const clap_plugin_factory_t* factory, const clap_hos
   plugin->reset = reset;
   plugin->process = process;
   plugin->get_extension = extension;
+  plugin->on_main_thread = on_main_thread;
   return plugin;
 }
 

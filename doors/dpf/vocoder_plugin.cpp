@@ -138,13 +138,19 @@ void vocoder_plugin::setParameterValue(uint32_t index, float value) {
 
 void vocoder_plugin::loadProgram(uint32_t index) {
   if (index >= static_cast<uint32_t>(program_count)) return;
-  held_program_ = static_cast<int32_t>(index);
+  hold_program(static_cast<int32_t>(index));
   if (!holds_programs_) load_held_program();
 }
 
-void vocoder_plugin::load_held_program() {
-  const int32_t program = held_program_.exchange(-1);
-  if (program >= 0) door_.select_program(program);
+bool vocoder_plugin::load_held_program() {
+  const int32_t held = held_program_.exchange(-1);
+  if (held >= 0) door_.select_program(held);
+  return held >= 0;
+}
+
+int32_t vocoder_plugin::program() const {
+  const int32_t held = held_program_;
+  return held >= 0 ? held : door_.program();
 }
 
 String vocoder_plugin::getState(const char* key) const {

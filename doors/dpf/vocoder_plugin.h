@@ -20,11 +20,16 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   void set_window(door_listener* window) { window_ = window; }
   door_listener* window() const { return window_; }
 
-  // From now on programs wait until they are taken: the stand-alone program gets them from a keyboard, on its audio
-  // thread, where they can't be loaded.
+  // From now on programs wait until they are taken: CLAP hosts and the stand-alone program's keyboard choose them on
+  // the audio thread, where they can't be loaded.
   void hold_programs() { holds_programs_ = true; }
-  // Loads the program that waits, if there is one.
-  void load_held_program();
+  // Any thread. A number of no program holds none.
+  void hold_program(int32_t number) { held_program_ = number; }
+  bool holds_program() const { return held_program_.load(std::memory_order_relaxed) >= 0; }
+  // Loads the program that waits. False when there is none.
+  bool load_held_program();
+  // The one that waits, or else the one in use.
+  int32_t program() const;
 
  protected:
   const char* getLabel() const override;
