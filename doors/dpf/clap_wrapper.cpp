@@ -79,7 +79,7 @@ bool load_state(const clap_plugin_t* plugin, const clap_istream_t* stream) {
 constexpr clap_plugin_state_t state_extension = {save_state, load_state};
 
 // Parameters: those of the door, and the program in use, as the framework shows no programs in this format. Loading one
-// isn't for the audio thread: the program waits for the main thread, and can't be automated.
+// isn't for the audio thread, so the program waits for the main thread; but not for long, as not every host calls back.
 
 constexpr clap_id program_parameter = door_parameter_count;
 
@@ -94,7 +94,7 @@ uint32_t parameter_count_with_program(const clap_plugin_t* /*plugin*/) {
 void describe_program(clap_param_info_t* info) {
   *info = {};
   info->id = program_parameter;
-  info->flags = CLAP_PARAM_IS_STEPPED;
+  info->flags = CLAP_PARAM_IS_STEPPED | CLAP_PARAM_IS_AUTOMATABLE;  // some hosts hide what isn't
   info->max_value = program_count - 1;
   std::snprintf(info->name, sizeof info->name, "%s", "Program");
 }
@@ -103,7 +103,7 @@ int32_t nearest_program(double value) {
   return static_cast<int32_t>(std::lround(std::clamp<double>(value, 0, program_count - 1)));
 }
 
-// A program brings other values with it.
+// On the main thread. A program brings other values with it.
 void load_held_program(const clap_plugin_t* plugin) {
   if (!vocoder_of(plugin).load_held_program()) return;
   const PluginCLAP* const wrapper = wrapper_of(plugin);
@@ -183,6 +183,15 @@ void tell_edits(PluginCLAP* wrapper, const clap_output_events_t* out) {
   queue.used = 0;
 }
 
+void tell_values(const vocoder_door& door, const clap_output_events_t* out) {
+  for (clap_id id = 0; id < program_parameter; ++id) {
+    const double value = door.parameter(static_cast<door_parameter>(id));
+    const clap_event_param_value_t event = {
+        {sizeof event, 0, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_PARAM_VALUE, 0}, id, nullptr, -1, -1, -1, -1, value};
+    out->try_push(out, &event.header);
+  }
+}
+
 // A host's events without those that the framework misunderstands: it takes a transport event for a MIDI message, and
 // writes behind its arrays for a parameter that isn't there.
 struct known_events {
@@ -239,9 +248,15 @@ known_events only_known(const clap_input_events_t* host, vocoder_plugin* vocoder
           vocoder};
 }
 
-void ask_for_main_thread(const clap_plugin_t* plugin) {
-  const clap_host_t* const host = wrapper_of(plugin)->fHost;
-  if (vocoder_of(plugin).holds_program()) host->request_callback(host);
+// On the audio thread. `frames` have passed, none of them with a program that has just been chosen.
+void wait_for_main_thread(const clap_plugin_t* plugin, uint32_t frames, const clap_output_events_t* out) {
+  constexpr double patience_seconds = 0.1;
+  PluginCLAP* const wrapper = wrapper_of(plugin);
+  vocoder_plugin& vocoder = vocoder_of(plugin);
+  const int64_t waited = vocoder.frames_held(frames);
+  if (waited == 0) wrapper->fHost->request_callback(wrapper->fHost);
+  if (static_cast<double>(waited) < wrapper->fPlugin.getSampleRate() * patience_seconds) return;
+  if (vocoder.load_held_program() && out != nullptr) tell_values(vocoder.door(), out);
 }
 
 // On the audio thread while the plug-in is active, otherwise on the main thread.
@@ -250,7 +265,7 @@ void flush(const clap_plugin_t* plugin, const clap_input_events_t* in, const cla
   framework::clap_plugin_params.flush(plugin, in != nullptr ? &events.list : nullptr, out);
   if (out != nullptr) tell_edits(wrapper_of(plugin), out);
   if (wrapper_of(plugin)->fPlugin.isActive()) {
-    ask_for_main_thread(plugin);
+    wait_for_main_thread(plugin, 0, out);
   } else {
     load_held_program(plugin);
   }
@@ -339,7 +354,7 @@ clap_process_status process(const clap_plugin_t* plugin, const clap_process_t* b
   clap_process_t mended = *block;
   if (mended.in_events != nullptr) mended.in_events = &events.list;
   const clap_process_status status = clap_plugin_process(plugin, &mended);
-  ask_for_main_thread(plugin);
+  wait_for_main_thread(plugin, block->frames_count, block->out_events);
   return status;
 }
 

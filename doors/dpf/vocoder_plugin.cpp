@@ -148,6 +148,12 @@ bool vocoder_plugin::load_held_program() {
   return held >= 0;
 }
 
+int64_t vocoder_plugin::frames_held(uint32_t frames) {
+  const bool holds = held_program_.load(std::memory_order_relaxed) >= 0;
+  frames_held_ = !holds ? -1 : frames_held_ < 0 ? 0 : frames_held_ + frames;
+  return frames_held_;
+}
+
 int32_t vocoder_plugin::program() const {
   const int32_t held = held_program_;
   return held >= 0 ? held : door_.program();

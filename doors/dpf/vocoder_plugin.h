@@ -25,7 +25,9 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   void hold_programs() { holds_programs_ = true; }
   // Any thread. A number of no program holds none.
   void hold_program(int32_t number) { held_program_ = number; }
-  bool holds_program() const { return held_program_.load(std::memory_order_relaxed) >= 0; }
+  // Audio thread: for how many frames the program has waited, `frames` more than at the last call. 0 at the first call
+  // for it, and -1 when there is none.
+  int64_t frames_held(uint32_t frames);
   // Loads the program that waits. False when there is none.
   bool load_held_program();
   // The one that waits, or else the one in use.
@@ -76,4 +78,5 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   std::array<midi_event, most_events> events_;
   bool holds_programs_ = false;
   std::atomic<int32_t> held_program_{-1};
+  int64_t frames_held_ = -1;
 };

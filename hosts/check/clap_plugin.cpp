@@ -143,6 +143,7 @@ class clap_under_test final : public plugin_under_test {
       plugin_->process(plugin_, &block);
     });
     position_ += frames;
+    if (std::this_thread::get_id() == main_thread_) call_back();
   }
 
   int latency() override { return latency_ == nullptr ? 0 : static_cast<int>(latency_->get(plugin_)); }
@@ -418,11 +419,11 @@ class clap_under_test final : public plugin_under_test {
   int64_t position_ = 0;
   event_queue queue_;
   std::mutex mutex_;
+  const std::thread::id main_thread_ = std::this_thread::get_id();
   std::vector<any_event> pending_;  // changes of parameters, guarded by mutex_
   std::vector<timer> timers_;
   clap_id next_timer_ = 0;
   std::atomic<bool> wants_callback_{false};
-  const std::thread::id main_thread_ = std::this_thread::get_id();
   std::atomic<std::thread::id> audio_thread_{};
 };
 

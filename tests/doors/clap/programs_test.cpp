@@ -6,8 +6,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -17,6 +17,7 @@
 namespace {
 
 constexpr clap_id sound_parameter = 3;
+constexpr clap_id latch_parameter = 4;
 constexpr clap_id program_parameter = 7;
 
 class ClapPrograms : public testing::Test {
@@ -49,12 +50,16 @@ class ClapPrograms : public testing::Test {
     const clap_input_events_t changes = {
         const_cast<clap_event_param_value_t*>(&change), [](const clap_input_events_t*) -> uint32_t { return 1; },
         [](const clap_input_events_t* self, uint32_t) { return static_cast<const clap_event_header_t*>(self->ctx); }};
-    const clap_output_events_t ignored = {nullptr,
-                                          [](const clap_output_events_t*, const clap_event_header_t*) { return true; }};
+    const clap_output_events_t listened_to = {
+        this, [](const clap_output_events_t* self, const clap_event_header_t* event) {
+          const auto& told = *reinterpret_cast<const clap_event_param_value_t*>(event);
+          static_cast<ClapPrograms*>(self->ctx)->told_[told.param_id] = told.value;
+          return true;
+        }};
     std::vector<float> samples(64);
     float* channels[] = {samples.data(), samples.data()};
     clap_audio_buffer_t audio = {channels, nullptr, 2, 0, 0};
-    const clap_process_t block = {0, 64, nullptr, &audio, &audio, 1, 1, &changes, &ignored};
+    const clap_process_t block = {0, 64, nullptr, &audio, &audio, 1, 1, &changes, &listened_to};
     plugin_->process(plugin_, &block);
   }
 
@@ -85,6 +90,7 @@ class ClapPrograms : public testing::Test {
 
   int callbacks_asked_ = 0;
   std::optional<clap_param_rescan_flags> rescanned_;
+  std::map<clap_id, double> told_;
   const clap_plugin_t* plugin_ = nullptr;
 
  private:
@@ -125,6 +131,22 @@ TEST_F(ClapPrograms, AreLoadedOnTheMainThreadAfterTheBlock) {
   EXPECT_EQ(callbacks_asked_, 0);
   EXPECT_EQ(value(sound_parameter), 12);
   EXPECT_EQ(rescanned_, std::nullopt);
+  plugin_->deactivate(plugin_);
+}
+
+TEST_F(ClapPrograms, AreLoadedWithinATenthOfASecondThoughTheHostDoesNotCallBack) {
+  ASSERT_TRUE(plugin_->activate(plugin_, 44100, 1, 64));
+  process(program_parameter, 7);
+  process(sound_parameter, 40);
+  for (int frames = 64; frames < 4410 - 64; frames += 64) process(sound_parameter, 40);
+  EXPECT_EQ(value(sound_parameter), 40);
+  EXPECT_EQ(callbacks_asked_, 1);
+  EXPECT_TRUE(told_.empty());
+  for (int block = 0; block < 2; ++block) process(latch_parameter, 1);
+  EXPECT_EQ(value(program_parameter), 7);
+  EXPECT_NE(value(sound_parameter), 40);
+  ASSERT_EQ(told_.size(), 7U);
+  EXPECT_EQ(told_[sound_parameter], value(sound_parameter));
   plugin_->deactivate(plugin_);
 }
 
