@@ -133,7 +133,9 @@ float vocoder_plugin::getParameterValue(uint32_t index) const {
 }
 
 void vocoder_plugin::setParameterValue(uint32_t index, float value) {
-  if (index < door_parameters.size()) door_.set_parameter(static_cast<door_parameter>(index), value);
+  if (index >= door_parameters.size()) return;
+  door_.set_parameter(static_cast<door_parameter>(index), value);
+  if (held_program_.load(std::memory_order_relaxed) >= 0) set_while_held_.fetch_or(1U << index);
 }
 
 void vocoder_plugin::loadProgram(uint32_t index) {
@@ -142,10 +144,22 @@ void vocoder_plugin::loadProgram(uint32_t index) {
   if (!holds_programs_) load_held_program();
 }
 
+void vocoder_plugin::hold_program(int32_t number) {
+  set_while_held_ = 0;
+  held_program_ = number;
+}
+
 bool vocoder_plugin::load_held_program() {
   const int32_t held = held_program_.exchange(-1);
-  if (held >= 0) door_.select_program(held);
-  return held >= 0;
+  if (held < 0) return false;
+  const uint32_t later = set_while_held_.exchange(0);
+  std::array<float, door_parameter_count> values{};
+  for (uint32_t i = 0; i < values.size(); ++i) values[i] = getParameterValue(i);
+  door_.select_program(held);
+  for (uint32_t i = 0; i < values.size(); ++i) {
+    if ((later >> i & 1U) != 0) setParameterValue(i, values[i]);
+  }
+  return true;
 }
 
 int64_t vocoder_plugin::frames_held(uint32_t frames) {

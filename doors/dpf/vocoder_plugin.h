@@ -24,11 +24,11 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   // the audio thread, where they can't be loaded.
   void hold_programs() { holds_programs_ = true; }
   // Any thread. A number of no program holds none.
-  void hold_program(int32_t number) { held_program_ = number; }
+  void hold_program(int32_t number);
   // Audio thread: for how many frames the program has waited, `frames` more than at the last call. 0 at the first call
   // for it, and -1 when there is none.
   int64_t frames_held(uint32_t frames);
-  // Loads the program that waits. False when there is none.
+  // Loads the program that waits; values that were set after it was chosen stay. False when there is none.
   bool load_held_program();
   // The one that waits, or else the one in use.
   int32_t program() const;
@@ -78,5 +78,6 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   std::array<midi_event, most_events> events_;
   bool holds_programs_ = false;
   std::atomic<int32_t> held_program_{-1};
+  std::atomic<uint32_t> set_while_held_{0};  // a bit for each parameter
   int64_t frames_held_ = -1;
 };

@@ -136,9 +136,9 @@ TEST_F(ClapPrograms, AreLoadedOnTheMainThreadAfterTheBlock) {
 
 TEST_F(ClapPrograms, AreLoadedWithinATenthOfASecondThoughTheHostDoesNotCallBack) {
   ASSERT_TRUE(plugin_->activate(plugin_, 44100, 1, 64));
-  process(program_parameter, 7);
   process(sound_parameter, 40);
-  for (int frames = 64; frames < 4410 - 64; frames += 64) process(sound_parameter, 40);
+  process(program_parameter, 7);
+  for (int frames = 0; frames < 4410 - 64; frames += 64) process(latch_parameter, 1);
   EXPECT_EQ(value(sound_parameter), 40);
   EXPECT_EQ(callbacks_asked_, 1);
   EXPECT_TRUE(told_.empty());
@@ -147,6 +147,19 @@ TEST_F(ClapPrograms, AreLoadedWithinATenthOfASecondThoughTheHostDoesNotCallBack)
   EXPECT_NE(value(sound_parameter), 40);
   ASSERT_EQ(told_.size(), 7U);
   EXPECT_EQ(told_[sound_parameter], value(sound_parameter));
+  plugin_->deactivate(plugin_);
+}
+
+TEST_F(ClapPrograms, LeaveValuesAloneThatWereSetAfterThem) {
+  ASSERT_TRUE(plugin_->activate(plugin_, 44100, 1, 64));
+  process(program_parameter, 7);
+  process(sound_parameter, 40);
+  call_back();
+  EXPECT_EQ(value(program_parameter), 7);
+  EXPECT_EQ(value(sound_parameter), 40);
+  process(program_parameter, 3);
+  call_back();
+  EXPECT_NE(value(sound_parameter), 40);
   plugin_->deactivate(plugin_);
 }
 
