@@ -17,12 +17,15 @@ constexpr int32_t lanes_of = sizeof(V) / sizeof(float);
 
 template <typename V>
 KESREL_INLINE void load(const float* from, V* value) {
-  std::memcpy(value, from, sizeof *value);
+  V loaded;
+  std::memcpy(&loaded, from, sizeof loaded);
+  *value = loaded;
 }
 
 template <typename V>
 KESREL_INLINE void store(const V& value, float* to) {
-  std::memcpy(to, &value, sizeof value);
+  const V stored = value;
+  std::memcpy(to, &stored, sizeof stored);
 }
 
 // Takes two vectors of neighbours apart into those at even and at odd places.
@@ -43,4 +46,24 @@ KESREL_INLINE void put_together(const float4& even, const float4& odd, float4* a
 KESREL_INLINE void put_together(const float8& even, const float8& odd, float8* a, float8* b) {
   *a = __builtin_shufflevector(even, odd, 0, 8, 1, 9, 2, 10, 3, 11);
   *b = __builtin_shufflevector(even, odd, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+// Turns four rows of four numbers into their columns, in the lower and the upper halves alike.
+KESREL_INLINE void transpose_halves(float8* rows) {
+  const float8 low01 = __builtin_shufflevector(rows[0], rows[1], 0, 8, 1, 9, 4, 12, 5, 13);
+  const float8 high01 = __builtin_shufflevector(rows[0], rows[1], 2, 10, 3, 11, 6, 14, 7, 15);
+  const float8 low23 = __builtin_shufflevector(rows[2], rows[3], 0, 8, 1, 9, 4, 12, 5, 13);
+  const float8 high23 = __builtin_shufflevector(rows[2], rows[3], 2, 10, 3, 11, 6, 14, 7, 15);
+  rows[0] = __builtin_shufflevector(low01, low23, 0, 1, 8, 9, 4, 5, 12, 13);
+  rows[1] = __builtin_shufflevector(low01, low23, 2, 3, 10, 11, 6, 7, 14, 15);
+  rows[2] = __builtin_shufflevector(high01, high23, 0, 1, 8, 9, 4, 5, 12, 13);
+  rows[3] = __builtin_shufflevector(high01, high23, 2, 3, 10, 11, 6, 7, 14, 15);
+}
+
+KESREL_INLINE void without_sign(const float4& x, float4* result) {
+  *result = magnitude(x);
+}
+KESREL_INLINE void without_sign(const float8& x, float8* result) {
+  using int8 = int32_t __attribute__((vector_size(32)));
+  *result = reinterpret_cast<float8>(reinterpret_cast<int8>(x) & 0x7fffffff);
 }
