@@ -108,7 +108,7 @@ KESREL_INLINE void fill_quad(float m, float c, quad4* quad) {
   *quad = {splat(m), splat(c)};
 }
 KESREL_INLINE void fill_quad(float m, float c, quad8* quad) {
-  (*quad)[0] = float8{m, m, m, m, c, c, c, c};
+  (*quad)[0] = __builtin_shufflevector(splat(m), splat(c), 0, 1, 2, 3, 4, 5, 6, 7);
 }
 
 // The first pass, from the frames to `n` rows: its output times b0, as the second pass takes it.
@@ -194,8 +194,8 @@ struct band_mix {
   float sibilance = 0.0F;  // of the modulator's band itself, 0 for none
 };
 
-band_mix mix_of_band(float modulator_level, float carrier_level, const follower_settings& settings,
-                     const filter_gains& gains, int32_t number, voco_state* state) {
+KESREL_INLINE band_mix mix_of_band(float modulator_level, float carrier_level, const follower_settings& settings,
+                                   const filter_gains& gains, int32_t number, voco_state* state) {
   band_mix mix;
   const auto band = static_cast<size_t>(number);
   if (state->freeze_on == 0) state->target_env[band] = modulator_level;
