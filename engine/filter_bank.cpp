@@ -56,30 +56,30 @@ KESREL_INLINE void store_row(const std::array<V, count>& values, float* to) {
   for (size_t i = 0; i < count; ++i) store(values[i], to + i * lanes_of<V>);
 }
 
-// The coefficients of each lane. b1 is left out, as it is 0 times a finite sample, and b2 is -b0.
-template <typename V, int32_t quads>
+// The coefficients of each lane. b1 is left out, as it is 0 times a finite sample, and b2 is -b0. They are read from
+// memory at each sample: in registers, they would displace the outputs that the next sample waits for.
 struct group_coefficients {
-  row<V, quads> b0;
-  row<V, quads> a1;
-  row<V, quads> a2;
+  const float* b0;
+  const float* a1;
+  const float* a2;
 };
 
-template <typename V, int32_t quads>
-KESREL_INLINE void coefficients_of_group(const std::array<bandpass_coefficients, filter_bank_bands>& bands,
-                                         int32_t first_band, group_coefficients<V, quads>* group) {
-  lanes<quads> b0{}, a1{}, a2{};
+// Fills `room`, of three rows.
+template <int32_t quads>
+KESREL_INLINE group_coefficients coefficients_of_group(
+    const std::array<bandpass_coefficients, filter_bank_bands>& bands, int32_t first_band, float* room) {
+  float* const b0 = room;
+  float* const a1 = b0 + row_lanes<quads>;
+  float* const a2 = a1 + row_lanes<quads>;
   for (int32_t lane = 0; lane < row_lanes<quads>; ++lane) {
     const int32_t number = first_band + lane / quad_lanes * quad_bands + lane % quad_bands;
-    if (number >= filter_bank_bands) continue;
-    const bandpass_coefficients& band = bands[static_cast<size_t>(number)];
-    const auto i = static_cast<size_t>(lane);
-    b0[i] = band.b0;
-    a1[i] = band.a1;
-    a2[i] = band.a2;
+    const bool in_use = number < filter_bank_bands;
+    const bandpass_coefficients band = in_use ? bands[static_cast<size_t>(number)] : bandpass_coefficients{};
+    b0[lane] = band.b0;
+    a1[lane] = band.a1;
+    a2[lane] = band.a2;
   }
-  load_row(b0.data(), &group->b0);
-  load_row(a1.data(), &group->a1);
-  load_row(a2.data(), &group->a2);
+  return {b0, a1, a2};
 }
 
 // The outputs of the last two samples.
@@ -92,10 +92,13 @@ struct pass_memory {
 // One sample of every lane. `bx` and `bx2` are b0 times the input, now and two samples ago: a product serves twice.
 // Afterwards the output is y1 of the memory.
 template <typename V, int32_t quads>
-KESREL_INLINE void filter_step(const group_coefficients<V, quads>& c, const row<V, quads>& bx, const row<V, quads>& bx2,
+KESREL_INLINE void filter_step(const group_coefficients& c, const row<V, quads>& bx, const row<V, quads>& bx2,
                                pass_memory<row<V, quads>>* memory) {
   for (size_t i = 0; i < bx.size(); ++i) {
-    const V y = bx[i] - bx2[i] - c.a1[i] * memory->y1[i] - c.a2[i] * memory->y2[i];
+    V a1, a2;
+    load(c.a1 + i * lanes_of<V>, &a1);
+    load(c.a2 + i * lanes_of<V>, &a2);
+    const V y = bx[i] - bx2[i] - a1 * memory->y1[i] - a2 * memory->y2[i];
     memory->y2[i] = memory->y1[i];
     memory->y1[i] = y;
   }
@@ -113,9 +116,8 @@ KESREL_INLINE void fill_quad(float m, float c, quad8* quad) {
 
 // The first pass, from the frames to `n` rows: its output times b0, as the second pass takes it.
 template <typename V, int32_t quads>
-KESREL_INLINE void first_pass(const group_coefficients<V, quads>& coefficients, const float* modulator,
-                              const float* carrier, int32_t n, float* rows) {
-  const group_coefficients<V, quads> c = coefficients;
+KESREL_INLINE void first_pass(const group_coefficients& c, const float* modulator, const float* carrier, int32_t n,
+                              float* rows) {
   row<V, 1> x1{}, x2{};
   pass_memory<row<V, quads>> memory;
   for (int32_t t = 0; t < n; ++t) {
@@ -123,11 +125,17 @@ KESREL_INLINE void first_pass(const group_coefficients<V, quads>& coefficients, 
     fill_quad(modulator[t], carrier[t], &x);
     row<V, quads> bx, bx2, by;
     for (size_t i = 0; i < bx.size(); ++i) {
-      bx[i] = c.b0[i] * x[i % x.size()];
-      bx2[i] = c.b0[i] * x2[i % x.size()];
+      V b0;
+      load(c.b0 + i * lanes_of<V>, &b0);
+      bx[i] = b0 * x[i % x.size()];
+      bx2[i] = b0 * x2[i % x.size()];
     }
-    filter_step(c, bx, bx2, &memory);
-    for (size_t i = 0; i < by.size(); ++i) by[i] = c.b0[i] * memory.y1[i];
+    filter_step<V, quads>(c, bx, bx2, &memory);
+    for (size_t i = 0; i < by.size(); ++i) {
+      V b0;
+      load(c.b0 + i * lanes_of<V>, &b0);
+      by[i] = b0 * memory.y1[i];
+    }
     store_row(by, rows + t * row_lanes<quads>);
     x2 = x1;
     x1 = x;
@@ -137,16 +145,14 @@ KESREL_INLINE void first_pass(const group_coefficients<V, quads>& coefficients, 
 // The second pass over `n` rows, of which the next is `step` floats on. Each result takes the place of the input of two
 // samples ago, which nothing reads again; the first row follows two rows of zeros.
 template <typename V, int32_t quads>
-KESREL_INLINE void second_pass(const group_coefficients<V, quads>& coefficients, int32_t n, int32_t step,
-                               float* first) {
-  const group_coefficients<V, quads> c = coefficients;
+KESREL_INLINE void second_pass(const group_coefficients& c, int32_t n, int32_t step, float* first) {
   pass_memory<row<V, quads>> memory;
   for (int32_t t = 0; t < n; ++t) {
     float* const at = first + t * step;
     row<V, quads> bx, bx2;
     load_row(at, &bx);
     load_row(at - 2 * step, &bx2);
-    filter_step(c, bx, bx2, &memory);
+    filter_step<V, quads>(c, bx, bx2, &memory);
     store_row(memory.y1, at - 2 * step);
   }
 }
@@ -155,18 +161,18 @@ KESREL_INLINE void second_pass(const group_coefficients<V, quads>& coefficients,
 //   rows     room for n + 4 of them
 //   returns  the first of the resulting `n` rows
 template <typename V, int32_t quads>
-KESREL_INLINE const float* filter_group(band_filter filter, const group_coefficients<V, quads>& c,
-                                        const float* modulator, const float* carrier, int32_t n, float* rows) {
+KESREL_INLINE const float* filter_group(band_filter filter, const group_coefficients& c, const float* modulator,
+                                        const float* carrier, int32_t n, float* rows) {
   constexpr int32_t margin = 2 * row_lanes<quads>;
   float* const inner = rows + margin;
-  first_pass(c, modulator, carrier, n, inner);
+  first_pass<V, quads>(c, modulator, carrier, n, inner);
   if (filter == band_filter::bandpass_forward_backward) {
     std::fill_n(inner + n * row_lanes<quads>, margin, 0.0F);
-    second_pass(c, n, -row_lanes<quads>, inner + (n - 1) * row_lanes<quads>);
+    second_pass<V, quads>(c, n, -row_lanes<quads>, inner + (n - 1) * row_lanes<quads>);
     return inner + margin;
   }
   std::fill_n(rows, margin, 0.0F);
-  second_pass(c, n, row_lanes<quads>, inner);
+  second_pass<V, quads>(c, n, row_lanes<quads>, inner);
   return rows;
 }
 
@@ -254,9 +260,9 @@ KESREL_INLINE void add_group(const bank_frame& frame, int32_t first_band, float*
   const filter_gains& gains = twice ? twice_gains : forward_backward_gains;
   const follower_settings settings =
       follower_settings_of(state->env_attack, state->env_release, state->env_average, state->env_mix);
-  group_coefficients<V, quads> coefficients;
-  coefficients_of_group(bands, first_band, &coefficients);
-  const float* const rows = filter_group(frame.filter, coefficients, frame.modulator, frame.carrier, frame.n, room);
+  const group_coefficients c = coefficients_of_group<quads>(bands, first_band, room);
+  float* const inner = room + 3 * row_lanes<quads>;
+  const float* const rows = filter_group<V, quads>(frame.filter, c, frame.modulator, frame.carrier, frame.n, inner);
   lanes<quads> levels;
   mean_levels<V, quads>(rows, frame.n, &levels);
   std::array<std::array<band_mix, quad_bands>, quads> mix;
@@ -285,8 +291,8 @@ KESREL_INLINE void run_bank(band_filter filter, float* modulator, const float* c
   constexpr int32_t last_group = bank_quads % whole_group;
   const int32_t rounded = n + lanes_of<V> - 1;
   const int32_t arena_used = state->arena.used;
-  // Four rows of margin, and those that are read past the last sample.
-  float* const room = frame_arena_take((rounded + 4) * row_lanes<whole_group>, &state->arena);
+  // Three rows of coefficients, four of margin, and those that are read past the last sample.
+  float* const room = frame_arena_take((rounded + 7) * row_lanes<whole_group>, &state->arena);
   float* const output = frame_arena_take(rounded, &state->arena);
   if (room != nullptr && output != nullptr) {
     const bank_frame frame = {filter, modulator, carrier, n};
