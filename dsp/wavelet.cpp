@@ -118,6 +118,9 @@ KESREL_INLINE void store_group(const std::array<V, vectors>& group, int32_t coun
 
 // --- Forward ---
 
+// What is read at most past the end of a line that is taken apart.
+constexpr int32_t widest_pair = 2 * lanes_of<float8>;
+
 // A line taken apart into its even and odd samples. Groups may read beyond the end, into lanes that nobody uses.
 struct split_line {
   std::array<float*, 2> planes;
@@ -131,10 +134,10 @@ int32_t plane_size(const wavelet& transform, int32_t size) {
   return (line_size(transform, size) + 1) / 2 + widest_group_outputs;
 }
 
+// Whole vectors, and so some samples past the end of the line.
 template <typename V>
 KESREL_INLINE void split(const float* line, int32_t count, const split_line& parts) {
-  int32_t i = 0;
-  for (; i + 2 * lanes_of<V> <= count; i += 2 * lanes_of<V>) {
+  for (int32_t i = 0; i < count; i += 2 * lanes_of<V>) {
     V a, b, even, odd;
     load(line + i, &a);
     load(line + i + lanes_of<V>, &b);
@@ -142,7 +145,6 @@ KESREL_INLINE void split(const float* line, int32_t count, const split_line& par
     store(even, parts.planes[0] + i / 2);
     store(odd, parts.planes[1] + i / 2);
   }
-  for (; i < count; ++i) parts.planes[index(i % 2)][i / 2] = line[i];
 }
 
 // Computes a group of outputs, one for every second sample, the first with tap 0 at `start` of the line. Stores
@@ -289,7 +291,7 @@ struct signal {
 template <typename V>
 KESREL_INLINE void forward_steps(const wavelet& transform, const signal& x, float* workspace) {
   float* const line = workspace;
-  float* const planes = line + line_size(transform, x.size);
+  float* const planes = line + line_size(transform, x.size) + widest_pair;
   const split_line parts = {{planes, planes + plane_size(transform, x.size)}};
   float* const band = line + transform.pad;
   std::memcpy(band, x.input, index(x.size) * sizeof(float));
@@ -372,7 +374,7 @@ void wavelet_bind(const filter_set& set, wavelet* transform) {
 }
 
 int32_t wavelet_workspace_size(const wavelet& transform, int32_t size) {
-  const int32_t forward = line_size(transform, size) + 2 * plane_size(transform, size);
+  const int32_t forward = line_size(transform, size) + widest_pair + 2 * plane_size(transform, size);
   const int32_t inverse = 2 * band_line_size(transform, size);
   return std::max(forward, inverse);
 }
