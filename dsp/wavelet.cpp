@@ -6,10 +6,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "dsp/lanes.h"
+#include "dsp/wide_lanes.h"
 
 // Speed comes from lanes that hold neighbouring outputs, each of which adds up in the order that a plain loop has. As
 // a band is taken at every second sample, even and odd ones are kept apart, so that lanes find theirs side by side.
+// What works in lanes is compiled for vectors V of 128 and of 256 bits.
 
 namespace {
 
@@ -27,9 +28,24 @@ int32_t high_size(int32_t size) {
 
 // --- Extension: a line holds `pad` samples before the signal and as many after it ---
 
+// What is filled already grows by whole periods, and each copy takes all of it.
 void extend_periodically(int32_t size, int32_t pad, float* line) {
-  for (int32_t i = pad - 1; i >= 0; --i) line[i] = line[i + size];
-  for (int32_t i = pad + size; i < size + 2 * pad; ++i) line[i] = line[i - size];
+  if (size == 0) return;
+  float* const signal = line + pad;
+  int32_t filled = size;
+  for (int32_t rest = pad; rest > 0;) {
+    const int32_t count = std::min(filled, rest);
+    std::memcpy(line + rest - count, line + rest - count + filled, index(count) * sizeof(float));
+    filled += count;
+    rest -= count;
+  }
+  filled = size;
+  for (int32_t end = size; end < size + pad;) {
+    const int32_t count = std::min(filled, size + pad - end);
+    std::memcpy(signal + end, signal + end - filled, index(count) * sizeof(float));
+    filled += count;
+    end += count;
+  }
 }
 
 // How a signal is mirrored at one end: about its last sample, or about the point half a sample beyond.
@@ -70,19 +86,40 @@ void extend_symmetrically(symmetry left, symmetry right, float sign, int32_t siz
 
 // --- Groups of outputs that are summed together ---
 
-constexpr int32_t wide_group = 32;
-constexpr int32_t narrow_group = 8;  // for what is left over
+// In vectors. The sums of a wide group and what is added to them fill the processor's 16 registers well, and are enough
+// for it not to wait for any. The others are for what is left over.
+constexpr size_t wide_group = 8;
+constexpr size_t middle_group = 4;
+constexpr size_t narrow_group = 1;
 
-template <int32_t group>
-using group_sums = std::array<float4, group / 4>;
+constexpr int32_t widest_group_outputs = static_cast<int32_t>(wide_group) * lanes_of<float8>;
 
-template <size_t lanes>
-void add_scaled(float factor, const float* x, std::array<float4, lanes>* sums) {
-  const float4 factors = splat(factor);
-  for (size_t lane = 0; lane < lanes; ++lane) (*sums)[lane] += factors * load4(x + 4 * lane);
+template <typename V, size_t vectors>
+constexpr int32_t outputs_of = static_cast<int32_t>(vectors) * lanes_of<V>;
+
+template <typename V, size_t vectors>
+KESREL_INLINE void add_scaled(float factor, const float* x, std::array<V, vectors>* sums) {
+  for (size_t i = 0; i < vectors; ++i) {
+    V samples;
+    load(x + i * lanes_of<V>, &samples);
+    (*sums)[i] += factor * samples;
+  }
+}
+
+// Stores the first `count`, or all where there are fewer.
+template <typename V, size_t vectors>
+KESREL_INLINE void store_group(const std::array<V, vectors>& group, int32_t count, float* out) {
+  if (count >= outputs_of<V, vectors>) {
+    for (size_t i = 0; i < vectors; ++i) store(group[i], out + i * lanes_of<V>);
+  } else {
+    std::memcpy(out, group.data(), index(count) * sizeof(float));
+  }
 }
 
 // --- Forward ---
+
+// What is read at most past the end of a line that is taken apart.
+constexpr int32_t widest_pair = 2 * lanes_of<float8>;
 
 // A line taken apart into its even and odd samples. Groups may read beyond the end, into lanes that nobody uses.
 struct split_line {
@@ -94,26 +131,28 @@ int32_t line_size(const wavelet& transform, int32_t size) {
 }
 
 int32_t plane_size(const wavelet& transform, int32_t size) {
-  return (line_size(transform, size) + 1) / 2 + wide_group;
+  return (line_size(transform, size) + 1) / 2 + widest_group_outputs;
 }
 
-void split(const float* line, int32_t count, const split_line& parts) {
-  float* const even = parts.planes[0];
-  float* const odd = parts.planes[1];
-  int32_t i = 0;
-  for (; i + 8 <= count; i += 8) {
-    const float4 a = load4(line + i);
-    const float4 b = load4(line + i + 4);
-    store4(__builtin_shufflevector(a, b, 0, 2, 4, 6), even + i / 2);
-    store4(__builtin_shufflevector(a, b, 1, 3, 5, 7), odd + i / 2);
+// Whole vectors, and so some samples past the end of the line.
+template <typename V>
+KESREL_INLINE void split(const float* line, int32_t count, const split_line& parts) {
+  for (int32_t i = 0; i < count; i += 2 * lanes_of<V>) {
+    V a, b, even, odd;
+    load(line + i, &a);
+    load(line + i + lanes_of<V>, &b);
+    take_apart(a, b, &even, &odd);
+    store(even, parts.planes[0] + i / 2);
+    store(odd, parts.planes[1] + i / 2);
   }
-  for (; i < count; ++i) parts.planes[index(i % 2)][i / 2] = line[i];
 }
 
-// Computes `group` outputs, one for every second sample, the first with tap 0 at `start` of the line. Stores `count`.
-template <int32_t group>
-void correlate_group(const wavelet_filter& filter, const split_line& line, int32_t start, int32_t count, float* out) {
-  group_sums<group> sums{};
+// Computes a group of outputs, one for every second sample, the first with tap 0 at `start` of the line. Stores
+// `count`.
+template <typename V, size_t vectors>
+KESREL_INLINE void correlate_group(const wavelet_filter& filter, const split_line& line, int32_t start, int32_t count,
+                                   float* out) {
+  std::array<V, vectors> sums{};
   const float* const taps = filter.coefficients.data();
   const float* at_even_taps = line.planes[index(start % 2)] + start / 2;
   const float* at_odd_taps = line.planes[index((start + 1) % 2)] + (start + 1) / 2;
@@ -123,16 +162,22 @@ void correlate_group(const wavelet_filter& filter, const split_line& line, int32
     add_scaled(taps[j + 1], at_odd_taps++, &sums);
   }
   if (j < filter.size) add_scaled(taps[j], at_even_taps, &sums);
-  std::memcpy(out, sums.data(), index(std::min(count, group)) * sizeof(float));
+  store_group(sums, count, out);
 }
 
-void correlate(const wavelet_filter& filter, const split_line& line, int32_t pad, int32_t count, float* out) {
+template <typename V>
+KESREL_INLINE void correlate(const wavelet_filter& filter, const split_line& line, int32_t pad, int32_t count,
+                             float* out) {
   const int32_t start = pad + filter.first_index;
   int32_t i = 0;
-  for (; count - i > narrow_group; i += wide_group) {
-    correlate_group<wide_group>(filter, line, start + 2 * i, count - i, out + i);
+  for (; count - i > outputs_of<V, middle_group>; i += outputs_of<V, wide_group>) {
+    correlate_group<V, wide_group>(filter, line, start + 2 * i, count - i, out + i);
   }
-  if (i < count) correlate_group<narrow_group>(filter, line, start + 2 * i, count - i, out + i);
+  if (count - i > outputs_of<V, narrow_group>) {
+    correlate_group<V, middle_group>(filter, line, start + 2 * i, count - i, out + i);
+  } else if (i < count) {
+    correlate_group<V, narrow_group>(filter, line, start + 2 * i, count - i, out + i);
+  }
 }
 
 void extend_for_analysis(const wavelet& transform, bool symmetric, int32_t size, float* line) {
@@ -150,14 +195,14 @@ void report_short_band() {
 // --- Inverse ---
 
 int32_t band_line_size(const wavelet& transform, int32_t size) {
-  return low_size(size) + 2 * transform.pad + wide_group;
+  return low_size(size) + 2 * transform.pad + widest_group_outputs;
 }
 
 // Adds a band's share to every second output: those of parity 0 or 1 in the pairs from `first_pair` on. Early samples
 // of the band are added first, and they meet the late taps.
-template <size_t lanes>
-void add_band(const wavelet_filter& filter, const float* band, int32_t first_pair, int32_t parity,
-              std::array<float4, lanes>* sums) {
+template <typename V, size_t vectors>
+KESREL_INLINE void add_band(const wavelet_filter& filter, const float* band, int32_t first_pair, int32_t parity,
+                            std::array<V, vectors>* sums) {
   const float* const taps = filter.coefficients.data();
   const int32_t shift = parity - filter.first_index;
   const int32_t last_tap = filter.size - 1 - ((filter.size - 1 + shift) & 1);
@@ -165,38 +210,41 @@ void add_band(const wavelet_filter& filter, const float* band, int32_t first_pai
   for (int32_t j = last_tap; j >= 0; j -= 2) add_scaled(taps[j], x++, sums);
 }
 
-template <size_t lanes>
-void store_pairs(const std::array<float4, lanes>& even, const std::array<float4, lanes>& odd, int32_t count,
-                 float* out) {
-  std::array<float, 8 * lanes> samples;
-  for (size_t lane = 0; lane < lanes; ++lane) {
-    store4(__builtin_shufflevector(even[lane], odd[lane], 0, 4, 1, 5), samples.data() + 8 * lane);
-    store4(__builtin_shufflevector(even[lane], odd[lane], 2, 6, 3, 7), samples.data() + 8 * lane + 4);
-  }
-  std::memcpy(out, samples.data(), std::min(index(count), samples.size()) * sizeof(float));
+// The low band's share comes before the high band's in every sum.
+template <typename V, size_t vectors>
+KESREL_INLINE void add_bands(const wavelet& transform, const float* low, const float* high, int32_t first_pair,
+                             int32_t parity, std::array<V, vectors>* sums) {
+  std::array<V, vectors> parity_sums{};
+  add_band(*transform.synthesis_low, low, first_pair, parity, &parity_sums);
+  if (high != nullptr) add_band(*transform.synthesis_high, high, first_pair, parity, &parity_sums);
+  *sums = parity_sums;
 }
 
-// `group` pairs of an even and an odd output, of which `count` samples are stored. The low band's share comes before
-// the high band's in every sum.
-template <int32_t group>
-void synthesise_group(const wavelet& transform, const float* low, const float* high, int32_t first_pair, int32_t count,
-                      float* out) {
-  std::array<group_sums<group>, 2> sums{};
-  for (const int32_t parity : {0, 1}) {
-    group_sums<group> parity_sums{};
-    add_band(*transform.synthesis_low, low, first_pair, parity, &parity_sums);
-    add_band(*transform.synthesis_high, high, first_pair, parity, &parity_sums);
-    sums[index(parity)] = parity_sums;
-  }
-  store_pairs(sums[0], sums[1], count, out);
+// A group of pairs of an even and an odd output, of which `count` samples are stored.
+template <typename V, size_t vectors>
+KESREL_INLINE void synthesise_group(const wavelet& transform, const float* low, const float* high, int32_t first_pair,
+                                    int32_t count, float* out) {
+  std::array<V, vectors> even;
+  std::array<V, vectors> odd;
+  add_bands(transform, low, high, first_pair, 0, &even);
+  add_bands(transform, low, high, first_pair, 1, &odd);
+  std::array<V, 2 * vectors> samples;
+  for (size_t i = 0; i < vectors; ++i) put_together(even[i], odd[i], &samples[2 * i], &samples[2 * i + 1]);
+  store_group(samples, count, out);
 }
 
-void synthesise(const wavelet& transform, const float* low, const float* high, int32_t size, float* out) {
+// Computes `size` samples. A null `high` is a band of zeros.
+template <typename V>
+KESREL_INLINE void synthesise(const wavelet& transform, const float* low, const float* high, int32_t size, float* out) {
   int32_t i = 0;
-  for (; size - i > 2 * narrow_group; i += 2 * wide_group) {
-    synthesise_group<wide_group>(transform, low, high, i / 2, size - i, out + i);
+  for (; size - i > 2 * outputs_of<V, middle_group>; i += 2 * outputs_of<V, wide_group>) {
+    synthesise_group<V, wide_group>(transform, low, high, i / 2, size - i, out + i);
   }
-  if (i < size) synthesise_group<narrow_group>(transform, low, high, i / 2, size - i, out + i);
+  if (size - i > 2 * outputs_of<V, narrow_group>) {
+    synthesise_group<V, middle_group>(transform, low, high, i / 2, size - i, out + i);
+  } else if (i < size) {
+    synthesise_group<V, narrow_group>(transform, low, high, i / 2, size - i, out + i);
+  }
 }
 
 void extend_low_band(const wavelet& transform, bool symmetric, int32_t size, float* line) {
@@ -227,6 +275,92 @@ bool has_room(const wavelet& transform, int32_t size, std::span<float> workspace
   return size >= 1 && workspace.size() >= index(wavelet_workspace_size(transform, size));
 }
 
+// --- All steps of either direction, in vectors V ---
+
+enum class bands { all, low };
+
+struct signal {
+  const float* input;
+  float* output;
+  int32_t size;
+  int32_t steps;
+  bool symmetric;
+  bands taken;
+};
+
+template <typename V>
+KESREL_INLINE void forward_steps(const wavelet& transform, const signal& x, float* workspace) {
+  float* const line = workspace;
+  float* const planes = line + line_size(transform, x.size) + widest_pair;
+  const split_line parts = {{planes, planes + plane_size(transform, x.size)}};
+  float* const band = line + transform.pad;
+  std::memcpy(band, x.input, index(x.size) * sizeof(float));
+  int32_t size = x.size;
+  for (int32_t step = 0; step < x.steps; ++step) {
+    if (size <= 2 && transform.symmetric == 1) report_short_band();
+    extend_for_analysis(transform, x.symmetric, size, line);
+    split<V>(line, line_size(transform, size), parts);
+    correlate<V>(*transform.analysis_low, parts, transform.pad, low_size(size), band);
+    if (x.taken == bands::all) {
+      correlate<V>(*transform.analysis_high, parts, transform.pad, high_size(size), x.output + low_size(size));
+    }
+    size = low_size(size);
+  }
+  std::memcpy(x.output, band, index(size) * sizeof(float));
+}
+
+template <typename V>
+KESREL_INLINE void inverse_steps(const wavelet& transform, const signal& x, float* workspace) {
+  float* const low_line = workspace;
+  float* const high_line = low_line + band_line_size(transform, x.size);
+  float* const low = low_line + transform.pad;
+  float* const high = high_line + transform.pad;
+  // The low band grows from the start of the output, and leaves alone the high bands that are still to come.
+  std::memmove(x.output, x.input, index(size_before_step(x.size, x.steps)) * sizeof(float));
+  for (int32_t step = x.steps - 1; step >= 0; --step) {
+    const int32_t whole = size_before_step(x.size, step);
+    std::memcpy(low, x.output, index(low_size(whole)) * sizeof(float));
+    extend_low_band(transform, x.symmetric, whole, low_line);
+    // Periodic extension of no samples leaves a line unchanged, so it would still hold the low band.
+    const bool no_high_samples = high_size(whole) == 0;
+    if (no_high_samples) std::copy_n(low_line, low_size(whole) + 2 * transform.pad, high_line);
+    const bool with_high = x.taken == bands::all || no_high_samples;
+    if (with_high) {
+      std::memcpy(high, x.input + low_size(whole), index(high_size(whole)) * sizeof(float));
+      extend_high_band(transform, x.symmetric, whole, high_line);
+    }
+    synthesise<V>(transform, low, with_high ? high : nullptr, whole, x.output);
+  }
+}
+
+void forward_narrow(const wavelet& transform, const signal& x, float* workspace) {
+  forward_steps<float4>(transform, x, workspace);
+}
+
+KESREL_AVX2 void forward_wide(const wavelet& transform, const signal& x, float* workspace) {
+  forward_steps<float8>(transform, x, workspace);
+}
+
+void inverse_narrow(const wavelet& transform, const signal& x, float* workspace) {
+  inverse_steps<float4>(transform, x, workspace);
+}
+
+KESREL_AVX2 void inverse_wide(const wavelet& transform, const signal& x, float* workspace) {
+  inverse_steps<float8>(transform, x, workspace);
+}
+
+int32_t forward(const wavelet& transform, const signal& x, std::span<float> workspace) {
+  if (!has_room(transform, x.size, workspace)) return 1;
+  transform.wide ? forward_wide(transform, x, workspace.data()) : forward_narrow(transform, x, workspace.data());
+  return 0;
+}
+
+int32_t inverse(const wavelet& transform, const signal& x, std::span<float> workspace) {
+  if (!has_room(transform, x.size, workspace)) return 1;
+  transform.wide ? inverse_wide(transform, x, workspace.data()) : inverse_narrow(transform, x, workspace.data());
+  return 0;
+}
+
 }  // namespace
 
 void wavelet_bind(const filter_set& set, wavelet* transform) {
@@ -235,55 +369,36 @@ void wavelet_bind(const filter_set& set, wavelet* transform) {
   transform->synthesis_low = &set.synthesis_low;
   transform->synthesis_high = &set.synthesis_high;
   transform->symmetric = set.symmetric;
+  transform->wide = processor_has_avx2();
   transform->pad = std::max(set.analysis_low.size, set.analysis_high.size);
 }
 
 int32_t wavelet_workspace_size(const wavelet& transform, int32_t size) {
-  const int32_t forward = line_size(transform, size) + 2 * plane_size(transform, size);
+  const int32_t forward = line_size(transform, size) + widest_pair + 2 * plane_size(transform, size);
   const int32_t inverse = 2 * band_line_size(transform, size);
   return std::max(forward, inverse);
 }
 
 int32_t wavelet_forward(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
                         int32_t extension, std::span<float> workspace) {
-  if (!has_room(transform, size, workspace)) return 1;
   const bool symmetric = resolve_extension(transform, extension);
-  float* const line = workspace.data();
-  float* const planes = line + line_size(transform, size);
-  const split_line parts = {{planes, planes + plane_size(transform, size)}};
-  float* const band = line + transform.pad;
-  std::copy_n(input, size, band);
-  for (int32_t step = 0; step < steps; ++step) {
-    if (size <= 2 && transform.symmetric == 1) report_short_band();
-    extend_for_analysis(transform, symmetric, size, line);
-    split(line, line_size(transform, size), parts);
-    correlate(*transform.analysis_high, parts, transform.pad, high_size(size), output + low_size(size));
-    correlate(*transform.analysis_low, parts, transform.pad, low_size(size), band);
-    size = low_size(size);
-  }
-  std::copy_n(band, size, output);
-  return 0;
+  return forward(transform, {input, output, size, steps, symmetric, bands::all}, workspace);
+}
+
+int32_t wavelet_forward_low(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
+                            int32_t extension, std::span<float> workspace) {
+  const bool symmetric = resolve_extension(transform, extension);
+  return forward(transform, {input, output, size, steps, symmetric, bands::low}, workspace);
 }
 
 int32_t wavelet_inverse(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
                         int32_t extension, std::span<float> workspace) {
-  if (!has_room(transform, size, workspace)) return 1;
   const bool symmetric = resolve_extension(transform, extension);
-  float* const low_line = workspace.data();
-  float* const high_line = low_line + band_line_size(transform, size);
-  float* const low = low_line + transform.pad;
-  float* const high = high_line + transform.pad;
-  // The low band grows from the start of the output, and leaves alone the high bands that are still to come.
-  std::memmove(output, input, index(size_before_step(size, steps)) * sizeof(float));
-  for (int32_t step = steps - 1; step >= 0; --step) {
-    const int32_t whole = size_before_step(size, step);
-    std::copy_n(output, low_size(whole), low);
-    extend_low_band(transform, symmetric, whole, low_line);
-    // Periodic extension of no samples leaves a line unchanged, so it would still hold the low band.
-    if (high_size(whole) == 0) std::copy_n(low_line, low_size(whole) + 2 * transform.pad, high_line);
-    std::copy_n(input + low_size(whole), high_size(whole), high);
-    extend_high_band(transform, symmetric, whole, high_line);
-    synthesise(transform, low, high, whole, output);
-  }
-  return 0;
+  return inverse(transform, {input, output, size, steps, symmetric, bands::all}, workspace);
+}
+
+int32_t wavelet_inverse_low(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
+                            int32_t extension, std::span<float> workspace) {
+  const bool symmetric = resolve_extension(transform, extension);
+  return inverse(transform, {input, output, size, steps, symmetric, bands::low}, workspace);
 }

@@ -26,7 +26,8 @@ struct wavelet {
   const wavelet_filter* synthesis_low = nullptr;
   const wavelet_filter* synthesis_high = nullptr;
   int32_t symmetric = 0;
-  int32_t pad = 0;  // samples that a band is extended by on either side, so that filters run over the ends
+  bool wide = false;  // runs in vectors of 256 bits, with the same results; bound so where the processor has them
+  int32_t pad = 0;    // samples that a band is extended by on either side, so that filters run over the ends
 };
 
 void wavelet_bind(const filter_set& set, wavelet* transform);
@@ -43,6 +44,15 @@ int32_t wavelet_workspace_size(const wavelet& transform, int32_t size);
 int32_t wavelet_forward(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
                         int32_t extension, std::span<float> workspace);
 
+// Takes the steps for their last low band alone, at half the cost: its samples start `output`, whose rest stays as it
+// was. Otherwise as wavelet_forward.
+int32_t wavelet_forward_low(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
+                            int32_t extension, std::span<float> workspace);
+
 // Undoes `steps` steps. Shapes and result as wavelet_forward; nothing is printed.
 int32_t wavelet_inverse(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
                         int32_t extension, std::span<float> workspace);
+
+// The same from the last low band alone, as though all high bands were 0. Of `input` only that band is read.
+int32_t wavelet_inverse_low(const wavelet& transform, const float* input, float* output, int32_t size, int32_t steps,
+                            int32_t extension, std::span<float> workspace);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "dsp/processor.h"
 #include "engine/band_filters.h"
 
 struct voco_state;
@@ -12,3 +13,9 @@ struct voco_state;
 //   state     the followers and held levels of the bands, entries 0 to 24
 //   audio     takes its work buffers from the state's arena; when it is exhausted, `modulator` stays unchanged
 void vocoder_filter_bank(band_filter filter, float* modulator, const float* carrier, int32_t n, voco_state* state);
+
+// Its two versions, with the same result: in vectors of 128 bits, and of 256 for processors that have them.
+void vocoder_filter_bank_narrow(band_filter filter, float* modulator, const float* carrier, int32_t n,
+                                voco_state* state);
+KESREL_AVX2 void vocoder_filter_bank_wide(band_filter filter, float* modulator, const float* carrier, int32_t n,
+                                          voco_state* state);

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 // Floats that the largest algorithm takes in one frame, with room to align each piece.
-constexpr int32_t frame_arena_capacity = 20 * 1024;
+constexpr int32_t frame_arena_capacity = 34 * 1024;
 
 struct frame_arena {
   alignas(64) std::array<float, frame_arena_capacity> storage{};

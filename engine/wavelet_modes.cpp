@@ -23,13 +23,12 @@ constexpr double contrast = 1.1;             // exponent of the ratio
 constexpr float output_level = 0.16666667F;
 constexpr int32_t split_divisor = 32;  // levels above n / 32 are the four highest octaves
 
-// Both signals of a frame in the domain of one filter set. The transform points to the filters next to it, so the
-// record must not be copied or moved.
+// Both signals of a frame in the domain of one filter set.
 struct decomposition {
-  filter_set filters;
   wavelet transform;
   int32_t n = 0;
   int32_t steps = 0;
+  int32_t steps_to_low = 0;  // the first ones, whose levels are neither made nor heard
   float* modulator = nullptr;
   float* carrier = nullptr;
   std::span<float> workspace;
@@ -37,8 +36,7 @@ struct decomposition {
 
 //   returns  0; 1 when the arena is exhausted
 int32_t decomposition_make(int32_t filter_set_number, int32_t n, frame_arena* arena, decomposition* d) {
-  filter_set_copy(*filter_set_of_number(filter_set_number), &d->filters);
-  wavelet_bind(d->filters, &d->transform);
+  wavelet_bind(*filter_set_of_number(filter_set_number), &d->transform);
   d->n = n;
   for (int32_t s = n / 2; s > 1; s /= 2) ++d->steps;
   const int32_t workspace_size = wavelet_workspace_size(d->transform, n);
@@ -50,23 +48,32 @@ int32_t decomposition_make(int32_t filter_set_number, int32_t n, frame_arena* ar
   return 0;
 }
 
+// Leaves out the levels above s.
+void start_below(int32_t s, decomposition* d) {
+  while (d->n >> (d->steps_to_low + 1) > s && d->steps_to_low < d->steps) ++d->steps_to_low;
+}
+
 void take_without_dc(const float* modulator, const float* carrier, decomposition* d) {
   std::copy_n(modulator, d->n, d->modulator);
   std::copy_n(carrier, d->n, d->carrier);
-  dc_block(d->modulator, d->n);
-  dc_block(d->carrier, d->n);
+  dc_block_pair(d->modulator, d->carrier, d->n);
 }
 
 void analyse(decomposition* d) {
-  for (float* const samples : {d->modulator, d->carrier}) {
-    wavelet_forward(d->transform, samples, samples, d->n, d->steps, wavelet_extension_of_set, d->workspace);
+  for (float* const x : {d->modulator, d->carrier}) {
+    const int32_t first = d->steps_to_low;
+    if (first > 0) wavelet_forward_low(d->transform, x, x, d->n, first, wavelet_extension_of_set, d->workspace);
+    wavelet_forward(d->transform, x, x, d->n >> first, d->steps - first, wavelet_extension_of_set, d->workspace);
   }
 }
 
 // No coarse term remains: the two lowest coefficients are cleared.
 void synthesise(decomposition* d) {
-  std::fill_n(d->modulator, 2, 0.0F);
-  wavelet_inverse(d->transform, d->modulator, d->modulator, d->n, d->steps, wavelet_extension_of_set, d->workspace);
+  float* const x = d->modulator;
+  const int32_t last = d->steps_to_low;
+  std::fill_n(x, 2, 0.0F);
+  wavelet_inverse(d->transform, x, x, d->n >> last, d->steps - last, wavelet_extension_of_set, d->workspace);
+  if (last > 0) wavelet_inverse_low(d->transform, x, x, d->n, last, wavelet_extension_of_set, d->workspace);
 }
 
 struct level_sums {
@@ -113,9 +120,12 @@ void vocode_single(float* modulator, const float* carrier, decomposition* d, voc
   for (int32_t i = 0; i < d->n; ++i) modulator[i] = finite_or_zero(d->modulator[i] * output_level);
 }
 
-// The 6-tap filters' levels set the averages of all, and are heard from the four highest.
+// The 6-tap filters' levels set the averages of all, and are heard from the four highest. Of the 76-tap filters those
+// aren't, and the transform starts below them.
 void vocode_split(float* modulator, const float* carrier, decomposition* brief, decomposition* narrow,
                   voco_state* state) {
+  const int32_t highest_narrow = brief->n / split_divisor;
+  start_below(highest_narrow, narrow);
   take_without_dc(modulator, carrier, brief);
   std::copy_n(brief->modulator, brief->n, narrow->modulator);
   std::copy_n(brief->carrier, brief->n, narrow->carrier);
@@ -125,9 +135,8 @@ void vocode_split(float* modulator, const float* carrier, decomposition* brief, 
   for (int32_t s = brief->n / 2; s >= 1; s /= 2, ++average) {
     const level_sums sums = sum_level(*brief, s);
     *average = advanced_average(*average, sums.modulator);
-    if (s > brief->n / split_divisor) {
+    if (s > highest_narrow) {
       shape_level(sums, *average, s, *brief);
-      clear_level(*narrow, s);
     } else {
       shape_level(sum_level(*narrow, s), *average, s, *narrow);
       clear_level(*brief, s);

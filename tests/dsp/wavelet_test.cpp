@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "dsp/processor.h"
 #include "tests/dsp/plain_wavelet.h"
 #include "tests/words/signals.h"
 
@@ -143,13 +144,34 @@ TEST(Wavelet, ReconstructsWithEverySet) {
   }
 }
 
+size_t low_band_size(size_t size, int32_t steps) {
+  for (; steps > 0; --steps) size = (size + 1) / 2;
+  return size;
+}
+
 void expect_plain_loops(const wavelet& transform, const signal& x, int32_t steps, int32_t extension) {
   SCOPED_TRACE(testing::Message() << x.size() << " samples, " << steps << " steps, extension " << extension);
-  signal expected(x.size());
-  plain::forward(transform, x.data(), expected.data(), size_of(x), steps, extension);
-  ASSERT_EQ(bits(forward(transform, x, steps, extension)), bits(expected));
-  plain::inverse(transform, x.data(), expected.data(), size_of(x), steps, extension);
-  ASSERT_EQ(bits(inverse(transform, x, steps, extension)), bits(expected));
+  const auto low_end = static_cast<std::ptrdiff_t>(low_band_size(x.size(), steps));
+  signal high_bands_cleared = x;
+  std::fill(high_bands_cleared.begin() + low_end, high_bands_cleared.end(), 0.0F);
+  signal split(x.size()), joined(x.size()), joined_low(x.size());
+  plain::forward(transform, x.data(), split.data(), size_of(x), steps, extension);
+  plain::inverse(transform, x.data(), joined.data(), size_of(x), steps, extension);
+  plain::inverse(transform, high_bands_cleared.data(), joined_low.data(), size_of(x), steps, extension);
+  std::vector<bool> widths = {false};
+  if (processor_has_avx2()) widths.push_back(true);
+  wavelet of_width = transform;
+  for (const bool wide : widths) {
+    SCOPED_TRACE(wide ? "256 bits" : "128 bits");
+    of_width.wide = wide;
+    ASSERT_EQ(bits(forward(of_width, x, steps, extension)), bits(split));
+    ASSERT_EQ(bits(inverse(of_width, x, steps, extension)), bits(joined));
+    signal low = x;
+    signal workspace = workspace_for(of_width, size_of(x));
+    wavelet_forward_low(of_width, low.data(), low.data(), size_of(x), steps, extension, workspace);
+    ASSERT_EQ(bits({low.begin(), low.begin() + low_end}), bits({split.begin(), split.begin() + low_end}));
+    ASSERT_EQ(bits(transformed(wavelet_inverse_low, of_width, x, steps, extension)), bits(joined_low));
+  }
 }
 
 TEST(Wavelet, EqualsPlainLoopsToTheLastBit) {
