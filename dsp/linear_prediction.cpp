@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "dsp/convert.h"
 #include "dsp/lanes.h"
+#include "dsp/processor.h"
 
 // Speed comes from lanes that hold independent results: neighbouring lags, columns of a row, output samples. Each of
-// them adds up in the order that a plain loop has.
+// them adds up in the order that a plain loop has, so the width of the vectors doesn't show in the results.
 
 namespace {
 
@@ -17,30 +19,103 @@ size_t index(int32_t i) {
   return static_cast<size_t>(i);
 }
 
+struct vectors_of_128_bits {
+  using floats = float4;
+  using doubles = double2;
+  using halves = float2;  // as many floats as there are doubles
+  using masks = int4;     // for `floats`
+};
+
+struct vectors_of_256_bits {
+  using floats = float __attribute__((vector_size(32)));
+  using doubles = double __attribute__((vector_size(32)));
+  using halves = float4;
+  using masks = int32_t __attribute__((vector_size(32)));
+};
+
+template <typename vector>
+constexpr size_t lanes_of = sizeof(vector) / sizeof(std::declval<vector>()[0]);
+
+// Vectors are passed by address: how they are passed by value depends on the instructions that a function may use.
+template <typename vector, typename number>
+KESREL_INLINE void load(const number* from, vector* value) {
+  std::memcpy(value, from, sizeof *value);
+}
+
+template <typename vector, typename number>
+KESREL_INLINE void store(const vector& value, number* to) {
+  std::memcpy(to, &value, sizeof value);
+}
+
 // --- Autocorrelation ---
 
-constexpr int32_t lag_lanes = 32;  // lags that are measured together
-
-// Sums of the products up to sample length - 2, for the lags from `first` on; the first `count` of them are stored.
-void measure_lag_group(int32_t length, const float* signal, int32_t first, int32_t count, float* lags) {
-  std::array<float4, lag_lanes / 4> sums{};
-  const int32_t common = std::max(0, length - first - lag_lanes);  // products that even the longest lag has
+// Sums of the products up to sample length - 2, for the `sums` lags from `first` on; the first `count` of them are
+// stored. Where the longer lags have run out of samples, their products are masked: there is nothing to add, and 0
+// times an infinite sample would be NaN.
+template <typename vectors, size_t vector_count>
+KESREL_INLINE void measure_lag_group(int32_t length, const float* signal, int32_t first, int32_t count, float* lags) {
+  using floats = typename vectors::floats;
+  constexpr size_t width = lanes_of<floats>;
+  constexpr size_t group = vector_count * width;
+  std::array<floats, vector_count> sums{};
+  const int32_t used = length - 1 - first;                                     // products of the first lag
+  const int32_t common = std::max(0, used + 1 - static_cast<int32_t>(group));  // that even the longest has
   for (int32_t i = 0; i < common; ++i) {
-    const float4 x = splat(signal[i]);
-    const float* const partner = signal + i + first;
-    for (size_t lane = 0; lane < sums.size(); ++lane) sums[lane] += x * load4(partner + 4 * lane);
+    for (size_t v = 0; v < vector_count; ++v) {
+      floats partners;
+      load(signal + i + first + v * width, &partners);
+      sums[v] += signal[i] * partners;
+    }
   }
-  for (int32_t lane = 0; lane < count; ++lane) {
-    float sum = sums[index(lane / 4)][index(lane % 4)];
-    for (int32_t i = common; i + first + lane < length - 1; ++i) sum += signal[i] * signal[i + first + lane];
-    lags[first + lane] = sum;
+
+  std::array<float, 2 * group> partners{};
+  std::array<int32_t, 2 * group> masks{};  // all bits for the samples that there are
+  const auto rest = static_cast<size_t>(std::max(0, used - common));
+  std::copy_n(signal + first + common, rest, partners.begin());
+  std::fill_n(masks.begin(), rest, -1);
+  for (size_t i = 0; i < rest; ++i) {
+    for (size_t v = 0; v < vector_count; ++v) {
+      floats partner;
+      typename vectors::masks mask;
+      load(&partners[i + v * width], &partner);
+      load(&masks[i + v * width], &mask);
+      const floats product = signal[index(common) + i] * partner;
+      sums[v] += reinterpret_cast<floats>(reinterpret_cast<typename vectors::masks>(product) & mask);
+    }
+  }
+  std::memcpy(lags + first, sums.data(), index(count) * sizeof *lags);
+}
+
+// The groups are as small as the lags left to measure allow; ten vectors leave room for the partners in the registers.
+template <typename vectors>
+KESREL_INLINE void measure_lags_in(int32_t length, const float* signal, int32_t count, float* lags) {
+  constexpr auto width = static_cast<int32_t>(lanes_of<typename vectors::floats>);
+  for (int32_t first = 0; first < count;) {
+    const int32_t left = count - first;
+    if (left <= 3 * width) {
+      measure_lag_group<vectors, 3>(length, signal, first, left, lags);
+      return;
+    }
+    if (left <= 5 * width) {
+      measure_lag_group<vectors, 5>(length, signal, first, left, lags);
+      return;
+    }
+    const int32_t group = std::min(10 * width, left);
+    measure_lag_group<vectors, 10>(length, signal, first, group, lags);
+    first += group;
   }
 }
 
-void measure_lags(int32_t length, const float* signal, int32_t count, float* lags) {
-  for (int32_t first = 0; first < count; first += lag_lanes) {
-    measure_lag_group(length, signal, first, std::min(lag_lanes, count - first), lags);
-  }
+void measure_lags_128(int32_t length, const float* signal, int32_t count, float* lags) {
+  measure_lags_in<vectors_of_128_bits>(length, signal, count, lags);
+}
+
+KESREL_AVX2 void measure_lags_256(int32_t length, const float* signal, int32_t count, float* lags) {
+  measure_lags_in<vectors_of_256_bits>(length, signal, count, lags);
+}
+
+void measure_lags(lpc_vectors vectors, int32_t length, const float* signal, int32_t count, float* lags) {
+  (vectors == lpc_vectors::of_256_bits ? measure_lags_256 : measure_lags_128)(length, signal, count, lags);
 }
 
 void taper_lags(int32_t length, int32_t count, float* lags) {
@@ -145,58 +220,102 @@ size_t padded_columns(int32_t n) {
   return index((n + row_lanes) / row_lanes * row_lanes);
 }
 
-// target = target * factor - source
-void scale_and_subtract(size_t columns, double factor, const row& source, row* target) {
-  const double2 factors = {factor, factor};
-  for (size_t first = 0; first < columns; first += row_lanes) {
-    for (size_t c = first; c < first + row_lanes; c += 2) {
-      store2(load2(&(*target)[c]) * factors - load2(&source[c]), &(*target)[c]);
+// A row takes the earlier ones, and then the later ones, in a tile of four: the row that they take is read once for all
+// of them, and their own entries stay in the cache from one step to the next.
+constexpr size_t tile_rows = 4;
+
+// Clears column i of `rows` rows from k on, where it isn't 0: row = row * factor - row i.
+//   returns  false when a factor is 0, which clears its row
+template <typename vector, size_t rows>
+KESREL_INLINE bool clear_below(size_t i, size_t k, size_t columns, lpc_matrix* matrix, row* diagonal) {
+  auto& m = matrix->entry;
+  std::array<double, rows> factors;
+  for (size_t r = 0; r < rows; ++r) factors[r] = 1.0 / m[k + r][i];
+  if constexpr (rows == 1) {
+    if (m[k][i] == 0.0) return true;
+    if (factors[0] == 0.0) return false;
+  } else {
+    const auto special = [&](size_t r) { return m[k + r][i] == 0.0 || factors[r] == 0.0; };
+    if (special(0) || special(1) || special(2) || special(3)) {
+      for (size_t r = 0; r < rows; ++r) {
+        if (!clear_below<vector, 1>(i, k + r, columns, matrix, diagonal)) return false;
+      }
+      return true;
     }
   }
+  for (size_t c = 0; c < columns; c += lanes_of<vector>) {
+    vector source;
+    load(&m[i][c], &source);
+    for (size_t r = 0; r < rows; ++r) {
+      vector target;
+      load(&m[k + r][c], &target);
+      store(target * factors[r] - source, &m[k + r][c]);
+    }
+  }
+  for (size_t r = 0; r < rows; ++r) {
+    m[k + r][i] = 0.0 - m[i][i];
+    (*diagonal)[k + r] *= factors[r];
+  }
+  return true;
 }
 
-// target = target - factor * source
-void subtract_multiple_padded(size_t columns, double factor, const row& source, row* target) {
-  const double2 factors = {factor, factor};
-  for (size_t first = 0; first < columns; first += row_lanes) {
-    for (size_t c = first; c < first + row_lanes; c += 2) {
-      store2(load2(&(*target)[c]) - factors * load2(&source[c]), &(*target)[c]);
+// Clears column j of `rows` rows from k on: row = row - factor * row j.
+template <typename vector, size_t rows>
+KESREL_INLINE void clear_above(size_t j, size_t k, size_t columns, lpc_matrix* matrix) {
+  auto& m = matrix->entry;
+  std::array<double, rows> factors;
+  for (size_t r = 0; r < rows; ++r) factors[r] = m[k + r][j];
+  for (size_t c = 0; c < columns; c += lanes_of<vector>) {
+    vector source;
+    load(&m[j][c], &source);
+    for (size_t r = 0; r < rows; ++r) {
+      vector target;
+      load(&m[k + r][c], &target);
+      store(target - factors[r] * source, &m[k + r][c]);
     }
   }
+  for (size_t r = 0; r < rows; ++r) m[k + r][j] = 0.0 - factors[r] * m[j][j];
 }
 
 //   returns  false when a pivot is 0, which asks for rows that are no longer there, or a factor, which clears its row
-bool eliminate_lower_triangle(int32_t n, lpc_matrix* matrix) {
+template <typename vector>
+KESREL_INLINE bool eliminate_lower_triangle(int32_t n, lpc_matrix* matrix) {
   auto& m = matrix->entry;
   const size_t last = index(n);
   const size_t columns = padded_columns(n);
   row diagonal;  // of B, for the rows that aren't done
   diagonal.fill(1.0);
-  for (size_t i = 1; i <= last; ++i) {
-    if (m[i][i] == 0.0) return false;
-    const double pivot_factor = 1.0 / m[i][i];
-    for (size_t c = 0; c < columns; ++c) m[i][c] *= pivot_factor;
-    m[i][i] = diagonal[i] * pivot_factor;
-    for (size_t k = i + 1; k <= last; ++k) {
-      if (m[k][i] == 0.0) continue;
-      const double factor = 1.0 / m[k][i];
-      if (factor == 0.0) return false;
-      scale_and_subtract(columns, factor, m[i], &m[k]);
-      m[k][i] = 0.0 - m[i][i];
-      diagonal[k] *= factor;
+  for (size_t first = 1; first <= last; first += tile_rows) {
+    const size_t end = std::min(first + tile_rows, last + 1);
+    if (end - first == tile_rows) {
+      for (size_t i = 1; i < first; ++i) {
+        if (!clear_below<vector, tile_rows>(i, first, columns, matrix, &diagonal)) return false;
+      }
+    }
+    for (size_t k = first; k < end; ++k) {
+      for (size_t i = end - first == tile_rows ? first : 1; i < k; ++i) {
+        if (!clear_below<vector, 1>(i, k, columns, matrix, &diagonal)) return false;
+      }
+      if (m[k][k] == 0.0) return false;
+      const double pivot_factor = 1.0 / m[k][k];
+      for (size_t c = 0; c < columns; ++c) m[k][c] *= pivot_factor;
+      m[k][k] = diagonal[k] * pivot_factor;
     }
   }
   return true;
 }
 
-void eliminate_upper_triangle(int32_t n, lpc_matrix* matrix) {
-  auto& m = matrix->entry;
-  for (size_t j = 2; j <= index(n); ++j) {
-    for (size_t k = 1; k < j; ++k) {
-      const double factor = m[k][j];
-      subtract_multiple_padded(padded_columns(n), factor, m[j], &m[k]);
-      m[k][j] = 0.0 - factor * m[j][j];
+// No row that is still needed changes before its turn, as each takes only later ones.
+template <typename vector>
+KESREL_INLINE void eliminate_upper_triangle(int32_t n, lpc_matrix* matrix) {
+  const size_t last = index(n);
+  const size_t columns = padded_columns(n);
+  for (size_t first = 1; first <= last; first += tile_rows) {
+    const size_t end = std::min(first + tile_rows, last + 1);
+    for (size_t k = first; k < end; ++k) {
+      for (size_t j = k + 1; j < end; ++j) clear_above<vector, 1>(j, k, columns, matrix);
     }
+    for (size_t j = end; j <= last; ++j) clear_above<vector, tile_rows>(j, first, columns, matrix);
   }
 }
 
@@ -210,14 +329,27 @@ bool all_finite(int32_t n, const lpc_matrix& matrix) {
 
 //   returns  false when the result may differ from that of the plain elimination: after a zero pivot, or with infinite
 //            factors, which turn zeros of B into NaN
-bool eliminate_in_place(int32_t n, lpc_matrix* matrix) {
+template <typename vector>
+KESREL_INLINE bool eliminate_in_place(int32_t n, lpc_matrix* matrix) {
   for (size_t i = 1; i <= index(n); ++i) {
     matrix->entry[i][0] = 0.0;
     std::fill(matrix->entry[i].begin() + n + 1, matrix->entry[i].end(), 0.0);
   }
-  if (!eliminate_lower_triangle(n, matrix)) return false;
-  eliminate_upper_triangle(n, matrix);
+  if (!eliminate_lower_triangle<vector>(n, matrix)) return false;
+  eliminate_upper_triangle<vector>(n, matrix);
   return all_finite(n, *matrix);
+}
+
+bool eliminate_128(int32_t n, lpc_matrix* matrix) {
+  return eliminate_in_place<vectors_of_128_bits::doubles>(n, matrix);
+}
+
+KESREL_AVX2 bool eliminate_256(int32_t n, lpc_matrix* matrix) {
+  return eliminate_in_place<vectors_of_256_bits::doubles>(n, matrix);
+}
+
+bool eliminate(lpc_vectors vectors, int32_t n, lpc_matrix* matrix) {
+  return (vectors == lpc_vectors::of_256_bits ? eliminate_256 : eliminate_128)(n, matrix);
 }
 
 void copy_rows(int32_t n, const lpc_matrix& from, lpc_matrix* to) {
@@ -226,48 +358,71 @@ void copy_rows(int32_t n, const lpc_matrix& from, lpc_matrix* to) {
 
 // --- Normal equations ---
 
+// Row i has the lags |i - j|: a part of the lags in both directions from 0, one entry further on than in the row below.
 void fill_matrix(int32_t n, const float* lags, lpc_matrix* matrix) {
+  std::array<double, 2 * lpc_max_order> both_ways;
+  for (int32_t lag = 0; lag < n; ++lag) both_ways[index(n + lag)] = both_ways[index(n - lag)] = double{lags[lag]};
   for (int32_t i = 1; i <= n; ++i) {
-    for (int32_t j = 1; j <= n; ++j) matrix->entry[index(i)][index(j)] = double{lags[std::abs(i - j)]};
+    std::copy_n(both_ways.begin() + n + 1 - i, n, matrix->entry[index(i)].begin() + 1);
   }
 }
 
-// Products of the inverse with the lags from 1 up. Each sum is rounded to single precision at every step. Four rows go
+// Products of the inverse with the lags from 1 up. Each sum is rounded to single precision at every step. Many rows go
 // together, as one alone would wait for its own roundings.
-void multiply_by_lags(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
-  constexpr int32_t rows = 4;
+template <typename vectors>
+KESREL_INLINE void multiply_by_lags_in(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  using doubles = typename vectors::doubles;
+  using halves = typename vectors::halves;
+  constexpr size_t width = lanes_of<doubles>;
+  constexpr size_t rows = 4 * width;
   for (int32_t first = 0; first < n; first += rows) {
-    const int32_t count = std::min(rows, n - first);
+    const int32_t count = std::min(static_cast<int32_t>(rows), n - first);
     std::array<const double*, rows> entries;
-    for (int32_t i = 0; i < rows; ++i) {
+    for (int32_t i = 0; i < static_cast<int32_t>(rows); ++i) {
       entries[index(i)] = inverse.entry[index(first + std::min(i, count - 1) + 1)].data() + 1;
     }
-    std::array<float, rows> sums{};
+    std::array<halves, rows / width> sums{};
     for (int32_t j = 0; j < n; ++j) {
-      for (size_t i = 0; i < rows; ++i) {
-        sums[i] = static_cast<float>(double{sums[i]} + double{lags[j + 1]} * entries[i][j]);
+      const double lag = lags[j + 1];
+      for (size_t v = 0; v < sums.size(); ++v) {
+        doubles column;
+        for (size_t lane = 0; lane < width; ++lane) column[lane] = entries[v * width + lane][j];
+        sums[v] = __builtin_convertvector(__builtin_convertvector(sums[v], doubles) + lag * column, halves);
       }
     }
-    std::copy_n(sums.begin(), count, coefficients + first);
+    std::memcpy(coefficients + first, sums.data(), index(count) * sizeof *coefficients);
   }
+}
+
+void multiply_by_lags_128(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  multiply_by_lags_in<vectors_of_128_bits>(n, inverse, lags, coefficients);
+}
+
+KESREL_AVX2 void multiply_by_lags_256(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  multiply_by_lags_in<vectors_of_256_bits>(n, inverse, lags, coefficients);
 }
 
 // Without any signal every sum is 0 times a finite number, so the inversion is left out.
-void solve(int32_t n, float* coefficients, lpc_workspace* workspace) {
+void solve(lpc_vectors vectors, int32_t n, float* coefficients, lpc_workspace* workspace) {
   const float* const lags = workspace->lags.data();
   if (std::all_of(lags, lags + n + 1, [](float lag) { return lag == 0.0F; })) {
     std::fill_n(coefficients, n, 0.0F);
     return;
   }
-  fill_matrix(n, lags, &workspace->matrix);
-  lpc_matrix_invert(n, &workspace->matrix, &workspace->inversion);
-  multiply_by_lags(n, workspace->matrix, lags, coefficients);
+  lpc_matrix* const inverse = &workspace->inversion;
+  fill_matrix(n, lags, inverse);
+  if (!eliminate(vectors, n, inverse)) {
+    fill_matrix(n, lags, &workspace->matrix);
+    eliminate_plainly(n, &workspace->matrix, inverse);
+  }
+  const auto multiply = vectors == lpc_vectors::of_256_bits ? multiply_by_lags_256 : multiply_by_lags_128;
+  multiply(n, *inverse, lags, coefficients);
 }
 
 // --- Filters ---
 
-constexpr int32_t filter_block = 64;  // samples between two moves of the history
-constexpr int32_t sample_lanes = 8;   // output samples that are predicted together
+constexpr int32_t filter_block = 128;  // samples between two moves of the history
+constexpr size_t sample_vectors = 4;   // of output samples that are predicted together
 
 using taps = std::array<double, lpc_max_order>;
 using filter_window = std::array<double, lpc_max_order + filter_block>;
@@ -278,26 +433,64 @@ taps widened(int32_t order, const float* coefficients) {
   return a;
 }
 
-// Predictions of `sample_lanes` samples, of which `next` is the first. Even and odd taps have a sum each, and the last
-// tap of an odd order comes on top of both.
-void predict(int32_t order, const taps& a, const double* next, double* predictions) {
-  std::array<double2, sample_lanes / 2> even{};
-  std::array<double2, sample_lanes / 2> odd{};
+// Predictions of the samples from `next` on, one per lane. Even and odd taps have a sum each, and the last tap of an
+// odd order comes on top of both.
+template <typename doubles>
+KESREL_INLINE void predict(int32_t order, const taps& a, const double* next, double* predictions) {
+  constexpr size_t width = lanes_of<doubles>;
+  std::array<doubles, sample_vectors> even{};
+  std::array<doubles, sample_vectors> odd{};
+  doubles past;
   int32_t j = 0;
   for (; j + 1 < order; j += 2) {
-    const double2 a_even = {a[index(j)], a[index(j)]};
-    const double2 a_odd = {a[index(j + 1)], a[index(j + 1)]};
-    for (size_t lane = 0; lane < even.size(); ++lane) {
-      even[lane] += a_even * load2(next - 1 - j + 2 * lane);
-      odd[lane] += a_odd * load2(next - 2 - j + 2 * lane);
+    for (size_t v = 0; v < sample_vectors; ++v) {
+      load(next - 1 - j + v * width, &past);
+      even[v] += a[index(j)] * past;
+      load(next - 2 - j + v * width, &past);
+      odd[v] += a[index(j + 1)] * past;
     }
   }
-  for (size_t lane = 0; lane < even.size(); ++lane) even[lane] += odd[lane];
-  if (j < order) {
-    const double2 a_last = {a[index(j)], a[index(j)]};
-    for (size_t lane = 0; lane < even.size(); ++lane) even[lane] += a_last * load2(next - 1 - j + 2 * lane);
+  for (size_t v = 0; v < sample_vectors; ++v) even[v] += odd[v];
+  for (size_t v = 0; j < order && v < sample_vectors; ++v) {
+    load(next - 1 - j + v * width, &past);
+    even[v] += a[index(j)] * past;
   }
   std::memcpy(predictions, even.data(), sizeof even);
+}
+
+//   returns  the sum of the squares
+template <typename doubles>
+KESREL_INLINE double residual_in(int32_t order, int32_t length, const float* input, const float* coefficients,
+                                 float* output) {
+  constexpr auto together = static_cast<int32_t>(sample_vectors * lanes_of<doubles>);
+  const taps a = widened(order, coefficients);
+  filter_window window{};  // the past, then the block
+  double* const block = window.data() + lpc_max_order;
+  double sum_of_squares = 0.0;
+  for (int32_t start = 0; start < length; start += filter_block) {
+    const int32_t count = std::min(filter_block, length - start);
+    std::copy_n(input + start, count, block);
+    for (int32_t first = 0; first < count; first += together) {
+      std::array<double, together> predictions;
+      predict<doubles>(order, a, block + first, predictions.data());
+      for (int32_t t = first; t < std::min(first + together, count); ++t) {
+        const auto rest = static_cast<float>(block[t] - predictions[index(t - first)]);
+        output[start + t] = rest;
+        sum_of_squares += double{rest} * rest;
+      }
+    }
+    std::copy(window.begin() + filter_block, window.end(), window.begin());
+  }
+  return sum_of_squares;
+}
+
+double residual_128(int32_t order, int32_t length, const float* input, const float* coefficients, float* output) {
+  return residual_in<vectors_of_128_bits::doubles>(order, length, input, coefficients, output);
+}
+
+KESREL_AVX2 double residual_256(int32_t order, int32_t length, const float* input, const float* coefficients,
+                                float* output) {
+  return residual_in<vectors_of_256_bits::doubles>(order, length, input, coefficients, output);
 }
 
 // The prediction of one sample from its past, the newest sample first. The two newest come as values, as the processor
@@ -317,57 +510,46 @@ float level_of(double sum_of_squares, int32_t length) {
 
 }  // namespace
 
-double lpc_autocorrelate(int32_t length, const float* signal, float* lags) {
+lpc_vectors lpc_widest_vectors() {
+  return processor_has_avx2() ? lpc_vectors::of_256_bits : lpc_vectors::of_128_bits;
+}
+
+double lpc_autocorrelate(int32_t length, const float* signal, float* lags, lpc_vectors vectors) {
   if (length < 1) return 0.0;
-  measure_lags(length, signal, length / 2, lags);
+  measure_lags(vectors, length, signal, length / 2, lags);
   const int32_t peak = find_pitch_lag(length, lags);
   taper_lags(length, length / 2, lags);
   return lags[peak] != 0.0F ? peak : 0.0;
 }
 
-void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work) {
+void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work, lpc_vectors vectors) {
   copy_rows(n, *matrix, work);
-  if (!eliminate_in_place(n, work)) eliminate_plainly(n, matrix, work);
+  if (!eliminate(vectors, n, work)) eliminate_plainly(n, matrix, work);
   copy_rows(n, *work, matrix);
 }
 
-float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace) {
+float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace,
+              lpc_vectors vectors) {
   workspace->lags.fill(0.0F);
-  const double pitch_lag = lpc_autocorrelate(length, signal, workspace->lags.data());
-  if (order > 1) solve(order - 1, coefficients, workspace);
+  const double pitch_lag = lpc_autocorrelate(length, signal, workspace->lags.data(), vectors);
+  if (order > 1) solve(vectors, order - 1, coefficients, workspace);
   return static_cast<float>(pitch_lag);
 }
 
 void lpc_fit_without_pitch(int32_t order, int32_t length, const float* signal, float* coefficients,
-                           lpc_workspace* workspace) {
+                           lpc_workspace* workspace, lpc_vectors vectors) {
   if (order < 2) return;
   const int32_t count = std::min(order, length / 2);
   std::fill_n(workspace->lags.begin(), order, 0.0F);
-  measure_lags(length, signal, count, workspace->lags.data());
+  measure_lags(vectors, length, signal, count, workspace->lags.data());
   taper_lags(length, count, workspace->lags.data());
-  solve(order - 1, coefficients, workspace);
+  solve(vectors, order - 1, coefficients, workspace);
 }
 
-float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output) {
-  const taps a = widened(order, coefficients);
-  filter_window window{};  // the past, then the block
-  double* const block = window.data() + lpc_max_order;
-  double sum_of_squares = 0.0;
-  for (int32_t start = 0; start < length; start += filter_block) {
-    const int32_t count = std::min(filter_block, length - start);
-    std::copy_n(input + start, count, block);
-    for (int32_t first = 0; first < count; first += sample_lanes) {
-      std::array<double, sample_lanes> predictions;
-      predict(order, a, block + first, predictions.data());
-      for (int32_t t = first; t < std::min(first + sample_lanes, count); ++t) {
-        const auto rest = static_cast<float>(block[t] - predictions[index(t - first)]);
-        output[start + t] = rest;
-        sum_of_squares += double{rest} * rest;
-      }
-    }
-    std::copy(window.begin() + filter_block, window.end(), window.begin());
-  }
-  return level_of(sum_of_squares, length);
+float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output,
+                   lpc_vectors vectors) {
+  const auto residual = vectors == lpc_vectors::of_256_bits ? residual_256 : residual_128;
+  return level_of(residual(order, length, input, coefficients, output), length);
 }
 
 float lpc_synthesise(int32_t order, int32_t length, float* signal, const float* coefficients) {
