@@ -421,11 +421,11 @@ void solve(lpc_vectors vectors, int32_t n, float* coefficients, lpc_workspace* w
 
 // --- Filters ---
 
-constexpr int32_t filter_block = 128;  // samples between two moves of the history
-constexpr size_t sample_vectors = 4;   // of output samples that are predicted together
+constexpr int32_t filter_run = lpc_max_length;  // samples between two moves of the history
+constexpr size_t sample_vectors = 4;            // of output samples that are predicted together
 
 using taps = std::array<double, lpc_max_order>;
-using filter_window = std::array<double, lpc_max_order + filter_block>;
+using filter_window = std::array<double, lpc_max_order + filter_run>;
 
 taps widened(int32_t order, const float* coefficients) {
   taps a{};
@@ -433,16 +433,34 @@ taps widened(int32_t order, const float* coefficients) {
   return a;
 }
 
-// Predictions of the samples from `next` on, one per lane. Even and odd taps have a sum each, and the last tap of an
-// odd order comes on top of both.
-template <typename doubles>
-KESREL_INLINE void predict(int32_t order, const taps& a, const double* next, double* predictions) {
+// Filter whose past is silence, in runs of at most `filter_run` samples.
+struct residual_filter {
+  int32_t order;
+  taps a;
+  filter_window window{};  // the past, then the run
+  double sum_of_squares = 0.0;
+
+  double* run() { return window.data() + lpc_max_order; }
+  void start_run(const float* input, int32_t count) { std::copy_n(input, count, run()); }
+  void end_run() { std::copy(window.begin() + filter_run, window.end(), window.begin()); }
+};
+
+template <typename vectors>
+constexpr auto samples_together = static_cast<int32_t>(sample_vectors* lanes_of<typename vectors::doubles>);
+
+// Filters the samples of a run from `first` on, one per lane: `samples_together`, or up to `count`. Even and odd taps
+// have a sum each, and the last tap of an odd order comes on top of both.
+template <typename vectors>
+KESREL_INLINE void remove_predictable(int32_t first, int32_t count, residual_filter* filter, float* output) {
+  using doubles = typename vectors::doubles;
   constexpr size_t width = lanes_of<doubles>;
+  const taps& a = filter->a;
+  const double* const next = filter->run() + first;
   std::array<doubles, sample_vectors> even{};
   std::array<doubles, sample_vectors> odd{};
   doubles past;
   int32_t j = 0;
-  for (; j + 1 < order; j += 2) {
+  for (; j + 1 < filter->order; j += 2) {
     for (size_t v = 0; v < sample_vectors; ++v) {
       load(next - 1 - j + v * width, &past);
       even[v] += a[index(j)] * past;
@@ -451,61 +469,137 @@ KESREL_INLINE void predict(int32_t order, const taps& a, const double* next, dou
     }
   }
   for (size_t v = 0; v < sample_vectors; ++v) even[v] += odd[v];
-  for (size_t v = 0; j < order && v < sample_vectors; ++v) {
+  for (size_t v = 0; j < filter->order && v < sample_vectors; ++v) {
     load(next - 1 - j + v * width, &past);
     even[v] += a[index(j)] * past;
   }
-  std::memcpy(predictions, even.data(), sizeof even);
+
+  const int32_t used = std::min(samples_together<vectors>, count - first);
+  std::array<float, samples_together<vectors>> rests;
+  std::array<double, samples_together<vectors>> squares;
+  float* const to = used == samples_together<vectors> ? output + first : rests.data();
+  for (size_t v = 0; v < sample_vectors; ++v) {
+    doubles sample;
+    load(next + v * width, &sample);
+    const auto rest = __builtin_convertvector(sample - even[v], typename vectors::halves);
+    const auto exact = __builtin_convertvector(rest, doubles);
+    store(rest, to + v * width);
+    store(exact * exact, &squares[v * width]);
+  }
+  if (to == rests.data()) std::copy_n(to, used, output + first);
+  for (int32_t t = 0; t < used; ++t) filter->sum_of_squares += squares[index(t)];
 }
 
 //   returns  the sum of the squares
-template <typename doubles>
+template <typename vectors>
 KESREL_INLINE double residual_in(int32_t order, int32_t length, const float* input, const float* coefficients,
                                  float* output) {
-  constexpr auto together = static_cast<int32_t>(sample_vectors * lanes_of<doubles>);
-  const taps a = widened(order, coefficients);
-  filter_window window{};  // the past, then the block
-  double* const block = window.data() + lpc_max_order;
-  double sum_of_squares = 0.0;
-  for (int32_t start = 0; start < length; start += filter_block) {
-    const int32_t count = std::min(filter_block, length - start);
-    std::copy_n(input + start, count, block);
-    for (int32_t first = 0; first < count; first += together) {
-      std::array<double, together> predictions;
-      predict<doubles>(order, a, block + first, predictions.data());
-      for (int32_t t = first; t < std::min(first + together, count); ++t) {
-        const auto rest = static_cast<float>(block[t] - predictions[index(t - first)]);
-        output[start + t] = rest;
-        sum_of_squares += double{rest} * rest;
-      }
+  residual_filter filter{.order = order, .a = widened(order, coefficients)};
+  for (int32_t start = 0; start < length; start += filter_run) {
+    const int32_t count = std::min(filter_run, length - start);
+    filter.start_run(input + start, count);
+    for (int32_t first = 0; first < count; first += samples_together<vectors>) {
+      remove_predictable<vectors>(first, count, &filter, output + start);
     }
-    std::copy(window.begin() + filter_block, window.end(), window.begin());
+    filter.end_run();
   }
-  return sum_of_squares;
+  return filter.sum_of_squares;
 }
 
 double residual_128(int32_t order, int32_t length, const float* input, const float* coefficients, float* output) {
-  return residual_in<vectors_of_128_bits::doubles>(order, length, input, coefficients, output);
+  return residual_in<vectors_of_128_bits>(order, length, input, coefficients, output);
 }
 
 KESREL_AVX2 double residual_256(int32_t order, int32_t length, const float* input, const float* coefficients,
                                 float* output) {
-  return residual_in<vectors_of_256_bits::doubles>(order, length, input, coefficients, output);
+  return residual_in<vectors_of_256_bits>(order, length, input, coefficients, output);
 }
 
 // The prediction of one sample from its past, the newest sample first. The two newest come as values, as the processor
 // would wait for a pair of samples that it has just stored one by one.
-double predict_one(int32_t order, const taps& a, double newest, double second, const double* past) {
+KESREL_INLINE double predict_one(int32_t order, const taps& a, double newest, double second, const double* past) {
   if (order < 2) return order < 1 ? 0.0 : a[0] * newest;
   double2 sums = double2{a[0], a[1]} * double2{newest, second};  // even, odd
   int32_t j = 2;
-  for (; j + 1 < order; j += 2) sums += load2(a.data() + j) * load2(past + j);
+  for (; j + 1 < order; j += 2) {
+    double2 a_pair, past_pair;
+    load(a.data() + j, &a_pair);
+    load(past + j, &past_pair);
+    sums += a_pair * past_pair;
+  }
   const double sum = sums[0] + sums[1];
   return j < order ? sum + a[index(j)] * past[j] : sum;
 }
 
+struct synthesis_filter {
+  int32_t order;
+  taps a;
+  filter_window window{};     // filled from its end to its start, so that the past runs forward from the newest sample
+  int32_t free = filter_run;  // entries at the start of the window
+  double newest = 0.0;
+  double second = 0.0;
+  double lost_squares = 0.0;
+};
+
+KESREL_INLINE void synthesise(int32_t count, float* signal, synthesis_filter* filter) {
+  filter_window& window = filter->window;
+  const int32_t order = filter->order;
+  double newest = filter->newest;
+  double second = filter->second;
+  for (int32_t t = 0; t < count; ++t) {
+    if (filter->free == 0) {
+      std::copy_backward(window.begin(), window.begin() + lpc_max_order, window.end());
+      filter->free = filter_run;
+    }
+    const double exact =
+        double{signal[t]} + predict_one(order, filter->a, newest, second, &window[index(filter->free)]);
+    window[index(--filter->free)] = exact;
+    second = newest;
+    newest = exact;
+    signal[t] = static_cast<float>(exact);
+    const double lost = double{signal[t]} - exact;
+    filter->lost_squares += lost * lost;
+  }
+  filter->newest = newest;
+  filter->second = second;
+}
+
 float level_of(double sum_of_squares, int32_t length) {
   return static_cast<float>(std::sqrt(sum_of_squares) / length);
+}
+
+template <typename vectors>
+KESREL_INLINE lpc_levels cross_in(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                                  float* carrier, const float* carrier_coefficients) {
+  residual_filter of_modulator{.order = order, .a = widened(order, modulator_coefficients)};
+  residual_filter of_carrier{.order = order, .a = widened(order, carrier_coefficients)};
+  synthesis_filter synthesis{.order = order, .a = of_modulator.a};
+  for (int32_t start = 0; start < length; start += filter_run) {
+    const int32_t count = std::min(filter_run, length - start);
+    of_modulator.start_run(modulator + start, count);
+    of_carrier.start_run(carrier + start, count);
+    for (int32_t first = 0; first < count; first += samples_together<vectors>) {
+      remove_predictable<vectors>(first, count, &of_carrier, carrier + start);
+      const int32_t middle = std::min(first + samples_together<vectors> / 2, count);
+      const int32_t end = std::min(first + samples_together<vectors>, count);
+      synthesise(middle - first, carrier + start + first, &synthesis);
+      remove_predictable<vectors>(first, count, &of_modulator, modulator + start);
+      synthesise(end - middle, carrier + start + middle, &synthesis);
+    }
+    of_modulator.end_run();
+    of_carrier.end_run();
+  }
+  return {level_of(of_modulator.sum_of_squares, length), level_of(of_carrier.sum_of_squares, length)};
+}
+
+lpc_levels cross_128(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients) {
+  return cross_in<vectors_of_128_bits>(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
+}
+
+KESREL_AVX2 lpc_levels cross_256(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                                 float* carrier, const float* carrier_coefficients) {
+  return cross_in<vectors_of_256_bits>(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
 }
 
 }  // namespace
@@ -553,24 +647,13 @@ float lpc_residual(int32_t order, int32_t length, const float* input, const floa
 }
 
 float lpc_synthesise(int32_t order, int32_t length, float* signal, const float* coefficients) {
-  const taps a = widened(order, coefficients);
-  filter_window window{};  // filled from its end to its start, so that the past runs forward from the newest sample
-  double* past = window.data() + filter_block;
-  double newest = 0.0;
-  double second = 0.0;
-  double sum_of_squares = 0.0;
-  for (int32_t t = 0; t < length; ++t) {
-    if (past == window.data()) {
-      std::copy_backward(window.begin(), window.begin() + lpc_max_order, window.end());
-      past = window.data() + filter_block;
-    }
-    const double exact = double{signal[t]} + predict_one(order, a, newest, second, past);
-    *--past = exact;
-    second = newest;
-    newest = exact;
-    signal[t] = static_cast<float>(exact);
-    const double lost = double{signal[t]} - exact;
-    sum_of_squares += lost * lost;
-  }
-  return level_of(sum_of_squares, length);
+  synthesis_filter filter{.order = order, .a = widened(order, coefficients)};
+  synthesise(length, signal, &filter);
+  return level_of(filter.lost_squares, length);
+}
+
+lpc_levels lpc_cross(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients, lpc_vectors vectors) {
+  const auto cross = vectors == lpc_vectors::of_256_bits ? cross_256 : cross_128;
+  return cross(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
 }

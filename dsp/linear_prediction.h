@@ -64,3 +64,16 @@ float lpc_residual(int32_t order, int32_t length, const float* input, const floa
 //   shapes    as lpc_residual
 //   returns   sqrt(sum of e^2) / length, where e is what rounding the output to float lost
 float lpc_synthesise(int32_t order, int32_t length, float* signal, const float* coefficients);
+
+struct lpc_levels {
+  float modulator;
+  float carrier;
+};
+
+// Removes the predictable part of both signals and gives the carrier's residual the envelope of the modulator, in less
+// time than lpc_residual twice and lpc_synthesise take: the synthesis waits for itself at every sample, and meanwhile
+// the processor has the residuals to compute.
+//   shapes    as lpc_residual; the two signals are different arrays. The modulator becomes its residual
+//   returns   what lpc_residual returns for each
+lpc_levels lpc_cross(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients, lpc_vectors vectors = lpc_widest_vectors());

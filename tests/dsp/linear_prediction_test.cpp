@@ -265,4 +265,29 @@ TEST(LpcFilters, EqualPlainLoopsBitForBit) {
   }
 }
 
+TEST(LpcCross, EqualsBothResidualsAndTheSynthesis) {
+  for (const size_t order : {0U, 1U, 2U, 3U, 10U, 35U, 80U, 130U}) {
+    signal a = noise(order);
+    for (float& coefficient : a) coefficient /= static_cast<float>(order);
+    const signal b(a.rbegin(), a.rend());
+    for (const size_t length : {1U, 63U, 200U, 1024U}) {
+      const signal x = noise(length, 1.0F, 1);
+      const signal y = noise(length, 1.0F, 2);
+      const filtered of_x = plain_filter(false, order, a, x);
+      const filtered of_y = plain_filter(false, order, b, y);
+      for (const lpc_vectors vectors : all_vectors()) {
+        signal modulator = x;
+        signal carrier = y;
+        const auto n = static_cast<int32_t>(length);
+        const lpc_levels levels =
+            lpc_cross(static_cast<int32_t>(order), n, modulator.data(), a.data(), carrier.data(), b.data(), vectors);
+        ASSERT_EQ(modulator, of_x.output) << order << ", " << length;
+        ASSERT_EQ(carrier, plain_filter(true, order, a, of_y.output).output) << order << ", " << length;
+        EXPECT_EQ(levels.modulator, static_cast<float>(std::sqrt(of_x.sum_of_squares) / n));
+        EXPECT_EQ(levels.carrier, static_cast<float>(std::sqrt(of_y.sum_of_squares) / n));
+      }
+    }
+  }
+}
+
 }  // namespace
