@@ -49,7 +49,7 @@ KESREL_INLINE void store(const vector& value, number* to) {
 
 // --- Autocorrelation ---
 
-// Sums of the products up to sample length - 2, for the `sums` lags from `first` on; the first `count` of them are
+// Sums of the products up to sample length - 2, for a group of lags from `first` on; the first `count` of them are
 // stored. Where the longer lags have run out of samples, their products are masked: there is nothing to add, and 0
 // times an infinite sample would be NaN.
 template <typename vectors, size_t vector_count>
@@ -568,6 +568,8 @@ float level_of(double sum_of_squares, int32_t length) {
   return static_cast<float>(std::sqrt(sum_of_squares) / length);
 }
 
+// The two residuals of a group of samples come at different times of its synthesis, so that each is short enough for
+// the processor to look past it at the next samples of the synthesis.
 template <typename vectors>
 KESREL_INLINE lpc_levels cross_in(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
                                   float* carrier, const float* carrier_coefficients) {
