@@ -53,8 +53,7 @@ int32_t decomposition_make(int32_t filter_set_number, int32_t n, frame_arena* ar
 void take_without_dc(const float* modulator, const float* carrier, decomposition* d) {
   std::copy_n(modulator, d->n, d->modulator);
   std::copy_n(carrier, d->n, d->carrier);
-  dc_block(d->modulator, d->n);
-  dc_block(d->carrier, d->n);
+  dc_block_pair(d->modulator, d->carrier, d->n);
 }
 
 void analyse(decomposition* d) {
