@@ -28,8 +28,7 @@ void vocoder_prediction(int32_t order, float* modulator, const float* carrier, i
   if (voice != nullptr && result != nullptr) {
     std::copy_n(modulator, n, voice);
     std::copy_n(carrier, n, result);
-    dc_block(voice, n);
-    dc_block(result, n);
+    dc_block_pair(voice, result, n);
     std::array<float, lpc_max_order> of_voice{};
     std::array<float, lpc_max_order> of_carrier{};
     lpc_fit_without_pitch(order, n, voice, of_voice.data(), workspace);
