@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "dsp/convert.h"
 #include "dsp/lanes.h"
+#include "dsp/processor.h"
 
 // Speed comes from lanes that hold independent results: neighbouring lags, columns of a row, output samples. Each of
-// them adds up in the order that a plain loop has.
+// them adds up in the order that a plain loop has, so the width of the vectors doesn't show in the results.
 
 namespace {
 
@@ -17,30 +19,103 @@ size_t index(int32_t i) {
   return static_cast<size_t>(i);
 }
 
+struct vectors_of_128_bits {
+  using floats = float4;
+  using doubles = double2;
+  using halves = float2;  // as many floats as there are doubles
+  using masks = int4;     // for `floats`
+};
+
+struct vectors_of_256_bits {
+  using floats = float __attribute__((vector_size(32)));
+  using doubles = double __attribute__((vector_size(32)));
+  using halves = float4;
+  using masks = int32_t __attribute__((vector_size(32)));
+};
+
+template <typename vector>
+constexpr size_t lanes_of = sizeof(vector) / sizeof(std::declval<vector>()[0]);
+
+// Vectors are passed by address: how they are passed by value depends on the instructions that a function may use.
+template <typename vector, typename number>
+KESREL_INLINE void load(const number* from, vector* value) {
+  std::memcpy(value, from, sizeof *value);
+}
+
+template <typename vector, typename number>
+KESREL_INLINE void store(const vector& value, number* to) {
+  std::memcpy(to, &value, sizeof value);
+}
+
 // --- Autocorrelation ---
 
-constexpr int32_t lag_lanes = 32;  // lags that are measured together
-
-// Sums of the products up to sample length - 2, for the lags from `first` on; the first `count` of them are stored.
-void measure_lag_group(int32_t length, const float* signal, int32_t first, int32_t count, float* lags) {
-  std::array<float4, lag_lanes / 4> sums{};
-  const int32_t common = std::max(0, length - first - lag_lanes);  // products that even the longest lag has
+// Sums of the products up to sample length - 2, for a group of lags from `first` on; the first `count` of them are
+// stored. Where the longer lags have run out of samples, their products are masked: there is nothing to add, and 0
+// times an infinite sample would be NaN.
+template <typename vectors, size_t vector_count>
+KESREL_INLINE void measure_lag_group(int32_t length, const float* signal, int32_t first, int32_t count, float* lags) {
+  using floats = typename vectors::floats;
+  constexpr size_t width = lanes_of<floats>;
+  constexpr size_t group = vector_count * width;
+  std::array<floats, vector_count> sums{};
+  const int32_t used = length - 1 - first;                                     // products of the first lag
+  const int32_t common = std::max(0, used + 1 - static_cast<int32_t>(group));  // that even the longest has
   for (int32_t i = 0; i < common; ++i) {
-    const float4 x = splat(signal[i]);
-    const float* const partner = signal + i + first;
-    for (size_t lane = 0; lane < sums.size(); ++lane) sums[lane] += x * load4(partner + 4 * lane);
+    for (size_t v = 0; v < vector_count; ++v) {
+      floats partners;
+      load(signal + i + first + v * width, &partners);
+      sums[v] += signal[i] * partners;
+    }
   }
-  for (int32_t lane = 0; lane < count; ++lane) {
-    float sum = sums[index(lane / 4)][index(lane % 4)];
-    for (int32_t i = common; i + first + lane < length - 1; ++i) sum += signal[i] * signal[i + first + lane];
-    lags[first + lane] = sum;
+
+  std::array<float, 2 * group> partners{};
+  std::array<int32_t, 2 * group> masks{};  // all bits for the samples that there are
+  const auto rest = static_cast<size_t>(std::max(0, used - common));
+  std::copy_n(signal + first + common, rest, partners.begin());
+  std::fill_n(masks.begin(), rest, -1);
+  for (size_t i = 0; i < rest; ++i) {
+    for (size_t v = 0; v < vector_count; ++v) {
+      floats partner;
+      typename vectors::masks mask;
+      load(&partners[i + v * width], &partner);
+      load(&masks[i + v * width], &mask);
+      const floats product = signal[index(common) + i] * partner;
+      sums[v] += reinterpret_cast<floats>(reinterpret_cast<typename vectors::masks>(product) & mask);
+    }
+  }
+  std::memcpy(lags + first, sums.data(), index(count) * sizeof *lags);
+}
+
+// The groups are as small as the lags left to measure allow; ten vectors leave room for the partners in the registers.
+template <typename vectors>
+KESREL_INLINE void measure_lags_in(int32_t length, const float* signal, int32_t count, float* lags) {
+  constexpr auto width = static_cast<int32_t>(lanes_of<typename vectors::floats>);
+  for (int32_t first = 0; first < count;) {
+    const int32_t left = count - first;
+    if (left <= 3 * width) {
+      measure_lag_group<vectors, 3>(length, signal, first, left, lags);
+      return;
+    }
+    if (left <= 5 * width) {
+      measure_lag_group<vectors, 5>(length, signal, first, left, lags);
+      return;
+    }
+    const int32_t group = std::min(10 * width, left);
+    measure_lag_group<vectors, 10>(length, signal, first, group, lags);
+    first += group;
   }
 }
 
-void measure_lags(int32_t length, const float* signal, int32_t count, float* lags) {
-  for (int32_t first = 0; first < count; first += lag_lanes) {
-    measure_lag_group(length, signal, first, std::min(lag_lanes, count - first), lags);
-  }
+void measure_lags_128(int32_t length, const float* signal, int32_t count, float* lags) {
+  measure_lags_in<vectors_of_128_bits>(length, signal, count, lags);
+}
+
+KESREL_AVX2 void measure_lags_256(int32_t length, const float* signal, int32_t count, float* lags) {
+  measure_lags_in<vectors_of_256_bits>(length, signal, count, lags);
+}
+
+void measure_lags(lpc_vectors vectors, int32_t length, const float* signal, int32_t count, float* lags) {
+  (vectors == lpc_vectors::of_256_bits ? measure_lags_256 : measure_lags_128)(length, signal, count, lags);
 }
 
 void taper_lags(int32_t length, int32_t count, float* lags) {
@@ -145,58 +220,102 @@ size_t padded_columns(int32_t n) {
   return index((n + row_lanes) / row_lanes * row_lanes);
 }
 
-// target = target * factor - source
-void scale_and_subtract(size_t columns, double factor, const row& source, row* target) {
-  const double2 factors = {factor, factor};
-  for (size_t first = 0; first < columns; first += row_lanes) {
-    for (size_t c = first; c < first + row_lanes; c += 2) {
-      store2(load2(&(*target)[c]) * factors - load2(&source[c]), &(*target)[c]);
+// A row takes the earlier ones, and then the later ones, in a tile of four: the row that they take is read once for all
+// of them, and their own entries stay in the cache from one step to the next.
+constexpr size_t tile_rows = 4;
+
+// Clears column i of `rows` rows from k on, where it isn't 0: row = row * factor - row i.
+//   returns  false when a factor is 0, which clears its row
+template <typename vector, size_t rows>
+KESREL_INLINE bool clear_below(size_t i, size_t k, size_t columns, lpc_matrix* matrix, row* diagonal) {
+  auto& m = matrix->entry;
+  std::array<double, rows> factors;
+  for (size_t r = 0; r < rows; ++r) factors[r] = 1.0 / m[k + r][i];
+  if constexpr (rows == 1) {
+    if (m[k][i] == 0.0) return true;
+    if (factors[0] == 0.0) return false;
+  } else {
+    const auto special = [&](size_t r) { return m[k + r][i] == 0.0 || factors[r] == 0.0; };
+    if (special(0) || special(1) || special(2) || special(3)) {
+      for (size_t r = 0; r < rows; ++r) {
+        if (!clear_below<vector, 1>(i, k + r, columns, matrix, diagonal)) return false;
+      }
+      return true;
     }
   }
+  for (size_t c = 0; c < columns; c += lanes_of<vector>) {
+    vector source;
+    load(&m[i][c], &source);
+    for (size_t r = 0; r < rows; ++r) {
+      vector target;
+      load(&m[k + r][c], &target);
+      store(target * factors[r] - source, &m[k + r][c]);
+    }
+  }
+  for (size_t r = 0; r < rows; ++r) {
+    m[k + r][i] = 0.0 - m[i][i];
+    (*diagonal)[k + r] *= factors[r];
+  }
+  return true;
 }
 
-// target = target - factor * source
-void subtract_multiple_padded(size_t columns, double factor, const row& source, row* target) {
-  const double2 factors = {factor, factor};
-  for (size_t first = 0; first < columns; first += row_lanes) {
-    for (size_t c = first; c < first + row_lanes; c += 2) {
-      store2(load2(&(*target)[c]) - factors * load2(&source[c]), &(*target)[c]);
+// Clears column j of `rows` rows from k on: row = row - factor * row j.
+template <typename vector, size_t rows>
+KESREL_INLINE void clear_above(size_t j, size_t k, size_t columns, lpc_matrix* matrix) {
+  auto& m = matrix->entry;
+  std::array<double, rows> factors;
+  for (size_t r = 0; r < rows; ++r) factors[r] = m[k + r][j];
+  for (size_t c = 0; c < columns; c += lanes_of<vector>) {
+    vector source;
+    load(&m[j][c], &source);
+    for (size_t r = 0; r < rows; ++r) {
+      vector target;
+      load(&m[k + r][c], &target);
+      store(target - factors[r] * source, &m[k + r][c]);
     }
   }
+  for (size_t r = 0; r < rows; ++r) m[k + r][j] = 0.0 - factors[r] * m[j][j];
 }
 
 //   returns  false when a pivot is 0, which asks for rows that are no longer there, or a factor, which clears its row
-bool eliminate_lower_triangle(int32_t n, lpc_matrix* matrix) {
+template <typename vector>
+KESREL_INLINE bool eliminate_lower_triangle(int32_t n, lpc_matrix* matrix) {
   auto& m = matrix->entry;
   const size_t last = index(n);
   const size_t columns = padded_columns(n);
   row diagonal;  // of B, for the rows that aren't done
   diagonal.fill(1.0);
-  for (size_t i = 1; i <= last; ++i) {
-    if (m[i][i] == 0.0) return false;
-    const double pivot_factor = 1.0 / m[i][i];
-    for (size_t c = 0; c < columns; ++c) m[i][c] *= pivot_factor;
-    m[i][i] = diagonal[i] * pivot_factor;
-    for (size_t k = i + 1; k <= last; ++k) {
-      if (m[k][i] == 0.0) continue;
-      const double factor = 1.0 / m[k][i];
-      if (factor == 0.0) return false;
-      scale_and_subtract(columns, factor, m[i], &m[k]);
-      m[k][i] = 0.0 - m[i][i];
-      diagonal[k] *= factor;
+  for (size_t first = 1; first <= last; first += tile_rows) {
+    const size_t end = std::min(first + tile_rows, last + 1);
+    if (end - first == tile_rows) {
+      for (size_t i = 1; i < first; ++i) {
+        if (!clear_below<vector, tile_rows>(i, first, columns, matrix, &diagonal)) return false;
+      }
+    }
+    for (size_t k = first; k < end; ++k) {
+      for (size_t i = end - first == tile_rows ? first : 1; i < k; ++i) {
+        if (!clear_below<vector, 1>(i, k, columns, matrix, &diagonal)) return false;
+      }
+      if (m[k][k] == 0.0) return false;
+      const double pivot_factor = 1.0 / m[k][k];
+      for (size_t c = 0; c < columns; ++c) m[k][c] *= pivot_factor;
+      m[k][k] = diagonal[k] * pivot_factor;
     }
   }
   return true;
 }
 
-void eliminate_upper_triangle(int32_t n, lpc_matrix* matrix) {
-  auto& m = matrix->entry;
-  for (size_t j = 2; j <= index(n); ++j) {
-    for (size_t k = 1; k < j; ++k) {
-      const double factor = m[k][j];
-      subtract_multiple_padded(padded_columns(n), factor, m[j], &m[k]);
-      m[k][j] = 0.0 - factor * m[j][j];
+// No row that is still needed changes before its turn, as each takes only later ones.
+template <typename vector>
+KESREL_INLINE void eliminate_upper_triangle(int32_t n, lpc_matrix* matrix) {
+  const size_t last = index(n);
+  const size_t columns = padded_columns(n);
+  for (size_t first = 1; first <= last; first += tile_rows) {
+    const size_t end = std::min(first + tile_rows, last + 1);
+    for (size_t k = first; k < end; ++k) {
+      for (size_t j = k + 1; j < end; ++j) clear_above<vector, 1>(j, k, columns, matrix);
     }
+    for (size_t j = end; j <= last; ++j) clear_above<vector, tile_rows>(j, first, columns, matrix);
   }
 }
 
@@ -210,14 +329,27 @@ bool all_finite(int32_t n, const lpc_matrix& matrix) {
 
 //   returns  false when the result may differ from that of the plain elimination: after a zero pivot, or with infinite
 //            factors, which turn zeros of B into NaN
-bool eliminate_in_place(int32_t n, lpc_matrix* matrix) {
+template <typename vector>
+KESREL_INLINE bool eliminate_in_place(int32_t n, lpc_matrix* matrix) {
   for (size_t i = 1; i <= index(n); ++i) {
     matrix->entry[i][0] = 0.0;
     std::fill(matrix->entry[i].begin() + n + 1, matrix->entry[i].end(), 0.0);
   }
-  if (!eliminate_lower_triangle(n, matrix)) return false;
-  eliminate_upper_triangle(n, matrix);
+  if (!eliminate_lower_triangle<vector>(n, matrix)) return false;
+  eliminate_upper_triangle<vector>(n, matrix);
   return all_finite(n, *matrix);
+}
+
+bool eliminate_128(int32_t n, lpc_matrix* matrix) {
+  return eliminate_in_place<vectors_of_128_bits::doubles>(n, matrix);
+}
+
+KESREL_AVX2 bool eliminate_256(int32_t n, lpc_matrix* matrix) {
+  return eliminate_in_place<vectors_of_256_bits::doubles>(n, matrix);
+}
+
+bool eliminate(lpc_vectors vectors, int32_t n, lpc_matrix* matrix) {
+  return (vectors == lpc_vectors::of_256_bits ? eliminate_256 : eliminate_128)(n, matrix);
 }
 
 void copy_rows(int32_t n, const lpc_matrix& from, lpc_matrix* to) {
@@ -226,51 +358,74 @@ void copy_rows(int32_t n, const lpc_matrix& from, lpc_matrix* to) {
 
 // --- Normal equations ---
 
+// Row i has the lags |i - j|: a part of the lags in both directions from 0, one entry further on than in the row below.
 void fill_matrix(int32_t n, const float* lags, lpc_matrix* matrix) {
+  std::array<double, 2 * lpc_max_order> both_ways;
+  for (int32_t lag = 0; lag < n; ++lag) both_ways[index(n + lag)] = both_ways[index(n - lag)] = double{lags[lag]};
   for (int32_t i = 1; i <= n; ++i) {
-    for (int32_t j = 1; j <= n; ++j) matrix->entry[index(i)][index(j)] = double{lags[std::abs(i - j)]};
+    std::copy_n(both_ways.begin() + n + 1 - i, n, matrix->entry[index(i)].begin() + 1);
   }
 }
 
-// Products of the inverse with the lags from 1 up. Each sum is rounded to single precision at every step. Four rows go
+// Products of the inverse with the lags from 1 up. Each sum is rounded to single precision at every step. Many rows go
 // together, as one alone would wait for its own roundings.
-void multiply_by_lags(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
-  constexpr int32_t rows = 4;
+template <typename vectors>
+KESREL_INLINE void multiply_by_lags_in(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  using doubles = typename vectors::doubles;
+  using halves = typename vectors::halves;
+  constexpr size_t width = lanes_of<doubles>;
+  constexpr size_t rows = 4 * width;
   for (int32_t first = 0; first < n; first += rows) {
-    const int32_t count = std::min(rows, n - first);
+    const int32_t count = std::min(static_cast<int32_t>(rows), n - first);
     std::array<const double*, rows> entries;
-    for (int32_t i = 0; i < rows; ++i) {
+    for (int32_t i = 0; i < static_cast<int32_t>(rows); ++i) {
       entries[index(i)] = inverse.entry[index(first + std::min(i, count - 1) + 1)].data() + 1;
     }
-    std::array<float, rows> sums{};
+    std::array<halves, rows / width> sums{};
     for (int32_t j = 0; j < n; ++j) {
-      for (size_t i = 0; i < rows; ++i) {
-        sums[i] = static_cast<float>(double{sums[i]} + double{lags[j + 1]} * entries[i][j]);
+      const double lag = lags[j + 1];
+      for (size_t v = 0; v < sums.size(); ++v) {
+        doubles column;
+        for (size_t lane = 0; lane < width; ++lane) column[lane] = entries[v * width + lane][j];
+        sums[v] = __builtin_convertvector(__builtin_convertvector(sums[v], doubles) + lag * column, halves);
       }
     }
-    std::copy_n(sums.begin(), count, coefficients + first);
+    std::memcpy(coefficients + first, sums.data(), index(count) * sizeof *coefficients);
   }
+}
+
+void multiply_by_lags_128(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  multiply_by_lags_in<vectors_of_128_bits>(n, inverse, lags, coefficients);
+}
+
+KESREL_AVX2 void multiply_by_lags_256(int32_t n, const lpc_matrix& inverse, const float* lags, float* coefficients) {
+  multiply_by_lags_in<vectors_of_256_bits>(n, inverse, lags, coefficients);
 }
 
 // Without any signal every sum is 0 times a finite number, so the inversion is left out.
-void solve(int32_t n, float* coefficients, lpc_workspace* workspace) {
+void solve(lpc_vectors vectors, int32_t n, float* coefficients, lpc_workspace* workspace) {
   const float* const lags = workspace->lags.data();
   if (std::all_of(lags, lags + n + 1, [](float lag) { return lag == 0.0F; })) {
     std::fill_n(coefficients, n, 0.0F);
     return;
   }
-  fill_matrix(n, lags, &workspace->matrix);
-  lpc_matrix_invert(n, &workspace->matrix, &workspace->inversion);
-  multiply_by_lags(n, workspace->matrix, lags, coefficients);
+  lpc_matrix* const inverse = &workspace->inversion;
+  fill_matrix(n, lags, inverse);
+  if (!eliminate(vectors, n, inverse)) {
+    fill_matrix(n, lags, &workspace->matrix);
+    eliminate_plainly(n, &workspace->matrix, inverse);
+  }
+  const auto multiply = vectors == lpc_vectors::of_256_bits ? multiply_by_lags_256 : multiply_by_lags_128;
+  multiply(n, *inverse, lags, coefficients);
 }
 
 // --- Filters ---
 
-constexpr int32_t filter_block = 64;  // samples between two moves of the history
-constexpr int32_t sample_lanes = 8;   // output samples that are predicted together
+constexpr int32_t filter_run = lpc_max_length;  // samples between two moves of the history
+constexpr size_t sample_vectors = 4;            // of output samples that are predicted together
 
 using taps = std::array<double, lpc_max_order>;
-using filter_window = std::array<double, lpc_max_order + filter_block>;
+using filter_window = std::array<double, lpc_max_order + filter_run>;
 
 taps widened(int32_t order, const float* coefficients) {
   taps a{};
@@ -278,117 +433,229 @@ taps widened(int32_t order, const float* coefficients) {
   return a;
 }
 
-// Predictions of `sample_lanes` samples, of which `next` is the first. Even and odd taps have a sum each, and the last
-// tap of an odd order comes on top of both.
-void predict(int32_t order, const taps& a, const double* next, double* predictions) {
-  std::array<double2, sample_lanes / 2> even{};
-  std::array<double2, sample_lanes / 2> odd{};
+// Filter whose past is silence, in runs of at most `filter_run` samples.
+struct residual_filter {
+  int32_t order;
+  taps a;
+  filter_window window{};  // the past, then the run
+  double sum_of_squares = 0.0;
+
+  double* run() { return window.data() + lpc_max_order; }
+  void start_run(const float* input, int32_t count) { std::copy_n(input, count, run()); }
+  void end_run() { std::copy(window.begin() + filter_run, window.end(), window.begin()); }
+};
+
+template <typename vectors>
+constexpr auto samples_together = static_cast<int32_t>(sample_vectors* lanes_of<typename vectors::doubles>);
+
+// Filters the samples of a run from `first` on, one per lane: `samples_together`, or up to `count`. Even and odd taps
+// have a sum each, and the last tap of an odd order comes on top of both.
+template <typename vectors>
+KESREL_INLINE void remove_predictable(int32_t first, int32_t count, residual_filter* filter, float* output) {
+  using doubles = typename vectors::doubles;
+  constexpr size_t width = lanes_of<doubles>;
+  const taps& a = filter->a;
+  const double* const next = filter->run() + first;
+  std::array<doubles, sample_vectors> even{};
+  std::array<doubles, sample_vectors> odd{};
+  doubles past;
   int32_t j = 0;
-  for (; j + 1 < order; j += 2) {
-    const double2 a_even = {a[index(j)], a[index(j)]};
-    const double2 a_odd = {a[index(j + 1)], a[index(j + 1)]};
-    for (size_t lane = 0; lane < even.size(); ++lane) {
-      even[lane] += a_even * load2(next - 1 - j + 2 * lane);
-      odd[lane] += a_odd * load2(next - 2 - j + 2 * lane);
+  for (; j + 1 < filter->order; j += 2) {
+    for (size_t v = 0; v < sample_vectors; ++v) {
+      load(next - 1 - j + v * width, &past);
+      even[v] += a[index(j)] * past;
+      load(next - 2 - j + v * width, &past);
+      odd[v] += a[index(j + 1)] * past;
     }
   }
-  for (size_t lane = 0; lane < even.size(); ++lane) even[lane] += odd[lane];
-  if (j < order) {
-    const double2 a_last = {a[index(j)], a[index(j)]};
-    for (size_t lane = 0; lane < even.size(); ++lane) even[lane] += a_last * load2(next - 1 - j + 2 * lane);
+  for (size_t v = 0; v < sample_vectors; ++v) even[v] += odd[v];
+  for (size_t v = 0; j < filter->order && v < sample_vectors; ++v) {
+    load(next - 1 - j + v * width, &past);
+    even[v] += a[index(j)] * past;
   }
-  std::memcpy(predictions, even.data(), sizeof even);
+
+  const int32_t used = std::min(samples_together<vectors>, count - first);
+  std::array<float, samples_together<vectors>> rests;
+  std::array<double, samples_together<vectors>> squares;
+  float* const to = used == samples_together<vectors> ? output + first : rests.data();
+  for (size_t v = 0; v < sample_vectors; ++v) {
+    doubles sample;
+    load(next + v * width, &sample);
+    const auto rest = __builtin_convertvector(sample - even[v], typename vectors::halves);
+    const auto exact = __builtin_convertvector(rest, doubles);
+    store(rest, to + v * width);
+    store(exact * exact, &squares[v * width]);
+  }
+  if (to == rests.data()) std::copy_n(to, used, output + first);
+  for (int32_t t = 0; t < used; ++t) filter->sum_of_squares += squares[index(t)];
+}
+
+//   returns  the sum of the squares
+template <typename vectors>
+KESREL_INLINE double residual_in(int32_t order, int32_t length, const float* input, const float* coefficients,
+                                 float* output) {
+  residual_filter filter{.order = order, .a = widened(order, coefficients)};
+  for (int32_t start = 0; start < length; start += filter_run) {
+    const int32_t count = std::min(filter_run, length - start);
+    filter.start_run(input + start, count);
+    for (int32_t first = 0; first < count; first += samples_together<vectors>) {
+      remove_predictable<vectors>(first, count, &filter, output + start);
+    }
+    filter.end_run();
+  }
+  return filter.sum_of_squares;
+}
+
+double residual_128(int32_t order, int32_t length, const float* input, const float* coefficients, float* output) {
+  return residual_in<vectors_of_128_bits>(order, length, input, coefficients, output);
+}
+
+KESREL_AVX2 double residual_256(int32_t order, int32_t length, const float* input, const float* coefficients,
+                                float* output) {
+  return residual_in<vectors_of_256_bits>(order, length, input, coefficients, output);
 }
 
 // The prediction of one sample from its past, the newest sample first. The two newest come as values, as the processor
 // would wait for a pair of samples that it has just stored one by one.
-double predict_one(int32_t order, const taps& a, double newest, double second, const double* past) {
+KESREL_INLINE double predict_one(int32_t order, const taps& a, double newest, double second, const double* past) {
   if (order < 2) return order < 1 ? 0.0 : a[0] * newest;
   double2 sums = double2{a[0], a[1]} * double2{newest, second};  // even, odd
   int32_t j = 2;
-  for (; j + 1 < order; j += 2) sums += load2(a.data() + j) * load2(past + j);
+  for (; j + 1 < order; j += 2) {
+    double2 a_pair, past_pair;
+    load(a.data() + j, &a_pair);
+    load(past + j, &past_pair);
+    sums += a_pair * past_pair;
+  }
   const double sum = sums[0] + sums[1];
   return j < order ? sum + a[index(j)] * past[j] : sum;
+}
+
+struct synthesis_filter {
+  int32_t order;
+  taps a;
+  filter_window window{};     // filled from its end to its start, so that the past runs forward from the newest sample
+  int32_t free = filter_run;  // entries at the start of the window
+  double newest = 0.0;
+  double second = 0.0;
+  double lost_squares = 0.0;
+};
+
+KESREL_INLINE void synthesise(int32_t count, float* signal, synthesis_filter* filter) {
+  filter_window& window = filter->window;
+  const int32_t order = filter->order;
+  double newest = filter->newest;
+  double second = filter->second;
+  for (int32_t t = 0; t < count; ++t) {
+    if (filter->free == 0) {
+      std::copy_backward(window.begin(), window.begin() + lpc_max_order, window.end());
+      filter->free = filter_run;
+    }
+    const double exact =
+        double{signal[t]} + predict_one(order, filter->a, newest, second, &window[index(filter->free)]);
+    window[index(--filter->free)] = exact;
+    second = newest;
+    newest = exact;
+    signal[t] = static_cast<float>(exact);
+    const double lost = double{signal[t]} - exact;
+    filter->lost_squares += lost * lost;
+  }
+  filter->newest = newest;
+  filter->second = second;
 }
 
 float level_of(double sum_of_squares, int32_t length) {
   return static_cast<float>(std::sqrt(sum_of_squares) / length);
 }
 
+// The two residuals of a group of samples come at different times of its synthesis, so that each is short enough for
+// the processor to look past it at the next samples of the synthesis.
+template <typename vectors>
+KESREL_INLINE lpc_levels cross_in(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                                  float* carrier, const float* carrier_coefficients) {
+  residual_filter of_modulator{.order = order, .a = widened(order, modulator_coefficients)};
+  residual_filter of_carrier{.order = order, .a = widened(order, carrier_coefficients)};
+  synthesis_filter synthesis{.order = order, .a = of_modulator.a};
+  for (int32_t start = 0; start < length; start += filter_run) {
+    const int32_t count = std::min(filter_run, length - start);
+    of_modulator.start_run(modulator + start, count);
+    of_carrier.start_run(carrier + start, count);
+    for (int32_t first = 0; first < count; first += samples_together<vectors>) {
+      remove_predictable<vectors>(first, count, &of_carrier, carrier + start);
+      const int32_t middle = std::min(first + samples_together<vectors> / 2, count);
+      const int32_t end = std::min(first + samples_together<vectors>, count);
+      synthesise(middle - first, carrier + start + first, &synthesis);
+      remove_predictable<vectors>(first, count, &of_modulator, modulator + start);
+      synthesise(end - middle, carrier + start + middle, &synthesis);
+    }
+    of_modulator.end_run();
+    of_carrier.end_run();
+  }
+  return {level_of(of_modulator.sum_of_squares, length), level_of(of_carrier.sum_of_squares, length)};
+}
+
+lpc_levels cross_128(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients) {
+  return cross_in<vectors_of_128_bits>(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
+}
+
+KESREL_AVX2 lpc_levels cross_256(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                                 float* carrier, const float* carrier_coefficients) {
+  return cross_in<vectors_of_256_bits>(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
+}
+
 }  // namespace
 
-double lpc_autocorrelate(int32_t length, const float* signal, float* lags) {
+lpc_vectors lpc_widest_vectors() {
+  return processor_has_avx2() ? lpc_vectors::of_256_bits : lpc_vectors::of_128_bits;
+}
+
+double lpc_autocorrelate(int32_t length, const float* signal, float* lags, lpc_vectors vectors) {
   if (length < 1) return 0.0;
-  measure_lags(length, signal, length / 2, lags);
+  measure_lags(vectors, length, signal, length / 2, lags);
   const int32_t peak = find_pitch_lag(length, lags);
   taper_lags(length, length / 2, lags);
   return lags[peak] != 0.0F ? peak : 0.0;
 }
 
-void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work) {
+void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work, lpc_vectors vectors) {
   copy_rows(n, *matrix, work);
-  if (!eliminate_in_place(n, work)) eliminate_plainly(n, matrix, work);
+  if (!eliminate(vectors, n, work)) eliminate_plainly(n, matrix, work);
   copy_rows(n, *work, matrix);
 }
 
-float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace) {
+float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace,
+              lpc_vectors vectors) {
   workspace->lags.fill(0.0F);
-  const double pitch_lag = lpc_autocorrelate(length, signal, workspace->lags.data());
-  if (order > 1) solve(order - 1, coefficients, workspace);
+  const double pitch_lag = lpc_autocorrelate(length, signal, workspace->lags.data(), vectors);
+  if (order > 1) solve(vectors, order - 1, coefficients, workspace);
   return static_cast<float>(pitch_lag);
 }
 
 void lpc_fit_without_pitch(int32_t order, int32_t length, const float* signal, float* coefficients,
-                           lpc_workspace* workspace) {
+                           lpc_workspace* workspace, lpc_vectors vectors) {
   if (order < 2) return;
   const int32_t count = std::min(order, length / 2);
   std::fill_n(workspace->lags.begin(), order, 0.0F);
-  measure_lags(length, signal, count, workspace->lags.data());
+  measure_lags(vectors, length, signal, count, workspace->lags.data());
   taper_lags(length, count, workspace->lags.data());
-  solve(order - 1, coefficients, workspace);
+  solve(vectors, order - 1, coefficients, workspace);
 }
 
-float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output) {
-  const taps a = widened(order, coefficients);
-  filter_window window{};  // the past, then the block
-  double* const block = window.data() + lpc_max_order;
-  double sum_of_squares = 0.0;
-  for (int32_t start = 0; start < length; start += filter_block) {
-    const int32_t count = std::min(filter_block, length - start);
-    std::copy_n(input + start, count, block);
-    for (int32_t first = 0; first < count; first += sample_lanes) {
-      std::array<double, sample_lanes> predictions;
-      predict(order, a, block + first, predictions.data());
-      for (int32_t t = first; t < std::min(first + sample_lanes, count); ++t) {
-        const auto rest = static_cast<float>(block[t] - predictions[index(t - first)]);
-        output[start + t] = rest;
-        sum_of_squares += double{rest} * rest;
-      }
-    }
-    std::copy(window.begin() + filter_block, window.end(), window.begin());
-  }
-  return level_of(sum_of_squares, length);
+float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output,
+                   lpc_vectors vectors) {
+  const auto residual = vectors == lpc_vectors::of_256_bits ? residual_256 : residual_128;
+  return level_of(residual(order, length, input, coefficients, output), length);
 }
 
 float lpc_synthesise(int32_t order, int32_t length, float* signal, const float* coefficients) {
-  const taps a = widened(order, coefficients);
-  filter_window window{};  // filled from its end to its start, so that the past runs forward from the newest sample
-  double* past = window.data() + filter_block;
-  double newest = 0.0;
-  double second = 0.0;
-  double sum_of_squares = 0.0;
-  for (int32_t t = 0; t < length; ++t) {
-    if (past == window.data()) {
-      std::copy_backward(window.begin(), window.begin() + lpc_max_order, window.end());
-      past = window.data() + filter_block;
-    }
-    const double exact = double{signal[t]} + predict_one(order, a, newest, second, past);
-    *--past = exact;
-    second = newest;
-    newest = exact;
-    signal[t] = static_cast<float>(exact);
-    const double lost = double{signal[t]} - exact;
-    sum_of_squares += lost * lost;
-  }
-  return level_of(sum_of_squares, length);
+  synthesis_filter filter{.order = order, .a = widened(order, coefficients)};
+  synthesise(length, signal, &filter);
+  return level_of(filter.lost_squares, length);
+}
+
+lpc_levels lpc_cross(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients, lpc_vectors vectors) {
+  const auto cross = vectors == lpc_vectors::of_256_bits ? cross_256 : cross_128;
+  return cross(order, length, modulator, modulator_coefficients, carrier, carrier_coefficients);
 }

@@ -26,35 +26,54 @@ struct lpc_workspace {
   std::array<float, lpc_max_length> lags{};
 };
 
+// What the loops work with. Results are the same; the wider ones are for processors that have AVX2.
+enum class lpc_vectors { of_128_bits, of_256_bits };
+lpc_vectors lpc_widest_vectors();
+
 // Measures the first length / 2 lags and estimates the pitch from them.
 //   shapes    signal[length], lags[length]; of `lags` the entries from length / 2 up are read as they come, normally 0
 //   formula   r[k] = w[k] times the sum over i of x[i] x[i + k], with w[k] = (length / 2 - k) / length, a taper that
 //             smooths the envelope. The last sample takes no part.
 //   returns   the pitch lag in samples, between length / 50 and length / 2; 0 for silence
-double lpc_autocorrelate(int32_t length, const float* signal, float* lags);
+double lpc_autocorrelate(int32_t length, const float* signal, float* lags, lpc_vectors vectors = lpc_widest_vectors());
 
 // Replaces rows and columns 1 to n of `matrix` by their inverse, by Gauss-Jordan elimination without pivot search. A
 // singular matrix isn't noticed: its result is of no use, and finite or not.
 //   shapes    n is below lpc_max_order
 //   work      holds anything before and after
-void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work);
+void lpc_matrix_invert(int32_t n, lpc_matrix* matrix, lpc_matrix* work, lpc_vectors vectors = lpc_widest_vectors());
 
 // Fits the filter that predicts `signal` from its past: x[t] = a[0] x[t - 1] + a[1] x[t - 2] + ...
 //   shapes    order up to lpc_max_order, signal[length] with length up to lpc_max_length, coefficients[order - 1]
 //   returns   the pitch lag as lpc_autocorrelate finds it
-float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace);
+float lpc_fit(int32_t order, int32_t length, const float* signal, float* coefficients, lpc_workspace* workspace,
+              lpc_vectors vectors = lpc_widest_vectors());
 
 // Fits the same coefficients to the last bit, in less time: only the lags that they need are measured.
 void lpc_fit_without_pitch(int32_t order, int32_t length, const float* signal, float* coefficients,
-                           lpc_workspace* workspace);
+                           lpc_workspace* workspace, lpc_vectors vectors = lpc_widest_vectors());
 
 // Removes the predictable part of `input`, whose past is silence: the residual has a flat envelope.
 //   shapes    order up to lpc_max_order, coefficients[order], input[length], output[length]; may be the same array
 //   returns   sqrt(sum of output^2) / length, which is the root mean square over sqrt(length)
-float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output);
+float lpc_residual(int32_t order, int32_t length, const float* input, const float* coefficients, float* output,
+                   lpc_vectors vectors = lpc_widest_vectors());
 
 // Gives `signal` the envelope of the coefficients, in place and from rest; undoes lpc_residual. Nothing tests whether
 // the filter is stable: the result may be infinite or NaN.
 //   shapes    as lpc_residual
 //   returns   sqrt(sum of e^2) / length, where e is what rounding the output to float lost
 float lpc_synthesise(int32_t order, int32_t length, float* signal, const float* coefficients);
+
+struct lpc_levels {
+  float modulator;
+  float carrier;
+};
+
+// Removes the predictable part of both signals and gives the carrier's residual the envelope of the modulator, in less
+// time than lpc_residual twice and lpc_synthesise take: the synthesis waits for itself at every sample, and meanwhile
+// the processor has the residuals to compute.
+//   shapes    as lpc_residual; the two signals are different arrays. The modulator becomes its residual
+//   returns   what lpc_residual returns for each
+lpc_levels lpc_cross(int32_t order, int32_t length, float* modulator, const float* modulator_coefficients,
+                     float* carrier, const float* carrier_coefficients, lpc_vectors vectors = lpc_widest_vectors());

@@ -25,15 +25,26 @@ float limited(float value, float low, float high) {
   return raised < high ? raised : high;
 }
 
-float distance_at(float position, const distance_delay& delay) {
-  return limited(position * delay.max_distance, nearest, delay.max_distance);
+// What the delays of a source follow from.
+struct reach {
+  float max_distance;
+  float samples_per_metre;
+  float length;
+  float last;  // the longest delay
+};
+
+reach reach_of(const distance_delay& delay) {
+  const auto length = static_cast<float>(delay.length);
+  return {delay.max_distance, delay.sample_rate / delay.speed, length, length - 1.0F};
 }
 
-float samples_at(float distance, const distance_delay& delay) {
-  const float samples = (delay.sample_rate / delay.speed) * distance;
-  const float raised = samples > 1.0F ? samples : 1.0F;
-  const auto length = static_cast<float>(delay.length);
-  return raised >= length ? length - 1.0F : raised;
+float distance_at(float position, const reach& reach) {
+  return limited(position * reach.max_distance, nearest, reach.max_distance);
+}
+
+float samples_at(float distance, const reach& reach) {
+  const float raised = std::max(1.0F, reach.samples_per_metre * distance);  // 1 for NaN
+  return raised >= reach.length ? reach.last : raised;
 }
 
 float glided(float from, float target) {
@@ -52,6 +63,18 @@ float ring_step(float in, float samples, int32_t ring_size, float* ring, int32_t
   ring[*write] = in;
   *write = *write == 0 ? ring_size - 1 : *write - 1;
   return (c - a) * (samples - static_cast<float>(whole)) + a;
+}
+
+void set_targets(const double* positions, int32_t count, const distance_delay& delay, float* targets) {
+  const reach fixed = reach_of(delay);
+  for (int32_t i = 0; i < count; ++i)
+    targets[i] = samples_at(distance_at(static_cast<float>(positions[i]), fixed), fixed);
+}
+
+void end_glide(double position, float now, distance_delay* delay) {
+  if (delay->ready == 0) return;
+  distance_delay_set(static_cast<float>(position), false, delay);
+  delay->delay = now;
 }
 
 void create(distance_delay* delay) {
@@ -98,8 +121,9 @@ void distance_delay_release(distance_delay* delay) {
 }
 
 void distance_delay_set(float position, bool snap, distance_delay* delay) {
-  delay->distance = distance_at(position, *delay);
-  delay->target_delay = samples_at(delay->distance, *delay);
+  const reach reach = reach_of(*delay);
+  delay->distance = distance_at(position, reach);
+  delay->target_delay = samples_at(delay->distance, reach);
   if (snap) delay->delay = delay->target_delay;
 }
 
@@ -120,17 +144,26 @@ void distance_delay_process(const float* in, float* out, int32_t count, distance
   delay->write = delay->start + write;
 }
 
-void distance_delay_follow(const double* positions, float* samples, int32_t count, distance_delay* delay) {
-  if (delay->ready == 0 || count < 1) return;
+void distance_delay_glide(const double* left_positions, const double* right_positions, int32_t count,
+                          float* left_samples, float* right_samples, distance_delay* left, distance_delay* right) {
+  if (count < 1) return;
+  float left_now = left->delay;
+  float right_now = right->delay;
+  set_targets(left_positions, count, *left, left_samples);
+  set_targets(right_positions, count, *right, right_samples);
+  for (int32_t i = 0; i < count; ++i) {
+    left_samples[i] = left_now = glided(left_now, left_samples[i]);
+    right_samples[i] = right_now = glided(right_now, right_samples[i]);
+  }
+  end_glide(left_positions[count - 1], left_now, left);
+  end_glide(right_positions[count - 1], right_now, right);
+}
+
+void distance_delay_run(const float* samples, int32_t count, float* signal, distance_delay* delay) {
+  if (delay->ready == 0) return;
   const int32_t ring_size = delay->length + 1;
   float* const ring = delay->start;
   auto write = static_cast<int32_t>(delay->write - ring);
-  float now = delay->delay;
-  for (int32_t i = 0; i < count; ++i) {
-    now = glided(now, samples_at(distance_at(static_cast<float>(positions[i]), *delay), *delay));
-    samples[i] = ring_step(samples[i], now, ring_size, ring, &write);
-  }
-  distance_delay_set(static_cast<float>(positions[count - 1]), false, delay);
-  delay->delay = now;
+  for (int32_t i = 0; i < count; ++i) signal[i] = ring_step(signal[i], samples[i], ring_size, ring, &write);
   delay->write = ring + write;
 }

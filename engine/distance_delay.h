@@ -51,8 +51,14 @@ float distance_delay_gain(const distance_delay& delay);
 //   audio     no heap
 void distance_delay_process(const float* in, float* out, int32_t count, distance_delay* delay);
 
-// Moves the source with every sample: `count` times `distance_delay_set` without snap and `distance_delay_process` of
-// one sample.
+// Moves two sources with every sample and writes the delays of both in samples, for distance_delay_run: as `count`
+// times `distance_delay_set` without snap. A glide waits for itself at every step, so the two go side by side.
 //   positions  [count], rounded to single precision
-//   samples    [count], in place
-void distance_delay_follow(const double* positions, float* samples, int32_t count, distance_delay* delay);
+//   samples    [count]; of no use for a delay that isn't ready, which doesn't move
+void distance_delay_glide(const double* left_positions, const double* right_positions, int32_t count,
+                          float* left_samples, float* right_samples, distance_delay* left, distance_delay* right);
+
+// Delays `count` signal samples by `samples` each, in place. Nothing happens when not `ready`.
+//   samples   [count], what distance_delay_glide wrote for the same delay
+//   audio     no heap
+void distance_delay_run(const float* samples, int32_t count, float* signal, distance_delay* delay);

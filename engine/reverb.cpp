@@ -36,16 +36,18 @@ constexpr std::array<weighted_tap, 12> right_taps = {{
     { 8, -0.325F }, { 9,  0.35F }, {10, -0.375F }, {11,  0.4F },
     {12,  0.15F  }, {13,  0.2F  }, {14,  0.25F  }, {15,  0.3F },
 }};
-constexpr size_t first_equal_tap = 16;  // both channels have all taps from here on, with one weight
-constexpr float equal_weight = 0.1F;
+constexpr float equal_weight = 0.1F;  // of the taps from 16 on, which both channels have
 // clang-format on
 
 constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly decay
 constexpr float output_level = 0.75F;
 constexpr size_t cleared_samples = 24000;  // of each ring; the largest has 22422
 
-// Consecutive samples run side by side, one per lane, while any two positions are far enough apart that no lane reads
-// what another of the group writes. Each lane then computes exactly what a single sample does.
+// Consecutive samples run side by side, one per lane. Each lane computes what a single sample does, provided that no
+// lane reads what another of the group has yet to write. The positions of one sample are all different, so the order in
+// which a sample visits them is free, and this is how it is chosen: in the smallest rings some positions are less than
+// a group apart (0, 16 and the input; 11 and 15; 9 and 13; 22 and 19), and there the one ahead is done with its slot,
+// having been read and rotated, before the one behind is read.
 constexpr int32_t group_size = sizeof(float4) / sizeof(float);
 
 struct reverb_gains {
@@ -54,12 +56,12 @@ struct reverb_gains {
   float turn;  // of the rotations
 };
 
-// Sums and motion of the samples of a stretch in which no position wraps.
-struct stretch {
+// Sums and motion of the samples that the motion computes in one call.
+struct run {
   std::array<float, motion_span> left_sum;
   std::array<float, motion_span> right_sum;
-  std::array<double, motion_span> left_positions;
-  std::array<double, motion_span> right_positions;
+  std::array<float, motion_span> left_delays;
+  std::array<float, motion_span> right_delays;
 };
 
 float clamp_to_unit(float value) {
@@ -84,16 +86,6 @@ int32_t size_step(float size) {
   return truncate_to_int32(size * 128.0F);
 }
 
-int32_t clearance_of(const reverb_state& state) {
-  std::array<int32_t, reverb_tap_count + 1> positions;
-  std::copy(state.tap.begin(), state.tap.end(), positions.begin());
-  positions.back() = state.write_index;
-  std::sort(positions.begin(), positions.end());
-  int32_t least = positions.front() + state.limit + 1 - positions.back();
-  for (size_t i = 1; i < positions.size(); ++i) least = std::min(least, positions[i] - positions[i - 1]);
-  return least;
-}
-
 void build_taps(reverb_state* state) {
   state->limit = truncate_to_int32(state->size * 22000.0F + 422.0F - 1.0F);
   state->write_index = 1;
@@ -101,7 +93,6 @@ void build_taps(reverb_state* state) {
   for (size_t i = 0; i < state->tap.size(); ++i) {
     state->tap[i] = truncate_to_int32(unit * static_cast<float>(tap_base[i]));
   }
-  state->clearance = clearance_of(*state);
 }
 
 void clear_rings(reverb_state* state) {
@@ -130,26 +121,6 @@ void store(lanes value, float* to) {
   std::memcpy(to, &value, sizeof value);
 }
 
-// The outputs of both channels. The sums run side by side, each in the order of its taps.
-template <typename lanes>
-void sum_taps(float gain, const tap_positions& at, const float* left, const float* right, float* left_sum,
-              float* right_sum) {
-  lanes left_weighted{};
-  lanes right_weighted{};
-  for (size_t i = 0; i < left_taps.size(); ++i) {
-    left_weighted += left_taps[i].weight * load<lanes>(left + at[left_taps[i].tap]);
-    right_weighted += right_taps[i].weight * load<lanes>(right + at[right_taps[i].tap]);
-  }
-  lanes left_equal{};
-  lanes right_equal{};
-  for (size_t i = first_equal_tap; i < at.size(); ++i) {
-    left_equal += load<lanes>(left + at[i]);
-    right_equal += load<lanes>(right + at[i]);
-  }
-  store(gain * (left_weighted + equal_weight * left_equal), left_sum);
-  store(gain * (right_weighted + equal_weight * right_equal), right_sum);
-}
-
 // Takes a part of `from` off `to`, then adds a part of the new `to` to `from`: a small turn of the plane of the two.
 template <typename lanes>
 void rotate(float turn, float* to, float* from) {
@@ -159,50 +130,93 @@ void rotate(float turn, float* to, float* from) {
   store(source + turn * turned, from);
 }
 
+// One sample, or a group of them.
 template <typename lanes>
-void rotate_taps(float turn, const tap_positions& at, float* left, float* right) {
-  rotate<lanes>(turn, left + at[3], right + at[0]);
-  rotate<lanes>(turn, right + at[2], left + at[1]);
-  rotate<lanes>(turn, left + at[7], right + at[4]);
-  rotate<lanes>(turn, right + at[6], left + at[5]);
-  rotate<lanes>(turn, left + at[11], right + at[8]);
-  rotate<lanes>(turn, right + at[10], left + at[9]);
-  rotate<lanes>(turn, left + at[15], right + at[12]);
-  rotate<lanes>(turn, right + at[14], left + at[13]);
-  rotate<lanes>(turn, left + at[19], right + at[16]);
-  rotate<lanes>(turn, right + at[18], left + at[17]);
-  rotate<lanes>(turn, left + at[21], right + at[20]);
-  rotate<lanes>(turn, right + at[23], left + at[22]);
-  rotate<lanes>(turn, left + at[25], right + at[24]);
-  rotate<lanes>(turn, right + at[27], left + at[26]);
-  rotate<lanes>(turn, right + at[29], left + at[28]);
-  rotate<lanes>(turn, right + at[31], left + at[30]);
+struct visit {
+  float turn;
+  const tap_positions& at;
+  float* left;
+  float* right;
+  lanes left_weighted{};
+  lanes right_weighted{};
+  lanes left_equal{};
+  lanes right_equal{};
+
+  // Each sum adds up in the order of its taps.
+  void add_weighted(size_t first, size_t end) {
+    for (size_t i = first; i < end; ++i) {
+      left_weighted += left_taps[i].weight * load<lanes>(left + at[left_taps[i].tap]);
+      right_weighted += right_taps[i].weight * load<lanes>(right + at[right_taps[i].tap]);
+    }
+  }
+  void add_equal(size_t first, size_t end) {
+    for (size_t i = first; i < end; ++i) {
+      left_equal += load<lanes>(left + at[i]);
+      right_equal += load<lanes>(right + at[i]);
+    }
+  }
+
+  void rotate_left(size_t to, size_t from) { rotate<lanes>(turn, left + at[to], right + at[from]); }
+  void rotate_right(size_t to, size_t from) { rotate<lanes>(turn, right + at[to], left + at[from]); }
+};
+
+template <typename lanes>
+void sum_and_rotate(float gain, visit<lanes> v, float* left_sum, float* right_sum) {
+  v.add_weighted(0, 8);  // the taps up to 11
+  v.rotate_left(3, 0);
+  v.rotate_right(2, 1);
+  v.rotate_left(7, 4);
+  v.rotate_right(6, 5);
+  v.rotate_left(11, 8);
+  v.rotate_right(10, 9);
+  v.add_weighted(8, 12);
+  v.rotate_left(15, 12);
+  v.rotate_right(14, 13);
+
+  const lanes left22 = load<lanes>(v.left + v.at[22]);
+  const lanes left23 = load<lanes>(v.left + v.at[23]);
+  const lanes right22 = load<lanes>(v.right + v.at[22]);
+  const lanes right23 = load<lanes>(v.right + v.at[23]);
+  v.rotate_right(23, 22);
+  v.add_equal(16, 22);
+  v.left_equal = v.left_equal + left22 + left23;
+  v.right_equal = v.right_equal + right22 + right23;
+  v.add_equal(24, 32);
+  v.rotate_left(19, 16);
+  v.rotate_right(18, 17);
+  v.rotate_left(21, 20);
+  v.rotate_left(25, 24);
+  v.rotate_right(27, 26);
+  v.rotate_right(29, 28);
+  v.rotate_right(31, 30);
+
+  store(gain * (v.left_weighted + equal_weight * v.left_equal), left_sum);
+  store(gain * (v.right_weighted + equal_weight * v.right_equal), right_sum);
 }
 
 // Puts the next input values into a ring, by way of its motion delay.
 template <int32_t n>
-void feed(float feedback, const float* in, const double* positions, float* slots, distance_delay* motion) {
+void feed(float feedback, const float* in, const float* delays, float* slots, distance_delay* motion) {
   std::array<float, n> samples;
   for (int32_t i = 0; i < n; ++i) {
     samples[static_cast<size_t>(i)] = -(feedback * slots[i] + number_or_zero(in[i]));
   }
-  distance_delay_follow(positions, samples.data(), n, motion);
+  distance_delay_run(delays, n, samples.data(), motion);
   for (int32_t i = 0; i < n; ++i) slots[i] = finite_or_zero(samples[static_cast<size_t>(i)]);
 }
 
-// Runs one sample, or a group of `n`, from `offset` of a stretch on.
+// Runs one sample, or a group of `n`: those from `first` on of a run, whose positions are `offset` further on.
 template <typename lanes, int32_t n>
-void advance(const reverb_gains& gains, int32_t offset, const float* in_left, const float* in_right, stretch* samples,
-             reverb_state* state) {
+void advance(const reverb_gains& gains, int32_t first, int32_t offset, const float* in_left, const float* in_right,
+             run* samples, reverb_state* state) {
   float* const left = state->left.data() + offset;
   float* const right = state->right.data() + offset;
-  sum_taps<lanes>(gains.output, state->tap, left, right, samples->left_sum.data() + offset,
-                  samples->right_sum.data() + offset);
-  feed<n>(gains.feedback, in_left + offset, samples->left_positions.data() + offset, left + state->write_index,
+  sum_and_rotate(gains.output, visit<lanes>{gains.turn, state->tap, left, right}, samples->left_sum.data() + first,
+                 samples->right_sum.data() + first);
+  feed<n>(gains.feedback, in_left + first, samples->left_delays.data() + first, left + state->write_index,
           &state->motion_left);
-  feed<n>(gains.feedback, in_right + offset, samples->right_positions.data() + offset, right + state->write_index,
+  feed<n>(gains.feedback, in_right + first, samples->right_delays.data() + first, right + state->write_index,
           &state->motion_right);
-  rotate_taps<lanes>(gains.turn, state->tap, left, right);
 }
 
 void move_positions(int32_t n, reverb_state* state) {
@@ -217,28 +231,40 @@ int32_t samples_to_wrap(const reverb_state& state) {
   return state.limit + 1 - furthest;
 }
 
-// Runs samples up to a wrap, or as many as the motion computes in one call.
+// Moves both sources, and writes their delays, for `n` samples or as many as the motion computes in one call.
 //   returns  how many
-int32_t process_stretch(const reverb_gains& gains, const float* in_left, const float* in_right, float* out_left,
-                        float* out_right, int32_t n, reverb_state* state) {
-  stretch samples;
-  const int32_t count =
-      motion_positions(reverb_motion, std::min(n, samples_to_wrap(*state)), samples.left_positions.data(),
-                       samples.right_positions.data(), &state->motion_counter, &state->anchor);
-  int32_t i = 0;
-  if (state->clearance >= group_size) {
-    for (; i + group_size <= count; i += group_size)
-      advance<float4, group_size>(gains, i, in_left, in_right, &samples, state);
+int32_t move_sources(int32_t n, run* samples, reverb_state* state) {
+  std::array<double, motion_span> left_positions;
+  std::array<double, motion_span> right_positions;
+  const int32_t count = motion_positions(reverb_motion, n, left_positions.data(), right_positions.data(),
+                                         &state->motion_counter, &state->anchor);
+  distance_delay_glide(left_positions.data(), right_positions.data(), count, samples->left_delays.data(),
+                       samples->right_delays.data(), &state->motion_left, &state->motion_right);
+  return count;
+}
+
+//   returns  how many of the `n` samples it processed
+int32_t process_run(const reverb_gains& gains, const float* in_left, const float* in_right, float* out_left,
+                    float* out_right, int32_t n, reverb_state* state) {
+  run samples;
+  const int32_t count = move_sources(n, &samples, state);
+  for (int32_t start = 0; start < count;) {
+    const int32_t end = std::min(count, start + samples_to_wrap(*state));
+    int32_t i = start;
+    for (; i + group_size <= end; i += group_size) {
+      advance<float4, group_size>(gains, i, i - start, in_left, in_right, &samples, state);
+    }
+    for (; i < end; ++i) advance<float, 1>(gains, i, i - start, in_left, in_right, &samples, state);
+    move_positions(end - start, state);
+    start = end;
   }
-  for (; i < count; ++i) advance<float, 1>(gains, i, in_left, in_right, &samples, state);
   if (!all_finite(samples.left_sum.data(), count) || !all_finite(samples.right_sum.data(), count)) {
     state->overflowed = 1;
   }
-  for (i = 0; i < count; ++i) {
+  for (int32_t i = 0; i < count; ++i) {
     out_left[i] = finite_or_zero(out_left[i] + samples.left_sum[static_cast<size_t>(i)]);
     out_right[i] = finite_or_zero(out_right[i] + samples.right_sum[static_cast<size_t>(i)]);
   }
-  move_positions(count, state);
   return count;
 }
 
@@ -275,6 +301,6 @@ void reverb_process_block(const float* in_left, const float* in_right, float* ou
   if (state->configured == 0) return;
   const reverb_gains gains = gains_of(*state);
   for (int32_t i = 0; i < n;) {
-    i += process_stretch(gains, in_left + i, in_right + i, out_left + i, out_right + i, n - i, state);
+    i += process_run(gains, in_left + i, in_right + i, out_left + i, out_right + i, n - i, state);
   }
 }

@@ -21,7 +21,6 @@ struct reverb_state {
   float decay_size = 0.0F;  // the size that sets the feedback; the same
   int32_t write_index = 0;  // of the input
   int32_t limit = 0;        // largest index in use; the rings wrap after it
-  int32_t clearance = 0;    // least number of samples between two of the positions, all round the ring
   ring left{};
   ring right{};
   distance_delay motion_left;  // these keep the tail from ringing

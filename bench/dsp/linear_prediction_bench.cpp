@@ -60,4 +60,18 @@ void filter(benchmark::State& run) {
 BENCHMARK(filter<false>)->Name("residual")->Arg(10)->Arg(35)->Arg(80);
 BENCHMARK(filter<true>)->Name("synthesise")->Arg(10)->Arg(35)->Arg(80);
 
+// Both residuals and the synthesis, with the copies of two signals.
+void cross(benchmark::State& run) {
+  frame f;
+  const auto order = static_cast<int32_t>(run.range(0));
+  std::vector<float> modulator(length), carrier(length);
+  lpc_fit(order, length, f.signal.data(), f.coefficients.data(), f.workspace.get());
+  for (auto _ : run) {
+    modulator = carrier = f.signal;
+    lpc_cross(order, length, modulator.data(), f.coefficients.data(), carrier.data(), f.coefficients.data());
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(cross)->Arg(10)->Arg(35)->Arg(80);
+
 }  // namespace

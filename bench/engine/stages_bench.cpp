@@ -43,9 +43,11 @@ void equaliser(benchmark::State& state) {
 }
 BENCHMARK(equaliser)->ArgName("block")->Arg(64)->Arg(512);
 
-// The two delays of the chorus, or the reverb, over a block of both channels.
-//   size   of the reverb in hundredths; -1 for the chorus
-void effect(benchmark::State& state, int64_t size, int64_t block) {
+enum class effects { chorus, reverb, both };
+
+// The two delays of the chorus, the reverb, or one after the other, over a block of both channels.
+//   size   of the reverb in hundredths
+void run_effects(benchmark::State& state, effects which, int64_t size, int64_t block) {
   float_mode_flush_denormals();
   const auto voco = std::make_unique<voco_state>();
   chorus_prepare(&voco->chorus);
@@ -54,20 +56,26 @@ void effect(benchmark::State& state, int64_t size, int64_t block) {
   const auto n = static_cast<int32_t>(block);
   for (auto _ : state) {
     waveform left = in, right = in, out_left(in.size()), out_right(in.size());
-    size < 0 ? chorus_process(left.data(), right.data(), n, &voco->chorus)
-             : reverb_process_block(left.data(), right.data(), out_left.data(), out_right.data(), n, &voco->reverb);
+    if (which != effects::reverb) chorus_process(left.data(), right.data(), n, &voco->chorus);
+    if (which != effects::chorus) {
+      reverb_process_block(left.data(), right.data(), out_left.data(), out_right.data(), n, &voco->reverb);
+    }
     benchmark::ClobberMemory();
   }
   state.SetItemsProcessed(state.iterations() * block);
 }
 void chorus(benchmark::State& state) {
-  effect(state, -1, state.range(0));
+  run_effects(state, effects::chorus, 0, state.range(0));
 }
 void reverb(benchmark::State& state) {
-  effect(state, state.range(0), state.range(1));
+  run_effects(state, effects::reverb, state.range(0), state.range(1));
+}
+void chorus_and_reverb(benchmark::State& state) {
+  run_effects(state, effects::both, state.range(0), state.range(1));
 }
 BENCHMARK(chorus)->ArgName("block")->Arg(64)->Arg(512);
-BENCHMARK(reverb)->ArgNames({"size", "block"})->ArgsProduct({{0, 50, 100}, {64, 512}});
+BENCHMARK(reverb)->ArgNames({"size", "block"})->ArgsProduct({{0, 1, 2, 4, 50, 100}, {64, 512}});
+BENCHMARK(chorus_and_reverb)->ArgNames({"size", "block"})->ArgsProduct({{0, 1, 2, 4, 50, 100}, {512}});
 
 // A commit of unchanged values, which every block pays.
 void commit(benchmark::State& state) {

@@ -17,6 +17,12 @@ namespace {
 
 using signal = std::vector<float>;
 
+// The vectors that this processor has.
+std::vector<lpc_vectors> all_vectors() {
+  if (lpc_widest_vectors() == lpc_vectors::of_128_bits) return {lpc_vectors::of_128_bits};
+  return {lpc_vectors::of_128_bits, lpc_vectors::of_256_bits};
+}
+
 // Coefficients, and zeros up to the largest order.
 signal fit(int32_t order, const signal& x) {
   const auto workspace = std::make_unique<lpc_workspace>();
@@ -98,9 +104,22 @@ filtered plain_filter(bool synthesise, size_t order, const signal& a, const sign
 TEST(LpcAutocorrelate, EqualsAPlainLoopBitForBit) {
   for (const size_t length : {1U, 2U, 7U, 33U, 64U, 100U, 1023U, 1024U}) {
     const signal x = noise(length);
-    signal lags(length, 0.0F);
-    lpc_autocorrelate(static_cast<int32_t>(length), x.data(), lags.data());
-    for (size_t k = 0; k < length; ++k) ASSERT_EQ(lags[k], k < length / 2 ? plain_lag(x, k) : 0.0F) << length;
+    for (const lpc_vectors vectors : all_vectors()) {
+      signal lags(length, 0.0F);
+      lpc_autocorrelate(static_cast<int32_t>(length), x.data(), lags.data(), vectors);
+      for (size_t k = 0; k < length; ++k) ASSERT_EQ(lags[k], k < length / 2 ? plain_lag(x, k) : 0.0F) << length;
+    }
+  }
+}
+
+TEST(LpcAutocorrelate, LeavesTheLastSampleOutWhateverItIs) {
+  signal x = noise(1024);
+  x[600] = INFINITY;
+  x[1023] = NAN;
+  for (const lpc_vectors vectors : all_vectors()) {
+    signal lags(1024, 0.0F);
+    lpc_autocorrelate(1024, x.data(), lags.data(), vectors);
+    for (size_t k = 0; k < 512; ++k) ASSERT_TRUE(same(lags[k], plain_lag(x, k))) << k << ", " << lags[k];
   }
 }
 
@@ -121,7 +140,7 @@ TEST(LpcAutocorrelate, FindsThePeriodOfAToneAndNoneInSilence) {
 using entry_rule = std::function<double(size_t, size_t)>;
 
 // Inverts the n x n matrix in both ways, amid other entries that must stay.
-void expect_plain_inverse(size_t n, const entry_rule& rule, const char* what) {
+void expect_plain_inverse(size_t n, const entry_rule& rule, lpc_vectors vectors, const char* what) {
   const auto matrix = std::make_unique<lpc_matrix>();
   const auto work = std::make_unique<lpc_matrix>();
   for (auto& row : matrix->entry) row.fill(7.0);
@@ -131,7 +150,7 @@ void expect_plain_inverse(size_t n, const entry_rule& rule, const char* what) {
   }
   const auto expected = std::make_unique<lpc_matrix>(*matrix);
   plain_invert(n, expected.get());
-  lpc_matrix_invert(static_cast<int32_t>(n), matrix.get(), work.get());
+  lpc_matrix_invert(static_cast<int32_t>(n), matrix.get(), work.get(), vectors);
   for (size_t i = 0; i < matrix->entry.size(); ++i) {
     for (size_t j = 0; j < matrix->entry[i].size(); ++j) {
       ASSERT_TRUE(same(matrix->entry[i][j], expected->entry[i][j]))
@@ -163,29 +182,41 @@ TEST(LpcMatrixInvert, EqualsThePlainEliminationBitForBit) {
        [](size_t i, size_t j) {
          return i > j ? 0.0 : i == j ? 1.0 : i + j == 3 ? INFINITY : 0.5;
        }},
+      {"zeros in some rows of a tile", [&](size_t i, size_t j) { return i > j && i % 3 == 0 ? 0.0 : random(i, j); }},
       {"infinite", [&](size_t i, size_t j) { return i + j == 5 ? INFINITY : random(i, j); }},
   };
   for (const auto& [what, rule] : matrices) {
-    for (const size_t n : {1U, 2U, 3U, 9U, 34U, 79U, 129U}) expect_plain_inverse(n, rule, what);
+    for (const size_t n : {1U, 2U, 3U, 4U, 5U, 9U, 34U, 79U, 129U}) {
+      for (const lpc_vectors vectors : all_vectors()) expect_plain_inverse(n, rule, vectors, what);
+    }
   }
 }
 
 // --- Fit ---
 
-TEST(LpcFit, SumsInSinglePrecision) {
-  const signal x = noise(1024);
-  const signal actual = fit(35, x);
-  const auto matrix = std::make_unique<lpc_matrix>();
-  for (size_t i = 1; i < 35; ++i) {
-    for (size_t j = 1; j < 35; ++j) matrix->entry[i][j] = plain_lag(x, i > j ? i - j : j - i);
-  }
-  plain_invert(34, matrix.get());
-  for (size_t i = 0; i < 34; ++i) {
-    float sum = 0.0F;
-    for (size_t j = 0; j < 34; ++j) {
-      sum = static_cast<float>(sum + double{plain_lag(x, j + 1)} * matrix->entry[i + 1][j + 1]);
+TEST(LpcFit, SumsInSinglePrecisionWithAndWithoutPitch) {
+  const auto workspace = std::make_unique<lpc_workspace>();
+  for (const size_t order : {10U, 35U, 80U, 130U}) {
+    const signal x = noise(1024);
+    const auto matrix = std::make_unique<lpc_matrix>();
+    for (size_t i = 1; i < order; ++i) {
+      for (size_t j = 1; j < order; ++j) matrix->entry[i][j] = plain_lag(x, i > j ? i - j : j - i);
     }
-    EXPECT_EQ(actual[i], sum) << i;
+    plain_invert(order - 1, matrix.get());
+    signal expected(lpc_max_order);
+    for (size_t i = 0; i < order - 1; ++i) {
+      for (size_t j = 0; j < order - 1; ++j) {
+        expected[i] = static_cast<float>(expected[i] + double{plain_lag(x, j + 1)} * matrix->entry[i + 1][j + 1]);
+      }
+    }
+    for (const lpc_vectors vectors : all_vectors()) {
+      signal a(lpc_max_order), without_pitch(lpc_max_order);
+      const auto p = static_cast<int32_t>(order);
+      lpc_fit(p, 1024, x.data(), a.data(), workspace.get(), vectors);
+      lpc_fit_without_pitch(p, 1024, x.data(), without_pitch.data(), workspace.get(), vectors);
+      EXPECT_EQ(a, expected) << order;
+      EXPECT_EQ(without_pitch, expected) << order;
+    }
   }
 }
 
@@ -220,14 +251,41 @@ TEST(LpcFilters, EqualPlainLoopsBitForBit) {
       const signal x = noise(length);
       const filtered residual = plain_filter(false, order, a, x);
       const filtered synthesis = plain_filter(true, order, a, x);
-      signal rest = x;
+      for (const lpc_vectors vectors : all_vectors()) {
+        signal rest = x;
+        const float level = lpc_residual(static_cast<int32_t>(order), n, rest.data(), a.data(), rest.data(), vectors);
+        ASSERT_EQ(rest, residual.output) << order << ", " << length;
+        EXPECT_EQ(level, static_cast<float>(std::sqrt(residual.sum_of_squares) / n));
+      }
       signal speech = x;
-      const float rest_level = lpc_residual(static_cast<int32_t>(order), n, rest.data(), a.data(), rest.data());
       const float lost_level = lpc_synthesise(static_cast<int32_t>(order), n, speech.data(), a.data());
-      ASSERT_EQ(rest, residual.output) << order << ", " << length;
       ASSERT_EQ(speech, synthesis.output) << order << ", " << length;
-      EXPECT_EQ(rest_level, static_cast<float>(std::sqrt(residual.sum_of_squares) / n));
       EXPECT_EQ(lost_level, static_cast<float>(std::sqrt(synthesis.sum_of_squares) / n));
+    }
+  }
+}
+
+TEST(LpcCross, EqualsBothResidualsAndTheSynthesis) {
+  for (const size_t order : {0U, 1U, 2U, 3U, 10U, 35U, 80U, 130U}) {
+    signal a = noise(order);
+    for (float& coefficient : a) coefficient /= static_cast<float>(order);
+    const signal b(a.rbegin(), a.rend());
+    for (const size_t length : {1U, 63U, 200U, 1024U}) {
+      const signal x = noise(length, 1.0F, 1);
+      const signal y = noise(length, 1.0F, 2);
+      const filtered of_x = plain_filter(false, order, a, x);
+      const filtered of_y = plain_filter(false, order, b, y);
+      for (const lpc_vectors vectors : all_vectors()) {
+        signal modulator = x;
+        signal carrier = y;
+        const auto n = static_cast<int32_t>(length);
+        const lpc_levels levels =
+            lpc_cross(static_cast<int32_t>(order), n, modulator.data(), a.data(), carrier.data(), b.data(), vectors);
+        ASSERT_EQ(modulator, of_x.output) << order << ", " << length;
+        ASSERT_EQ(carrier, plain_filter(true, order, a, of_y.output).output) << order << ", " << length;
+        EXPECT_EQ(levels.modulator, static_cast<float>(std::sqrt(of_x.sum_of_squares) / n));
+        EXPECT_EQ(levels.carrier, static_cast<float>(std::sqrt(of_y.sum_of_squares) / n));
+      }
     }
   }
 }

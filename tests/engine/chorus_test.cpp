@@ -60,11 +60,16 @@ TEST(DistanceDelay, ComesInOtherSizesAndPassesSamplesUnchangedWithoutStorage) {
 
   const waveform in = noise(100, 1.0F);
   const std::vector<double> positions(in.size(), 0.5);
+  waveform delays(in.size(), 1.0F), other_delays(in.size());
+  distance_delay ready = fresh_delay(0.2F);
   const auto expect_passed = [&](distance_delay* delay) {
     waveform samples = in;
     distance_delay_set(0.2F, true, delay);
     distance_delay_process(samples.data(), samples.data(), 100, delay);
-    distance_delay_follow(positions.data(), samples.data(), 100, delay);
+    const float before = delay->delay;
+    distance_delay_glide(positions.data(), positions.data(), 100, delays.data(), other_delays.data(), delay, &ready);
+    distance_delay_run(delays.data(), 100, samples.data(), delay);
+    EXPECT_EQ(delay->delay, before);
     EXPECT_EQ(delay->ready, 0);
     EXPECT_EQ(samples, in);
   };

@@ -98,10 +98,11 @@ void step_plainly(float in_left, float in_right, float* out_left, float* out_rig
 }
 
 TEST(Reverb, EqualsTheLoopOverItsTapsBitForBitAtAnySize) {
-  // At 0 and 0.02 positions coincide or touch; at 0.05 and 0.06 they are about a group of samples apart. From a level
-  // of 0.5 on the reverb is at its loudest; below 0 and for NaN it is silent.
-  const std::pair<float, float> levels_and_sizes[] = {{0.3F, 0.0F},      {0.3F, 0.02F}, {0.49F, 0.05F}, {0.6F, 0.06F},
-                                                      {nan_value, 0.3F}, {0.0F, 0.5F},  {0.3F, 0.91F},  {1.0F, 1.0F}};
+  // Below 0.05 some positions are less than a group of samples apart. From a level of 0.5 on the reverb is at its
+  // loudest; below 0 and for NaN it is silent.
+  std::vector<std::pair<float, float>> levels_and_sizes = {{0.49F, 0.05F}, {0.6F, 0.06F}, {nan_value, 0.3F},
+                                                           {0.0F, 0.5F},   {0.3F, 0.91F}, {1.0F, 1.0F}};
+  for (int i = 0; i < 24; ++i) levels_and_sizes.emplace_back(0.3F, static_cast<float>(i) / 512.0F);
   for (const auto& [level, size] : levels_and_sizes) {
     const reverb_ptr fast = fresh_reverb(level, size);
     const reverb_ptr plain = fresh_reverb(level, size);
