@@ -151,37 +151,6 @@ TEST(Render, SyncRestartsOscillatorTwoBeforeItIsRead) {
   }
 }
 
-TEST(Render, VoicesSoundTheSameAloneAndInAGroup) {
-  constexpr int32_t length = 100;
-  for (const auto render : {render_sum, render_sum_sync, render_ring, render_ring_sync, render_sampled}) {
-    const auto state =
-        committed({{wsyn_param_sampled, render == render_sampled ? 1.0f : 0.0f}, {wsyn_param_drive, 0.3f}});
-    state->render = render;
-    for (int32_t count = 0; count <= wsyn_voice_group::lanes; ++count) {
-      std::array<voice_record, wsyn_voice_group::lanes> alone;
-      std::array<voice_record, wsyn_voice_group::lanes> together;
-      wsyn_voice_group group;
-      for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        alone[i].phase1 = together[i].phase1 = static_cast<float>(i) * 300.0f;
-        group.voices[i] = &together[i];
-        group.ratio1[i] = 9.7f + static_cast<float>(i);
-        group.ratio2[i] = 17.3f - static_cast<float>(i);
-      }
-      group.count = count;
-      std::array<float, length * wsyn_voice_group::lanes> samples;
-      wsyn_render_group(group, length, state.get(), samples.data());
-      for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        for (size_t t = 0; t < length; ++t) {
-          ASSERT_EQ(samples[t * wsyn_voice_group::lanes + i],
-                    render(group.ratio1[i], group.ratio2[i], &alone[i], state.get()));
-        }
-        EXPECT_EQ(together[i].phase1, alone[i].phase1);
-        EXPECT_EQ(together[i].phase2, alone[i].phase2);
-      }
-    }
-  }
-}
-
 TEST(Render, LoopsWrapAtTheirOwnLengthsAndNeverSync) {
   const auto state = committed({{wsyn_param_sampled, 1.0f}, {wsyn_param_sync, 1.0f}, {wsyn_param_wave_select2, 4.0f}});
   set_steps(3.0, 5.0, state);
