@@ -87,3 +87,15 @@ inline double2 widened(float2 value) {
 inline float2 narrowed(double2 value) {
   return __builtin_convertvector(value, float2);
 }
+
+// Whether a comparison holds in all lanes.
+inline bool all(int4 comparison) {
+  const auto halves = reinterpret_cast<long2>(comparison);
+  return (halves[0] & halves[1]) == -1;
+}
+
+// `sizes`, which aren't negative, with the signs of `signs`.
+inline float4 with_sign_of(float4 signs, float4 sizes) {
+  const int4 sign_bits = reinterpret_cast<int4>(signs) & INT32_MIN;
+  return reinterpret_cast<float4>(reinterpret_cast<int4>(sizes) | sign_bits);
+}

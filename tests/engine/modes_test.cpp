@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "engine/fast_atan2.h"
+#include "engine/fast_sine.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -140,6 +141,24 @@ TEST(FastAtan2, StaysWithinItsError) {
     const float found = fast_atan2(float4{1.0F, y, -2.0F, 0.0F}, float4{0.0F, x, -1.0F, 3.0F})[1];
     ASSERT_NEAR(found, std::atan2(double{y}, double{x}), 0.005);
   }
+}
+
+TEST(FastSine, StaysWithinItsErrorFromMinusFourToFour) {
+  double error = 0.0;
+  for (int i = -400000; i < 400000; i += 4) {
+    float4 angles{};
+    for (int lane = 0; lane < 4; ++lane) angles[lane] = 1e-5F * static_cast<float>(i + lane);
+    const auto [cosine, sine] = fast_cosine_and_sine(angles);
+    for (int lane = 0; lane < 4; ++lane) {
+      error = std::max(error, std::fabs(cosine[lane] - std::cos(double{angles[lane]})));
+      error = std::max(error, std::fabs(sine[lane] - std::sin(double{angles[lane]})));
+    }
+  }
+  EXPECT_LT(error, 2e-7);
+  const auto [cosine, sine] = fast_cosine_and_sine(float4{0.0F, 1.0F, 4.0F, std::nanf("")});
+  EXPECT_EQ(cosine[0], 1.0F);
+  EXPECT_EQ(sine[0], 0.0F);
+  EXPECT_TRUE(std::isnan(cosine[3]) && std::isnan(sine[3]));
 }
 
 }  // namespace
