@@ -93,9 +93,3 @@ inline bool all(int4 comparison) {
   const auto halves = reinterpret_cast<long2>(comparison);
   return (halves[0] & halves[1]) == -1;
 }
-
-// `sizes`, which aren't negative, with the signs of `signs`.
-inline float4 with_sign_of(float4 signs, float4 sizes) {
-  const int4 sign_bits = reinterpret_cast<int4>(signs) & INT32_MIN;
-  return reinterpret_cast<float4>(reinterpret_cast<int4>(sizes) | sign_bits);
-}

@@ -104,8 +104,8 @@ float4 numbers_from(int32_t k) {
   return float4{first, first + 1.0F, first + 2.0F, first + 3.0F};
 }
 
-// As `directions`, for bins whose squares may overflow or vanish. An infinite part counts as the largest number and a
-// zero as real, with its sign, as the four-quadrant arc tangent has it; a NaN stays one.
+// As `directions`, for bins whose squares may overflow or vanish. Infinite parts count as the largest number, as the
+// four-quadrant arc tangent has it; a zero has the phase 0, and a NaN stays one.
 bin_group directions_of_extremes(bin_group bins, float4 levels) {
   constexpr float largest = std::numeric_limits<float>::max();
   const float4 scale = levels < smallest_squarable  ? splat(0x1p80F)
@@ -117,8 +117,7 @@ bin_group directions_of_extremes(bin_group bins, float4 levels) {
   }
   levels = magnitudes(bins);
   const int4 zero = levels == 0.0F;
-  const float4 real = with_sign_of(bins.re, splat(1.0F));
-  return {zero ? real : bins.re / levels, zero ? float4{} : bins.im / levels};
+  return {zero ? splat(1.0F) : bins.re / levels, zero ? float4{} : bins.im / levels};
 }
 
 // Cosine and sine of the bins' phases, as bins of magnitude 1. That needs no angle: an arc tangent and the way back

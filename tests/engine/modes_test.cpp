@@ -5,6 +5,7 @@
 
 #include "engine/fast_atan2.h"
 #include "engine/fast_sine.h"
+#include "engine/transform_modes.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -129,6 +130,32 @@ TEST(Modes, OnSamplesLeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
     }
     EXPECT_EQ(state->wavelet_level_avg[0], 0.0F) << mode;
   }
+}
+
+// A frozen envelope of 1 at the phases of bins that a sound hardly has.
+TEST(Modes, KeepThePhaseOfBinsOfAnySize) {
+  const float inf = std::numeric_limits<float>::infinity();
+  const std::pair<float, float> bins[] = {{0.0F, 0.0F},     {-inf, 3.0F},     {inf, -inf},       {2e38F, 1e38F},
+                                          {-3e16F, 1e-3F},  {1e-20F, 2e-20F}, {1e-37F, -1e-37F}, {0.0F, -4e-16F},
+                                          {-3e38F, -3e38F}, {3.0F, -4.0F},    {-1e-16F, 0.0F},   {5e14F, 0.0F}};
+  const auto state = std::make_unique<voco_state>();
+  state->freeze_on = 1;
+  state->target_env.fill(1.0F);
+  size_t at = 0;
+  for (const auto& [re, im] : bins) {
+    state->carrier_spectrum[at++] = re;
+    state->carrier_spectrum[at++] = im;
+  }
+  state->carrier_spectrum[at] = std::nanf("");
+  transform_carrier_phase(state.get());
+  const float* found = state->carrier_spectrum.data();
+  for (const auto& [re, im] : bins) {
+    const double phase = std::atan2(double{im}, double{re});
+    EXPECT_NEAR(*found++, 4.0 * std::cos(phase), 1e-6) << re << ", " << im;
+    EXPECT_NEAR(*found++, 4.0 * std::sin(phase), 1e-6) << re << ", " << im;
+  }
+  EXPECT_TRUE(std::isnan(found[0]));
+  EXPECT_EQ(found[2], 4.0F);  // a zero among others
 }
 
 // A judge of the modes has the same formula; this is its claim.
