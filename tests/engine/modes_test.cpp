@@ -136,7 +136,7 @@ TEST(Modes, OnSamplesLeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
 TEST(Modes, KeepThePhaseOfBinsOfAnySize) {
   const float inf = std::numeric_limits<float>::infinity();
   const std::pair<float, float> bins[] = {{0.0F, 0.0F},     {-inf, 3.0F},     {inf, -inf},       {2e38F, 1e38F},
-                                          {-3e16F, 1e-3F},  {1e-20F, 2e-20F}, {1e-37F, -1e-37F}, {0.0F, -4e-16F},
+                                          {-3e16F, 1e-3F},  {1e-21F, 2e-21F}, {1e-37F, -1e-37F}, {0.0F, -4e-16F},
                                           {-3e38F, -3e38F}, {3.0F, -4.0F},    {-1e-16F, 0.0F},   {5e14F, 0.0F}};
   const auto state = std::make_unique<voco_state>();
   state->freeze_on = 1;
