@@ -93,3 +93,6 @@ inline bool all(int4 comparison) {
   const auto halves = reinterpret_cast<long2>(comparison);
   return (halves[0] & halves[1]) == -1;
 }
+
+// Eight lanes, for functions with vectors of 256 bits; see dsp/processor.h.
+using float8 = float __attribute__((vector_size(32)));
