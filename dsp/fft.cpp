@@ -9,6 +9,7 @@
 
 #include "dsp/convert.h"
 #include "dsp/lanes.h"
+#include "dsp/processor.h"
 
 // Decimation in time: the samples are permuted into bit-reversed order, then stages of growing span combine them. With
 // M = log2(N), the permutation does the first radix-2 stage, radix-8 stages do the last 3 * ((M - 1) / 3), and what is
@@ -132,25 +133,43 @@ void radix4_stage(int32_t size, float* data) {
 
 // --- Radix-8 stages ---
 
-// Four points apart: one from each of four columns of butterflies.
+// Written for four columns of butterflies at a time and for eight. No vector of eight is passed or returned by value,
+// as functions for every processor have no way to do so.
+
+// Points apart: one from each column.
+template <typename Vector>
 struct points {
-  float4 re;
-  float4 im;
+  Vector re;
+  Vector im;
 };
 
-// Twiddles of four columns, as cosine and sine of angles from 0 to pi.
+// Twiddles of the columns, as cosine and sine of angles from 0 to pi.
+template <typename Vector>
 struct twiddle {
-  float4 cosine;
-  float4 sine;
+  Vector cosine{};
+  Vector sine{};
 };
+
+template <typename Vector>
+constexpr size_t width_of = sizeof(Vector) / sizeof(float);
+
+// Which column each lane has. Eight are in the order in which two vectors of neighbouring points separate into real and
+// imaginary parts without an exchange of halves.
+constexpr std::array<int32_t, 4> lane_columns(const float4* /*width*/) {
+  return {0, 1, 2, 3};
+}
+constexpr std::array<int32_t, 8> lane_columns(const float8* /*width*/) {
+  return {0, 1, 4, 5, 2, 3, 6, 7};
+}
 
 // Turned by another quarter.
-twiddle quarter_turned(const twiddle& w) {
-  return {-w.sine, w.cosine};
+template <typename Vector>
+KESREL_INLINE void quarter_turn(const twiddle<Vector>& w, twiddle<Vector>* turned) {
+  *turned = {-w.sine, w.cosine};
 }
 
 // Cosine and sine of 2 pi `index` / size for `index` from 0 to size / 2, from the quarter wave alone.
-std::pair<float, float> cosine_and_sine(int32_t index, int32_t size, const float* table) {
+KESREL_INLINE std::pair<float, float> cosine_and_sine(int32_t index, int32_t size, const float* table) {
   const int32_t quarter = size / 4;
   const float cosine = index <= quarter ? table[index] : -table[2 * quarter - index];
   return {cosine, table[std::abs(quarter - index)]};
@@ -158,58 +177,70 @@ std::pair<float, float> cosine_and_sine(int32_t index, int32_t size, const float
 
 // The columns of one pass, by the table index of their angle. Evenly spaced columns that stay within one quarter at
 // every span have plain runs of the table for cosines and sines.
+template <typename Vector>
 struct column_index {
-  std::array<int32_t, 4> index;
+  std::array<int32_t, width_of<Vector>> index;
   bool evenly_spaced;
 };
 
-float4 load_run(const float* first, int32_t step) {
-  return float4{first[0], first[step], first[2 * step], first[3 * step]};
+template <typename Vector>
+KESREL_INLINE void load_run(const float* first, int32_t step, Vector* run) {
+  constexpr auto columns = lane_columns(static_cast<const Vector*>(nullptr));
+  for (size_t lane = 0; lane < columns.size(); ++lane) (*run)[lane] = first[step * columns[lane]];
 }
 
-twiddle load_twiddle_run(int32_t first, int32_t step, int32_t size, const float* table) {
+template <typename Vector>
+KESREL_INLINE void load_twiddle_run(int32_t first, int32_t step, int32_t size, const float* table, twiddle<Vector>* w) {
   const int32_t quarter = size / 4;
-  if (first < quarter) return {load_run(table + first, step), load_run(table + quarter - first, -step)};
-  return {-load_run(table + 2 * quarter - first, -step), load_run(table + first - quarter, step)};
+  if (first < quarter) {
+    load_run(table + first, step, &w->cosine);
+    load_run(table + quarter - first, -step, &w->sine);
+  } else {
+    load_run(table + 2 * quarter - first, -step, &w->cosine);
+    w->cosine = -w->cosine;
+    load_run(table + first - quarter, step, &w->sine);
+  }
 }
 
-twiddle load_twiddle(const column_index& columns, int32_t factor, int32_t offset, int32_t size, const float* table) {
+template <typename Vector>
+KESREL_INLINE void load_twiddle(const column_index<Vector>& columns, int32_t factor, int32_t offset, int32_t size,
+                                const float* table, twiddle<Vector>* w) {
   const auto& index = columns.index;
   if (columns.evenly_spaced) {
-    return load_twiddle_run(factor * index[0] + offset, factor * (index[1] - index[0]), size, table);
+    load_twiddle_run(factor * index[0] + offset, factor * (index[1] - index[0]), size, table, w);
+    return;
   }
-  twiddle w;
-  for (int lane = 0; lane < 4; ++lane) {
-    const auto [cosine, sine] = cosine_and_sine(factor * index[static_cast<size_t>(lane)] + offset, size, table);
-    w.cosine[lane] = cosine;
-    w.sine[lane] = sine;
+  for (size_t lane = 0; lane < index.size(); ++lane) {
+    const auto [cosine, sine] = cosine_and_sine(factor * index[lane] + offset, size, table);
+    w->cosine[lane] = cosine;
+    w->sine[lane] = sine;
   }
-  return w;
 }
 
 // Twiddles of the three spans that a radix-8 butterfly joins: L, 2L and 4L, each with angle proportional to the column.
+template <typename Vector>
 struct twiddle_set {
-  twiddle span1;
-  twiddle span2, span2_quarter;
-  twiddle span4, span4_eighth, span4_quarter, span4_three_eighths;
+  twiddle<Vector> span1;
+  twiddle<Vector> span2, span2_quarter;
+  twiddle<Vector> span4, span4_eighth, span4_quarter, span4_three_eighths;
 };
 
-twiddle_set load_twiddles(const column_index& columns, int32_t size, const float* table) {
-  twiddle_set w;
-  w.span1 = load_twiddle(columns, 4, 0, size, table);
-  w.span2 = load_twiddle(columns, 2, 0, size, table);
-  w.span2_quarter = quarter_turned(w.span2);
-  w.span4 = load_twiddle(columns, 1, 0, size, table);
-  w.span4_eighth = load_twiddle(columns, 1, size / 8, size, table);
-  w.span4_quarter = quarter_turned(w.span4);
-  w.span4_three_eighths = quarter_turned(w.span4_eighth);
-  return w;
+template <typename Vector>
+KESREL_INLINE void load_twiddles(const column_index<Vector>& columns, int32_t size, const float* table,
+                                 twiddle_set<Vector>* w) {
+  load_twiddle(columns, 4, 0, size, table, &w->span1);
+  load_twiddle(columns, 2, 0, size, table, &w->span2);
+  load_twiddle(columns, 1, 0, size, table, &w->span4);
+  load_twiddle(columns, 1, size / 8, size, table, &w->span4_eighth);
+  quarter_turn(w->span2, &w->span2_quarter);
+  quarter_turn(w->span4, &w->span4_quarter);
+  quarter_turn(w->span4_eighth, &w->span4_three_eighths);
 }
 
 // (a, b) becomes (a + w b, a - w b). The sum is taken as 2a less the difference, which needs w b no second time.
-template <int direction>
-inline void butterfly(const twiddle& w, points& a, points& b) {
-  points turned;
+template <int direction, typename Vector>
+KESREL_INLINE void butterfly(const twiddle<Vector>& w, points<Vector>& a, points<Vector>& b) {
+  points<Vector> turned;
   if constexpr (direction == forward) {
     turned.re = b.re * w.cosine + b.im * w.sine;
     turned.im = b.im * w.cosine - b.re * w.sine;
@@ -217,14 +248,14 @@ inline void butterfly(const twiddle& w, points& a, points& b) {
     turned.re = b.re * w.cosine - b.im * w.sine;
     turned.im = b.im * w.cosine + b.re * w.sine;
   }
-  const points difference = {a.re - turned.re, a.im - turned.im};
+  const points<Vector> difference = {a.re - turned.re, a.im - turned.im};
   a.re = 2.0F * a.re - difference.re;
   a.im = 2.0F * a.im - difference.im;
   b = difference;
 }
 
-template <int direction>
-inline void radix8_butterfly(const twiddle_set& w, std::array<points, 8>& x) {
+template <int direction, typename Vector>
+KESREL_INLINE void radix8_butterfly(const twiddle_set<Vector>& w, std::array<points<Vector>, 8>& x) {
   butterfly<direction>(w.span1, x[0], x[1]);
   butterfly<direction>(w.span1, x[2], x[3]);
   butterfly<direction>(w.span1, x[4], x[5]);
@@ -241,54 +272,80 @@ inline void radix8_butterfly(const twiddle_set& w, std::array<points, 8>& x) {
   butterfly<direction>(w.span4_three_eighths, x[3], x[7]);
 }
 
-// Places of the four columns of one pass. From span 4 on they are neighbours in one block. Span 2 has two columns only,
-// so two blocks go together; in a signal of a single block (16 points) that block is used twice.
-struct column_layout {
-  std::array<int32_t, 4> columns;  // relative to the pass's first column
-  int32_t second_pair;             // floats from the first two columns to the other two
-  int32_t block_step;              // points from pass to pass
-};
-
-column_layout layout_of(int32_t span, int32_t size) {
-  const int32_t block = 8 * span;
-  if (span > 2) return {{0, 1, 2, 3}, 4, block};
-  if (size == block) return {{0, 1, 0, 1}, 0, block};
-  return {{0, 1, 0, 1}, 2 * block, 2 * block};
+// Pairs of columns, `step` floats from one to the next.
+KESREL_INLINE void load_points(const float* first, int32_t step, points<float4>* x) {
+  const float4 a = load4(first);
+  const float4 b = load4(first + step);
+  *x = {__builtin_shufflevector(a, b, 0, 2, 4, 6), __builtin_shufflevector(a, b, 1, 3, 5, 7)};
+}
+KESREL_INLINE void load_points(const float* first, int32_t step, points<float8>* x) {
+  const float8 a = __builtin_shufflevector(load4(first), load4(first + step), 0, 1, 2, 3, 4, 5, 6, 7);
+  const float8 b = __builtin_shufflevector(load4(first + 2 * step), load4(first + 3 * step), 0, 1, 2, 3, 4, 5, 6, 7);
+  x->re = __builtin_shufflevector(a, b, 0, 2, 8, 10, 4, 6, 12, 14);
+  x->im = __builtin_shufflevector(a, b, 1, 3, 9, 11, 5, 7, 13, 15);
 }
 
-template <int direction>
-void radix8_pass(const twiddle_set& w, int32_t span, int32_t second_pair, float* first) {
-  std::array<points, 8> x;
-  for (int32_t p = 0; p < 8; ++p) {
-    const float4 a = load4(first + 2 * span * p);
-    const float4 b = load4(first + 2 * span * p + second_pair);
-    x[static_cast<size_t>(p)] = {__builtin_shufflevector(a, b, 0, 2, 4, 6), __builtin_shufflevector(a, b, 1, 3, 5, 7)};
-  }
+KESREL_INLINE void store_points(const points<float4>& x, int32_t step, float* first) {
+  store4(__builtin_shufflevector(x.re, x.im, 0, 4, 1, 5), first);
+  store4(__builtin_shufflevector(x.re, x.im, 2, 6, 3, 7), first + step);
+}
+KESREL_INLINE void store_points(const points<float8>& x, int32_t step, float* first) {
+  const float8 a = __builtin_shufflevector(x.re, x.im, 0, 8, 1, 9, 4, 12, 5, 13);
+  const float8 b = __builtin_shufflevector(x.re, x.im, 2, 10, 3, 11, 6, 14, 7, 15);
+  store4(__builtin_shufflevector(a, a, 0, 1, 2, 3), first);
+  store4(__builtin_shufflevector(a, a, 4, 5, 6, 7), first + step);
+  store4(__builtin_shufflevector(b, b, 0, 1, 2, 3), first + 2 * step);
+  store4(__builtin_shufflevector(b, b, 4, 5, 6, 7), first + 3 * step);
+}
+
+template <int direction, typename Vector>
+KESREL_INLINE void radix8_pass(const twiddle_set<Vector>& w, int32_t span, int32_t pair_step, float* first) {
+  std::array<points<Vector>, 8> x;
+  for (int32_t p = 0; p < 8; ++p) load_points(first + 2 * span * p, pair_step, &x[static_cast<size_t>(p)]);
   radix8_butterfly<direction>(w, x);
-  for (int32_t p = 0; p < 8; ++p) {
-    const auto& [re, im] = x[static_cast<size_t>(p)];
-    store4(__builtin_shufflevector(re, im, 0, 4, 1, 5), first + 2 * span * p);
-    store4(__builtin_shufflevector(re, im, 2, 6, 3, 7), first + 2 * span * p + second_pair);
-  }
+  for (int32_t p = 0; p < 8; ++p) store_points(x[static_cast<size_t>(p)], pair_step, first + 2 * span * p);
 }
 
-// Joins eight transforms of `span` points each into one of 8 * span, throughout the signal.
-template <int direction>
-void radix8_stage(int32_t span, int32_t size, const float* table, float* data) {
-  const column_layout layout = layout_of(span, size);
-  const int32_t stride = size / (8 * span);
-  for (int32_t column = 0; column < span; column += 4) {
-    column_index columns{{}, span >= 8};
-    for (size_t lane = 0; lane < 4; ++lane) columns.index[lane] = (column + layout.columns[lane]) * stride;
-    const twiddle_set w = load_twiddles(columns, size, table);
-    for (int32_t block = 0; block < size; block += layout.block_step) {
-      radix8_pass<direction>(w, span, layout.second_pair, data + 2 * (block + column));
+// Joins eight transforms of `span` points each into one of 8 * span, throughout the signal. From span 4 on the columns
+// of a pass are neighbours in one block. Span 2 has two columns only, so several blocks go together; in a signal of a
+// single block (16 points) that block is used twice.
+template <int direction, typename Vector>
+KESREL_INLINE void radix8_stage(int32_t span, int32_t size, const float* table, float* data) {
+  constexpr auto width = static_cast<int32_t>(width_of<Vector>);
+  constexpr auto lane_column = lane_columns(static_cast<const Vector*>(nullptr));
+  const int32_t block_size = 8 * span;
+  const int32_t stride = size / block_size;
+  const int32_t pair_step = span > 2 ? 4 : size == block_size ? 0 : 2 * block_size;
+  const int32_t block_step = span > 2 ? block_size : width / 2 * block_size;
+  for (int32_t column = 0; column < span; column += width) {
+    column_index<Vector> columns{{}, span > width};
+    for (size_t lane = 0; lane < lane_column.size(); ++lane) {
+      columns.index[lane] = (column + lane_column[lane] % span) * stride;
+    }
+    twiddle_set<Vector> w;
+    load_twiddles(columns, size, table, &w);
+    for (int32_t block = 0; block < size; block += block_step) {
+      radix8_pass<direction>(w, span, pair_step, data + 2 * (block + column));
     }
   }
 }
 
 template <int direction>
-void transform(float* data, int32_t log2_size, const float* table) {
+void radix8_stage_of_4(int32_t span, int32_t size, const float* table, float* data) {
+  radix8_stage<direction, float4>(span, size, table, data);
+}
+template <int direction>
+KESREL_AVX2 void radix8_stage_of_8(int32_t span, int32_t size, const float* table, float* data) {
+  radix8_stage<direction, float8>(span, size, table, data);
+}
+
+// Whether a stage has eight columns, and all within one quarter at every span; or blocks that make up for it.
+bool has_eight_columns(int32_t span, int32_t size) {
+  return span >= 16 || (span == 2 && size >= 64);
+}
+
+template <int direction>
+void transform(bool avx2, float* data, int32_t log2_size, const float* table) {
   const int32_t size = 1 << log2_size;
   const int32_t radix8_stages = (log2_size - 1) / 3;
   const int32_t remainder = (log2_size - 1) % 3;
@@ -296,7 +353,13 @@ void transform(float* data, int32_t log2_size, const float* table) {
   if (remainder == 1) radix2_stage<direction>(size, data);
   if (remainder == 2) radix4_stage<direction>(size, data);
   int32_t span = 2 << remainder;
-  for (int32_t stage = 0; stage < radix8_stages; ++stage, span *= 8) radix8_stage<direction>(span, size, table, data);
+  for (int32_t stage = 0; stage < radix8_stages; ++stage, span *= 8) {
+    if (avx2 && has_eight_columns(span, size)) {
+      radix8_stage_of_8<direction>(span, size, table, data);
+    } else {
+      radix8_stage_of_4<direction>(span, size, table, data);
+    }
+  }
 }
 
 }  // namespace
@@ -313,9 +376,17 @@ int32_t fft_cos_table_init(int32_t* log2_size, int32_t size, float* table) {
 }
 
 void fft_forward(float* data, int32_t log2_size, const float* table) {
-  transform<forward>(data, log2_size, table);
+  fft_forward_with(processor_has_avx2(), data, log2_size, table);
 }
 
 void fft_inverse(float* data, int32_t log2_size, const float* table) {
-  transform<inverse>(data, log2_size, table);
+  fft_inverse_with(processor_has_avx2(), data, log2_size, table);
+}
+
+void fft_forward_with(bool avx2, float* data, int32_t log2_size, const float* table) {
+  transform<forward>(avx2, data, log2_size, table);
+}
+
+void fft_inverse_with(bool avx2, float* data, int32_t log2_size, const float* table) {
+  transform<inverse>(avx2, data, log2_size, table);
 }

@@ -24,3 +24,8 @@ void fft_forward(float* data, int32_t log2_size, const float* table);
 
 // Transforms `data` in place: x[n] = 1/N times the sum over k of X[k] e^(+2 pi i n k / N). Undoes fft_forward.
 void fft_inverse(float* data, int32_t log2_size, const float* table);
+
+// The same with the instructions for every processor, or with those of AVX2, which the processor has to have. Both give
+// the same bits.
+void fft_forward_with(bool avx2, float* data, int32_t log2_size, const float* table);
+void fft_inverse_with(bool avx2, float* data, int32_t log2_size, const float* table);

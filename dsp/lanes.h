@@ -87,3 +87,12 @@ inline double2 widened(float2 value) {
 inline float2 narrowed(double2 value) {
   return __builtin_convertvector(value, float2);
 }
+
+// Whether a comparison holds in all lanes.
+inline bool all(int4 comparison) {
+  const auto halves = reinterpret_cast<long2>(comparison);
+  return (halves[0] & halves[1]) == -1;
+}
+
+// Eight lanes, for functions with vectors of 256 bits; see dsp/processor.h.
+using float8 = float __attribute__((vector_size(32)));

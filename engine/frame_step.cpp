@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dsp/convert.h"
+#include "dsp/lanes.h"
 #include "dsp/noise.h"
 #include "dsp/oscillators.h"
 #include "engine/modes.h"
@@ -23,9 +23,12 @@ void advance_outputs(voco_state* state) {
 
 // Scales a frame hotter than full scale down to full scale, and windows it.
 void normalise(const voco_state::frame& frame, const voco_state::frame& window, voco_state::frame* result) {
-  float peak = 1.0F;
-  for (const float sample : frame) peak = std::max(peak, std::fabs(sample));
-  const float scale = 1.0F / peak;
+  float4 peaks = splat(1.0F);
+  for (size_t i = 0; i < frame_size; i += 4) {
+    const float4 level = magnitude(load4(&frame[i]));
+    peaks = level > peaks ? level : peaks;
+  }
+  const float scale = 1.0F / std::max(std::max(peaks[0], peaks[1]), std::max(peaks[2], peaks[3]));
   for (size_t i = 0; i < frame.size(); ++i) (*result)[i] = scale * frame[i] * window[i];
 }
 
@@ -34,27 +37,34 @@ struct frame_measure {
   int32_t crossings = 0;
 };
 
-// Sums the modulator's magnitude and counts its changes of sign. The first sample always counts; so does each change
-// to or from an exact zero, as its 0 / 0 converts to a third value besides 1 and -1.
-frame_measure measure(const voco_state::frame& modulator) {
+// Sums the modulator's magnitude and counts its changes of sign, where zero has a sign of its own. The first sample
+// always counts. On the way both signals are windowed as the two parts of one complex frame, so that one transform
+// serves both: the sum, whose additions wait for each other, takes as long without that.
+frame_measure measure_and_window(voco_state* state) {
   frame_measure result;
-  int32_t last_sign = 0;
-  for (const float x : modulator) {
-    const float level = std::fabs(x);
-    result.level_sum += level;
-    const int32_t sign = truncate_to_int32(x / level);
-    if (sign != last_sign) ++result.crossings;
-    last_sign = sign;
-  }
-  return result;
-}
+  int4 last_positive = {-1, -1, -1, -1};  // together a sign that no sample has
+  int4 last_negative = {-1, -1, -1, -1};
+  int4 crossings{};
+  for (size_t i = 0; i < frame_size; i += 4) {
+    const float4 modulator = load4(&state->modulator_frame[i]);
+    const float4 level = magnitude(modulator);
+    for (int lane = 0; lane < 4; ++lane) result.level_sum += level[lane];
 
-// Modulator and carrier as the two parts of one complex frame, so that one transform serves both.
-void window_complex_frame(voco_state* state) {
-  for (size_t i = 0; i < frame_size; ++i) {
-    state->complex_frame[2 * i] = state->modulator_frame[i] * state->hann_window[i];
-    state->complex_frame[2 * i + 1] = state->carrier_frame[i] * state->hann_window[i];
+    const int4 positive = modulator > 0.0F;
+    const int4 negative = modulator < 0.0F;
+    crossings += ((positive ^ __builtin_shufflevector(last_positive, positive, 3, 4, 5, 6)) |
+                  (negative ^ __builtin_shufflevector(last_negative, negative, 3, 4, 5, 6)));
+    last_positive = positive;
+    last_negative = negative;
+
+    const float4 window = load4(&state->hann_window[i]);
+    const float4 re = modulator * window;
+    const float4 im = load4(&state->carrier_frame[i]) * window;
+    store4(__builtin_shufflevector(re, im, 0, 4, 1, 5), &state->complex_frame[2 * i]);
+    store4(__builtin_shufflevector(re, im, 2, 6, 3, 7), &state->complex_frame[2 * i + 4]);
   }
+  result.crossings = -(crossings[0] + crossings[1] + crossings[2] + crossings[3]);
+  return result;
 }
 
 void shift_frames(voco_state* state) {
@@ -78,14 +88,15 @@ void voco_frame_step(voco_state* state) {
   state->noise_draw_b = noise_rand() * 3.051851e-05;
   state->frame_pos = frame_hop;
   advance_outputs(state);
-  normalise(state->modulator_frame, state->welch_window, &state->time_modulator);
-  normalise(state->carrier_frame, state->welch_window, &state->time_carrier);
-  const frame_measure modulator = measure(state->modulator_frame);
-  window_complex_frame(state);
+  const vocoder_algorithm& algorithm = vocoder_algorithm_of(state->mode);
+  if (algorithm.domain == vocoder_domain::samples) {
+    normalise(state->modulator_frame, state->welch_window, &state->time_modulator);
+    normalise(state->carrier_frame, state->welch_window, &state->time_carrier);
+  }
+  const frame_measure modulator = measure_and_window(state);
   shift_frames(state);
   wsyn_modulate_pitch(modulator.level_sum * 0.0078125F, modulator.crossings, &state->synth);
 
-  const vocoder_algorithm& algorithm = vocoder_algorithm_of(state->mode);
   const voco_state::frame& window = state->*algorithm.window;
   if (algorithm.domain == vocoder_domain::bins) {
     transform_analyse(state);

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 #include "dsp/lanes.h"
+#include "dsp/processor.h"
 #include "engine/bad_samples.h"
 
 namespace {
@@ -33,89 +35,137 @@ constexpr std::array<curve_point, eq_bands> target_curve = {{
 
 constexpr float curve_q = 1.0F;
 
-// All twenty sections run side by side, one per lane, with lane 2 * band + channel. At step s band j works on sample
-// s - j, so that the output of a band in one step is the input of the next band in the next. Each section sees its
-// samples in their order, and the processor sees twenty independent filters.
+// All twenty sections run side by side, one per lane, with lane 2 * band + channel. With a delay of one step from band
+// to band, band j works on sample s - j in step s, so that the output of a band is the input of the next band in the
+// next step. Each section sees its samples in their order, and the processor sees twenty independent filters. With a
+// delay of two steps it needn't wait for an output to become an input; that pays where the lanes are wide, and costs
+// more steps at a block's ends.
 constexpr int32_t lane_count = eq_bands * eq_channels;
-constexpr size_t lane_vectors = lane_count / 4;
+constexpr size_t last_lane = lane_count - 2;  // of the last band's left section; right follows
 
-using lanes = std::array<float4, lane_vectors>;
+template <typename Vector>
+constexpr size_t width_of = sizeof(Vector) / sizeof(float);
 
+// Lanes beyond the last section stay silent.
+template <typename Vector>
+using lanes = std::array<Vector, (lane_count + width_of<Vector> - 1) / width_of<Vector>>;
+
+// What the sections remember is in two places that swap their parts with each step.
+template <typename Vector>
+struct section_memory {
+  lanes<Vector> x{}, y{};
+};
+
+template <typename Vector>
 struct section_lanes {
-  lanes b0{}, b1{}, b2{}, a1{}, a2{}, gain{};
-  lanes x1{}, x2{}, y1{}, y2{};
-  lanes output{};  // of the last step
+  lanes<Vector> b0{}, b1{}, b2{}, a1{}, a2{}, gain{};
+  section_memory<Vector> last, older;
 };
 
 eq_section& section_of(size_t lane, output_equaliser* equaliser) {
   return lane % eq_channels == 0 ? equaliser->left[lane / eq_channels] : equaliser->right[lane / eq_channels];
 }
 
-section_lanes load(output_equaliser* equaliser) {
-  section_lanes lane;
+template <typename Vector>
+KESREL_INLINE void load_sections(output_equaliser* equaliser, section_lanes<Vector>* lane) {
+  lanes<Vector> a0;
+  for (Vector& divisors : a0) divisors = Vector{} + 1.0F;
   for (size_t l = 0; l < lane_count; ++l) {
     const eq_section& section = section_of(l, equaliser);
-    const size_t v = l / 4;
-    const size_t i = l % 4;
-    lane.b0[v][i] = section.b0 / section.a0;
-    lane.b1[v][i] = section.b1 / section.a0;
-    lane.b2[v][i] = section.b2 / section.a0;
-    lane.a1[v][i] = section.a1 / section.a0;
-    lane.a2[v][i] = section.a2 / section.a0;
-    lane.gain[v][i] = section.gain;
-    lane.x1[v][i] = section.x1;
-    lane.x2[v][i] = section.x2;
-    lane.y1[v][i] = section.y1;
-    lane.y2[v][i] = section.y2;
+    const size_t v = l / width_of<Vector>;
+    const size_t i = l % width_of<Vector>;
+    lane->b0[v][i] = section.b0;
+    lane->b1[v][i] = section.b1;
+    lane->b2[v][i] = section.b2;
+    a0[v][i] = section.a0;
+    lane->a1[v][i] = section.a1;
+    lane->a2[v][i] = section.a2;
+    lane->gain[v][i] = section.gain;
+    lane->last.x[v][i] = section.x1;
+    lane->older.x[v][i] = section.x2;
+    lane->last.y[v][i] = section.y1;
+    lane->older.y[v][i] = section.y2;
   }
-  return lane;
+  for (lanes<Vector>* const coefficients : {&lane->b0, &lane->b1, &lane->b2, &lane->a1, &lane->a2}) {
+    for (size_t v = 0; v < a0.size(); ++v) (*coefficients)[v] /= a0[v];
+  }
 }
 
-void store_memory(const section_lanes& lane, output_equaliser* equaliser) {
+template <typename Vector>
+KESREL_INLINE void store_memory(const section_lanes<Vector>& lane, output_equaliser* equaliser) {
   for (size_t l = 0; l < lane_count; ++l) {
     eq_section& section = section_of(l, equaliser);
-    section.x1 = lane.x1[l / 4][l % 4];
-    section.x2 = lane.x2[l / 4][l % 4];
-    section.y1 = lane.y1[l / 4][l % 4];
-    section.y2 = lane.y2[l / 4][l % 4];
+    const size_t v = l / width_of<Vector>;
+    const size_t i = l % width_of<Vector>;
+    section.x1 = lane.last.x[v][i];
+    section.x2 = lane.older.x[v][i];
+    section.y1 = lane.last.y[v][i];
+    section.y2 = lane.older.y[v][i];
   }
 }
 
 // The next input of every lane: new samples for the first band, for the others the output of the band before.
-inline lanes next_inputs(float left, float right, const lanes& output) {
-  lanes x;
-  x[0] = __builtin_shufflevector(float4{left, right, 0.0F, 0.0F}, output[0], 0, 1, 4, 5);
-  for (size_t v = 1; v < lane_vectors; ++v) x[v] = __builtin_shufflevector(output[v - 1], output[v], 2, 3, 4, 5);
-  return x;
+KESREL_INLINE void next_inputs(float left, float right, const lanes<float4>& output, lanes<float4>* x) {
+  (*x)[0] = __builtin_shufflevector(float4{left, right, 0.0F, 0.0F}, output[0], 0, 1, 4, 5);
+  for (size_t v = 1; v < x->size(); ++v) (*x)[v] = __builtin_shufflevector(output[v - 1], output[v], 2, 3, 4, 5);
 }
-
-// One step of all lanes. The oldest input and output make room for the newest.
-inline void step(float left, float right, const lanes& x1, lanes* x2, const lanes& y1, lanes* y2, section_lanes* lane) {
-  const lanes x = next_inputs(left, right, lane->output);
-  for (size_t v = 0; v < lane_vectors; ++v) {
-    const float4 y = lane->b0[v] * x[v] + lane->b1[v] * x1[v] + lane->b2[v] * (*x2)[v] - lane->a1[v] * y1[v] -
-                     lane->a2[v] * (*y2)[v];
-    (*x2)[v] = x[v];
-    (*y2)[v] = y;
-    lane->output[v] = y * lane->gain[v];
+KESREL_INLINE void next_inputs(float left, float right, const lanes<float8>& output, lanes<float8>* x) {
+  const float8 first = {left, right, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F};
+  (*x)[0] = __builtin_shufflevector(first, output[0], 0, 1, 8, 9, 10, 11, 12, 13);
+  for (size_t v = 1; v < x->size(); ++v) {
+    (*x)[v] = __builtin_shufflevector(output[v - 1], output[v], 6, 7, 8, 9, 10, 11, 12, 13);
   }
 }
 
-// One step in which only the bands from `first` to `last` have a sample; the others' memory stays.
-void step_of_bands(float left, float right, int32_t first, int32_t last, section_lanes* lane) {
-  const lanes x1 = lane->x1;
-  const lanes x2 = lane->x2;
-  const lanes y1 = lane->y1;
-  const lanes y2 = lane->y2;
-  step(left, right, x1, &lane->x2, y1, &lane->y2, lane);
-  for (size_t v = 0; v < lane_vectors; ++v) {
-    const auto band = static_cast<int32_t>(v * 4 / eq_channels);
-    const int4 bands = {band, band, band + 1, band + 1};
-    const int4 working = (bands >= first) & (bands <= last);
-    lane->x1[v] = working ? lane->x2[v] : x1[v];
-    lane->y1[v] = working ? lane->y2[v] : y1[v];
-    lane->x2[v] = working ? x1[v] : x2[v];
-    lane->y2[v] = working ? y1[v] : y2[v];
+template <typename Vector>
+KESREL_INLINE void amplify(const lanes<Vector>& y, const lanes<Vector>& gain, lanes<Vector>* output) {
+  for (size_t v = 0; v < y.size(); ++v) (*output)[v] = y[v] * gain[v];
+}
+
+// One step of all lanes, after which what is older in the memory is newest.
+//   output   of the step whose results are the inputs
+template <typename Vector>
+KESREL_INLINE void step(float left, float right, const lanes<Vector>& output, const section_memory<Vector>& last,
+                        section_memory<Vector>* older, const section_lanes<Vector>& lane) {
+  lanes<Vector> x;
+  next_inputs(left, right, output, &x);
+  for (size_t v = 0; v < x.size(); ++v) {
+    const Vector y = lane.b0[v] * x[v] + lane.b1[v] * last.x[v] + lane.b2[v] * older->x[v] - lane.a1[v] * last.y[v] -
+                     lane.a2[v] * older->y[v];
+    older->x[v] = x[v];
+    older->y[v] = y;
+  }
+}
+
+// [i] is the band of lane i.
+template <typename Vector>
+constexpr auto bands_of_lanes = [] {
+  std::array<int32_t, lanes<Vector>{}.size() * width_of<Vector>> bands{};
+  for (size_t l = 0; l < bands.size(); ++l) bands[l] = static_cast<int32_t>(l / eq_channels);
+  return bands;
+}();
+
+// The results of the last step and of the one before.
+template <typename Vector>
+using two_results = std::array<lanes<Vector>, 2>;
+
+// One step in which only the bands from `first` to `last` have a sample; the others' memory stays, and their results
+// don't matter.
+template <typename Vector, size_t delay>
+KESREL_INLINE void step_of_bands(float left, float right, int32_t first, int32_t last, two_results<Vector>* outputs,
+                                 section_lanes<Vector>* lane) {
+  section_memory<Vector> next = lane->older;
+  step(left, right, (*outputs)[delay - 1], lane->last, &next, *lane);
+  (*outputs)[1] = (*outputs)[0];
+  amplify(next.y, lane->gain, &(*outputs)[0]);
+  for (size_t v = 0; v < next.x.size(); ++v) {
+    decltype(next.x[v] < next.x[v]) bands;
+    std::memcpy(&bands, &bands_of_lanes<Vector>[v * width_of<Vector>], sizeof bands);
+    const auto working = (bands >= first) & (bands <= last);
+    lane->older.x[v] = working ? lane->last.x[v] : lane->older.x[v];
+    lane->older.y[v] = working ? lane->last.y[v] : lane->older.y[v];
+    lane->last.x[v] = working ? next.x[v] : lane->last.x[v];
+    lane->last.y[v] = working ? next.y[v] : lane->last.y[v];
   }
 }
 
@@ -134,6 +184,74 @@ struct channel_output {
     }
   }
 };
+
+struct channel_outputs {
+  channel_output left;
+  channel_output right;
+
+  // Takes the last band's results of a step.
+  template <typename Vector>
+  KESREL_INLINE void write(const lanes<Vector>& output, int32_t at) {
+    const Vector& last = output[last_lane / width_of<Vector>];
+    const float left_sample = last[last_lane % width_of<Vector>];
+    const float right_sample = last[last_lane % width_of<Vector> + 1];
+    // One branch for both, as the difference of a sample and itself is 0 or, if it isn't finite, NaN.
+    if ((left_sample - left_sample) + (right_sample - right_sample) == 0.0F) {
+      left.samples[at] = left_sample;
+      right.samples[at] = right_sample;
+    } else {
+      left.write(left_sample, at);
+      right.write(right_sample, at);
+    }
+  }
+};
+
+// Two steps in which all bands are at work: sample s enters, then s + 1.
+template <typename Vector, size_t delay>
+KESREL_INLINE void two_steps(const float* left, const float* right, two_results<Vector>* results,
+                             section_lanes<Vector>* lane) {
+  auto& [second, first] = *results;
+  amplify(delay == 1 ? lane->last.y : lane->older.y, lane->gain, &first);
+  step(left[0], right[0], first, lane->last, &lane->older, *lane);
+  amplify(delay == 1 ? lane->older.y : lane->last.y, lane->gain, &second);
+  step(left[1], right[1], second, lane->older, &lane->last, *lane);
+  amplify(lane->older.y, lane->gain, &first);
+  amplify(lane->last.y, lane->gain, &second);
+}
+
+//   delay   steps from band to band
+template <typename Vector, size_t delay>
+KESREL_INLINE void run_sections(int32_t n, channel_outputs* outputs, output_equaliser* equaliser) {
+  constexpr auto band_delay = static_cast<int32_t>(delay);
+  constexpr int32_t total_delay = band_delay * (eq_bands - 1);
+  const float* const left = outputs->left.samples;
+  const float* const right = outputs->right.samples;
+  section_lanes<Vector> lane;
+  load_sections(equaliser, &lane);
+  two_results<Vector> results{};
+  const int32_t steps = n > 0 ? n + total_delay : 0;
+  for (int32_t s = 0; s < steps; ++s) {
+    // A loop of its own keeps the memory in registers.
+    for (; s >= total_delay && s + 1 < n; s += 2) {
+      two_steps<Vector, delay>(left + s, right + s, &results, &lane);
+      outputs->write<Vector>(results[1], s - total_delay);
+      outputs->write<Vector>(results[0], s + 1 - total_delay);
+    }
+    const bool has_input = s < n;
+    const int32_t first = std::max(0, (s - n + band_delay) / band_delay);
+    const int32_t last = std::min(eq_bands - 1, s / band_delay);
+    step_of_bands<Vector, delay>(has_input ? left[s] : 0.0F, has_input ? right[s] : 0.0F, first, last, &results, &lane);
+    if (s >= total_delay) outputs->write<Vector>(results[0], s - total_delay);
+  }
+  store_memory(lane, equaliser);
+}
+
+void run_sections_baseline(int32_t n, channel_outputs* outputs, output_equaliser* equaliser) {
+  run_sections<float4, 1>(n, outputs, equaliser);
+}
+KESREL_AVX2 void run_sections_avx2(int32_t n, channel_outputs* outputs, output_equaliser* equaliser) {
+  run_sections<float8, 2>(n, outputs, equaliser);
+}
 
 // Silences the lost sample of a block of `n` and runs the rest sample by sample from cleared memory. Each further
 // sample that isn't finite becomes 0 as well and clears the memory again.
@@ -197,39 +315,12 @@ void equaliser_set_gain(float gain_db, output_equaliser* equaliser) {
 }
 
 void equaliser_process(float* left, float* right, int32_t n, output_equaliser* equaliser) {
-  constexpr int32_t delay = eq_bands - 1;  // steps from a sample's first band to its last
-  section_lanes lane = load(equaliser);
-  channel_output left_output{left};
-  channel_output right_output{right};
-  const auto write = [&](int32_t s) {
-    const float left_sample = lane.output[lane_vectors - 1][2];
-    const float right_sample = lane.output[lane_vectors - 1][3];
-    // One branch for both, as the difference of a sample and itself is 0 or, if it isn't finite, NaN.
-    if ((left_sample - left_sample) + (right_sample - right_sample) == 0.0F) {
-      left[s - delay] = left_sample;
-      right[s - delay] = right_sample;
-    } else {
-      left_output.write(left_sample, s - delay);
-      right_output.write(right_sample, s - delay);
-    }
-  };
-  const int32_t steps = n > 0 ? n + delay : 0;
-  for (int32_t s = 0; s < steps;) {
-    if (s >= delay && s + 1 < n) {  // all bands are at work, and the memory's two places swap their parts twice
-      step(left[s], right[s], lane.x1, &lane.x2, lane.y1, &lane.y2, &lane);
-      write(s);
-      step(left[s + 1], right[s + 1], lane.x2, &lane.x1, lane.y2, &lane.y1, &lane);
-      write(s + 1);
-      s += 2;
-    } else {
-      const bool has_input = s < n;
-      step_of_bands(has_input ? left[s] : 0.0F, has_input ? right[s] : 0.0F, std::max(0, s - n + 1), std::min(delay, s),
-                    &lane);
-      if (s >= delay) write(s);
-      s += 1;
-    }
-  }
-  store_memory(lane, equaliser);
-  if (left_output.lost >= 0) recover(left_output, n, &equaliser->left);
-  if (right_output.lost >= 0) recover(right_output, n, &equaliser->right);
+  equaliser_process_with(processor_has_avx2(), left, right, n, equaliser);
+}
+
+void equaliser_process_with(bool avx2, float* left, float* right, int32_t n, output_equaliser* equaliser) {
+  channel_outputs outputs{{left}, {right}};
+  avx2 ? run_sections_avx2(n, &outputs, equaliser) : run_sections_baseline(n, &outputs, equaliser);
+  if (outputs.left.lost >= 0) recover(outputs.left, n, &equaliser->left);
+  if (outputs.right.lost >= 0) recover(outputs.right, n, &equaliser->right);
 }

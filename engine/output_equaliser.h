@@ -50,3 +50,6 @@ void equaliser_set_gain(float gain_db, output_equaliser* equaliser);
 //   shapes    left[n], right[n], n >= 0; two different arrays
 //   audio     no heap; every section's recursion runs in single precision, left to right
 void equaliser_process(float* left, float* right, int32_t n, output_equaliser* equaliser);
+
+// The same with the instructions for every processor, or with those of AVX2, which the processor has to have.
+void equaliser_process_with(bool avx2, float* left, float* right, int32_t n, output_equaliser* equaliser);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "dsp/fft.h"
@@ -11,6 +12,7 @@
 #include "dsp/noise.h"
 #include "engine/envelope_followers.h"
 #include "engine/fast_atan2.h"
+#include "engine/fast_sine.h"
 #include "engine/smooth_magnitudes.h"
 
 namespace {
@@ -44,6 +46,10 @@ constexpr float tilt_at_bin_0 = 0.01F;
 
 constexpr float flattest_carrier = 0.001F;  // a carrier's envelope below this isn't divided by
 
+// Beyond these magnitudes a bin's square leaves the range of single precision, or its precision.
+constexpr float smallest_squarable = 1e-15F;
+constexpr float largest_squarable = 1e15F;
+
 struct bin {
   float re;
   float im;
@@ -62,8 +68,9 @@ float magnitude(bin value) {
   return std::sqrt(value.re * value.re + value.im * value.im);
 }
 
-float exact_phase(bin value) {
-  return static_cast<float>(std::atan2(double{value.im}, double{value.re}));
+bin polar(float amplitude, float phase) {
+  return {amplitude * static_cast<float>(std::cos(double{phase})),
+          amplitude * static_cast<float>(std::sin(double{phase}))};
 }
 
 // Four neighbouring bins.
@@ -78,40 +85,69 @@ bin_group bins_from(const float* spectrum, int32_t k) {
   return {__builtin_shufflevector(a, b, 0, 2, 4, 6), __builtin_shufflevector(a, b, 1, 3, 5, 7)};
 }
 
+void set_bins(const bin_group& bins, int32_t k, float* spectrum) {
+  store4(__builtin_shufflevector(bins.re, bins.im, 0, 4, 1, 5), spectrum + 2 * k);
+  store4(__builtin_shufflevector(bins.re, bins.im, 2, 6, 3, 7), spectrum + 2 * k + 4);
+}
+
 float4 magnitudes(const bin_group& bins) {
   return square_roots(bins.re * bins.re + bins.im * bins.im);
 }
 
-float4 exact_phases(const bin_group& bins) {
-  float4 phases{};
-  for (int i = 0; i < 4; ++i) phases[i] = exact_phase({bins.re[i], bins.im[i]});
-  return phases;
+bin_group scaled(float4 factor, const bin_group& bins) {
+  return {factor * bins.re, factor * bins.im};
 }
 
-float4 fast_phases(const bin_group& bins) {
-  return fast_atan2(bins.im, bins.re);
+// The numbers of four bins.
+float4 numbers_from(int32_t k) {
+  const auto first = static_cast<float>(k);
+  return float4{first, first + 1.0F, first + 2.0F, first + 3.0F};
 }
 
-bin polar(float amplitude, float phase) {
-  return {amplitude * static_cast<float>(std::cos(double{phase})),
-          amplitude * static_cast<float>(std::sin(double{phase}))};
+// As `directions`, for bins whose squares may overflow or vanish. Infinite parts count as the largest number, as the
+// four-quadrant arc tangent has it; a zero has the phase 0, and a NaN stays one.
+bin_group directions_of_extremes(bin_group bins, float4 levels) {
+  constexpr float largest = std::numeric_limits<float>::max();
+  const float4 scale = levels < smallest_squarable  ? splat(0x1p80F)
+                       : levels > largest_squarable ? splat(0x1p-80F)
+                                                    : splat(1.0F);
+  for (float4* const part : {&bins.re, &bins.im}) {
+    const float4 finite = *part > largest ? splat(largest) : *part < -largest ? splat(-largest) : *part;
+    *part = finite * scale;
+  }
+  levels = magnitudes(bins);
+  const int4 zero = levels == 0.0F;
+  return {zero ? splat(1.0F) : bins.re / levels, zero ? float4{} : bins.im / levels};
+}
+
+// Cosine and sine of the bins' phases, as bins of magnitude 1. That needs no angle: an arc tangent and the way back
+// would take ten times as long.
+//   levels   the bins' magnitudes
+bin_group directions(const bin_group& bins, float4 levels) {
+  if (!all((levels >= smallest_squarable) & (levels <= largest_squarable))) return directions_of_extremes(bins, levels);
+  return scaled(1.0F / levels, bins);
 }
 
 // Splits the transform of (modulator + j carrier) into the two spectra, by the symmetry of a real signal's spectrum.
+// Of the modulator's only bins 0 to 512 are made; nobody needs their mirror image. Two bins at a time.
 void split_spectra(voco_state* state) {
   float* const x = state->complex_frame.data();
   float* const y = state->carrier_spectrum.data();
   set_bin({x[1], 0.0F}, 0, y);
   x[1] = 0.0F;
-  for (int32_t k = 1; k <= bin_count; ++k) {
-    const bin z = bin_at(x, k);
-    const bin mirror = bin_at(x, frame_size - k);
-    const bin modulator = {(z.re + mirror.re) * 0.5F, (z.im - mirror.im) * 0.5F};
-    const bin carrier = {(z.im + mirror.im) * 0.5F, (mirror.re - z.re) * 0.5F};
-    set_bin(modulator, k, x);
-    set_bin({modulator.re, -modulator.im}, frame_size - k, x);
-    set_bin(carrier, k, y);
-    set_bin({carrier.re, -carrier.im}, frame_size - k, y);
+  for (int32_t k = 1; k < bin_count; k += 2) {
+    const int32_t mirror_k = frame_size - 1 - k;
+    const float4 z = load4(x + 2 * k);
+    const float4 backwards = load4(x + 2 * mirror_k);
+    const float4 mirror = __builtin_shufflevector(backwards, backwards, 2, 3, 0, 1);
+    const float4 sum = (z + mirror) * 0.5F;
+    const float4 modulator_im = (z - mirror) * 0.5F;  // in the odd lanes
+    const float4 carrier_im = (mirror - z) * 0.5F;    // in the even lanes
+    const float4 carrier = __builtin_shufflevector(sum, carrier_im, 1, 4, 3, 6);
+    const float4 conjugate = carrier * float4{1.0F, -1.0F, 1.0F, -1.0F};
+    store4(__builtin_shufflevector(sum, modulator_im, 0, 5, 2, 7), x + 2 * k);
+    store4(carrier, y + 2 * k);
+    store4(__builtin_shufflevector(conjugate, conjugate, 2, 3, 0, 1), y + 2 * mirror_k);
   }
 }
 
@@ -146,54 +182,45 @@ follower_settings settings_of(const voco_state& state) {
   return follower_settings_of(state.env_attack, state.env_release, state.env_average, state.env_mix);
 }
 
-// Feeds bin k's magnitude to its followers and gives their blend.
-float follow(float level, const follower_settings& settings, int32_t k, voco_state* state) {
-  const auto i = static_cast<size_t>(k);
-  followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
-  return followers_value(settings, state->fast_env[i], state->slow_env[i]);
+struct follower_pair {
+  float4 fast;
+  float4 slow;
+};
+
+// Feeds the levels of four bins or bands to their followers.
+//   returns  the followers after that
+follower_pair follow(float4 levels, const follower_settings& settings, int32_t k, voco_state* state) {
+  float* const fast_env = &state->fast_env[static_cast<size_t>(k)];
+  float* const slow_env = &state->slow_env[static_cast<size_t>(k)];
+  follower_pair followers = {load4(fast_env), load4(slow_env)};
+  followers_advance(levels, settings, &followers.fast, &followers.slow);
+  store4(followers.fast, fast_env);
+  store4(followers.slow, slow_env);
+  return followers;
 }
 
-// Clears bin k of the modulator, which has been used, and bin 512 + k of the output, which becomes one-sided.
-void clear_used_bins(int32_t k, voco_state* state) {
-  set_bin({0.0F, 0.0F}, bin_count + k, state->carrier_spectrum.data());
-  set_bin({0.0F, 0.0F}, k, state->complex_frame.data());
+// The envelopes of the modulator's four bins from k on.
+float4 follow_modulator(const follower_settings& settings, int32_t k, voco_state* state) {
+  const auto [fast, slow] = follow(magnitudes(bins_from(state->complex_frame.data(), k)), settings, k, state);
+  return followers_value(settings, fast, slow);
 }
 
-// Measures magnitude and phase of all bins. `weigh(envelope, carrier_level, k)` is what is stored as the envelope of
-// the four bins from k on.
-template <typename Phases, typename Weigh>
-void analyse_bins(Phases phases, Weigh weigh, voco_state* state) {
+// Makes the output one-sided.
+void clear_bins_from(int32_t k, voco_state* state) {
+  std::fill(state->carrier_spectrum.begin() + 2 * k, state->carrier_spectrum.end(), 0.0F);
+}
+
+// Replaces the carrier's bins, four at a time, by `combine(k, envelope, carrier)`: of the number of the first, the
+// modulator's envelope there and the carrier's bins.
+template <typename Combine>
+void combine_bins(Combine combine, voco_state* state) {
   const follower_settings settings = settings_of(*state);
+  float* const spectrum = state->carrier_spectrum.data();
   for (int32_t k = 0; k < bin_count; k += 4) {
-    const bin_group modulator = bins_from(state->complex_frame.data(), k);
-    const bin_group carrier = bins_from(state->carrier_spectrum.data(), k);
-    const float4 carrier_level = magnitudes(carrier);
-    float4 carrier_phase = phases(carrier);
-    float4 fast = load4(&state->fast_env[static_cast<size_t>(k)]);
-    float4 slow = load4(&state->slow_env[static_cast<size_t>(k)]);
-    followers_advance(magnitudes(modulator), settings, &fast, &slow);
-    store4(fast, &state->fast_env[static_cast<size_t>(k)]);
-    store4(slow, &state->slow_env[static_cast<size_t>(k)]);
-    if (state->freeze_on == 0) {
-      const int4 silent = carrier_level < silent_carrier;
-      const float4 envelope = silent ? float4{} : followers_value(settings, fast, slow);
-      carrier_phase = silent ? float4{} : carrier_phase;
-      store4(weigh(envelope, carrier_level, k), &state->target_env[static_cast<size_t>(k)]);
-      store4(phases(modulator), &state->modulator_phase[static_cast<size_t>(k)]);
-    }
-    store4(carrier_level, &state->carrier_mag[static_cast<size_t>(k)]);
-    store4(carrier_phase, &state->carrier_phase[static_cast<size_t>(k)]);
+    const float4 envelope = follow_modulator(settings, k, state);
+    set_bins(combine(k, envelope, bins_from(spectrum, k)), k, spectrum);
   }
-}
-
-float4 envelope_alone(float4 envelope, float4 /*carrier_level*/, int32_t /*k*/) {
-  return envelope;
-}
-
-float4 product_tilted(float4 envelope, float4 carrier_level, int32_t k) {
-  const auto first = static_cast<float>(k);
-  const float4 tilt = float4{first, first + 1.0F, first + 2.0F, first + 3.0F} * tilt_slope + tilt_at_bin_0;
-  return carrier_level * envelope * tilt;
+  clear_bins_from(bin_count, state);
 }
 
 // The consonants of the voice pass straight to the output.
@@ -224,91 +251,109 @@ void transform_analyse(voco_state* state) {
 }
 
 void transform_geometric_mean(voco_state* state) {
-  const follower_settings settings = settings_of(*state);
-  float* const output = state->carrier_spectrum.data();
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    const bin modulator = bin_at(state->complex_frame.data(), k);
-    const bin carrier = bin_at(output, k);
-    const float envelope = follow(magnitude(modulator), settings, k, state);
-    if (state->freeze_on == 0) {
-      state->target_env[i] = envelope;
-      state->modulator_phase[i] = exact_phase(modulator);
-    }
-    state->carrier_mag[i] = magnitude(carrier);
-    state->carrier_phase[i] = exact_phase(carrier);
-
-    const float product = state->target_env[i] * state->carrier_mag[i];
-    const float tilt = static_cast<float>(k) * product_slope;
-    const float amplitude = std::sqrt(product) * mean_share + product * tilt * product_share;
-    set_bin(polar(geometric_mean_gain * amplitude, state->carrier_phase[i]), k, output);
-    clear_used_bins(k, state);
-  }
+  const auto combine = [state](int32_t k, float4 envelope, const bin_group& carrier) {
+    float* const target_env = &state->target_env[static_cast<size_t>(k)];
+    if (state->freeze_on == 0) store4(envelope, target_env);
+    const float4 carrier_level = magnitudes(carrier);
+    const float4 product = load4(target_env) * carrier_level;
+    const float4 tilt = numbers_from(k) * product_slope;
+    const float4 amplitude = square_roots(product) * mean_share + product * tilt * product_share;
+    return scaled(geometric_mean_gain * amplitude, directions(carrier, carrier_level));
+  };
+  combine_bins(combine, state);
 }
 
-// Bands of two bins, by an L1 measure that rises with frequency. Clearing the upper half runs ahead of the reading, so
-// the bands from 256 up find nothing: 256 live bands cover everything up to 22 kHz.
+// Bands of two bins, by an L1 measure that rises with frequency: 256 of them cover everything up to 22 kHz. Four bands
+// at a time.
 void transform_two_bin_bands(voco_state* state) {
   const follower_settings settings = settings_of(*state);
-  float* const modulator = state->complex_frame.data();
-  float* const carrier = state->carrier_spectrum.data();
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    const bin a = bin_at(modulator, 2 * k);
-    const bin b = bin_at(modulator, 2 * k + 1);
-    const float level = (std::fabs(a.re) + std::fabs(a.im) + std::fabs(b.re) + std::fabs(b.im)) *
-                        (static_cast<float>(k) * band_level_slope + 1.0F);
-    followers_advance(level, settings, &state->fast_env[i], &state->slow_env[i]);
+  for (int32_t k = 0; k < bin_count / 2; k += 4) {
+    const float* const modulator = state->complex_frame.data() + 4 * k;
+    float* const carrier = state->carrier_spectrum.data() + 4 * k;
+    float* const target_env = &state->target_env[static_cast<size_t>(k)];
+    float4 parts[4];  // first of bands, then each part of all four
+    for (int32_t band = 0; band < 4; ++band) parts[band] = magnitude(load4(modulator + 4 * band));
+    transpose4(parts);
+    const float4 level = (parts[0] + parts[1] + parts[2] + parts[3]) * (numbers_from(k) * band_level_slope + 1.0F);
+    const auto [fast, slow] = follow(level, settings, k, state);
     if (state->freeze_on == 0) {
-      state->target_env[i] = (settings.peak_gain * state->fast_env[i] * band_peak_share * settings.mix +
-                              state->slow_env[i] * band_average_share * (1.0F - settings.mix)) *
-                             band_gain;
+      store4((settings.peak_gain * fast * band_peak_share * settings.mix +
+              slow * band_average_share * (1.0F - settings.mix)) *
+                 band_gain,
+             target_env);
     }
-    for (int32_t j = 4 * k; j < 4 * k + 4; ++j) carrier[j] *= state->target_env[i];
-    if (k >= bin_count / 2) continue;
-    for (const int32_t upper : {bin_count + 2 * k, bin_count + 2 * k + 1}) {
-      set_bin({0.0F, 0.0F}, upper, modulator);
-      set_bin({0.0F, 0.0F}, upper, carrier);
+    for (int32_t band = 0; band < 4; ++band) {
+      store4(load4(carrier + 4 * band) * target_env[band], carrier + 4 * band);
     }
   }
+  clear_bins_from(bin_count, state);
 }
 
 void transform_carrier_phase(voco_state* state) {
-  analyse_bins(exact_phases, envelope_alone, state);
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    set_bin(polar(single_phase_gain * state->target_env[i], state->carrier_phase[i]), k,
-            state->carrier_spectrum.data());
-    clear_used_bins(k, state);
-  }
+  const auto combine = [state](int32_t k, float4 envelope, const bin_group& carrier) {
+    float* const target_env = &state->target_env[static_cast<size_t>(k)];
+    const float4 carrier_level = magnitudes(carrier);
+    if (state->freeze_on == 0) store4(carrier_level < silent_carrier ? float4{} : envelope, target_env);
+    return scaled(single_phase_gain * load4(target_env), directions(carrier, carrier_level));
+  };
+  combine_bins(combine, state);
 }
 
 void transform_modulator_phase(voco_state* state) {
-  analyse_bins(exact_phases, product_tilted, state);
-  for (int32_t k = 0; k < bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    set_bin(polar(single_phase_gain * state->target_env[i], state->modulator_phase[i]), k,
-            state->carrier_spectrum.data());
-    clear_used_bins(k, state);
-  }
+  const auto combine = [state](int32_t k, float4 envelope, const bin_group& carrier) {
+    float* const target_env = &state->target_env[static_cast<size_t>(k)];
+    float* const phase = &state->modulator_phase[static_cast<size_t>(2 * k)];
+    if (state->freeze_on == 0) {
+      const float4 carrier_level = magnitudes(carrier);
+      const float4 audible = carrier_level < silent_carrier ? float4{} : envelope;
+      store4(carrier_level * audible * (numbers_from(k) * tilt_slope + tilt_at_bin_0), target_env);
+      const bin_group modulator = bins_from(state->complex_frame.data(), k);
+      const bin_group direction = directions(modulator, magnitudes(modulator));
+      store4(direction.re, phase);
+      store4(direction.im, phase + 4);
+    }
+    return scaled(single_phase_gain * load4(target_env), {load4(phase), load4(phase + 4)});
+  };
+  combine_bins(combine, state);
 }
 
 // The carrier is flattened by its own smoothed envelope and given the modulator's.
 void transform_smoothed(int32_t width, voco_state* state) {
-  analyse_bins(fast_phases, envelope_alone, state);
-  std::array<float, bin_count + 1> modulator_envelope;
-  std::array<float, bin_count + 1> carrier_envelope;
-  smooth_magnitudes(state->target_env.data(), frame_size, width, modulator_envelope.data(), &state->smoothing);
-  smooth_magnitudes(state->carrier_mag.data(), frame_size, width, carrier_envelope.data(), &state->smoothing);
-  for (int32_t k = 0; k <= bin_count; ++k) {
-    const auto i = static_cast<size_t>(k);
-    const float envelope = std::max(modulator_envelope[i], 0.0F);
-    const float carrier_level = std::max(carrier_envelope[i], 0.0F);
-    float flattened = 1.0F;
-    if (carrier_level > flattest_carrier) flattened = std::min(state->carrier_mag[i] / carrier_level, 1.0F);
-    set_bin(polar(smoothed_gain * flattened * envelope, state->carrier_phase[i]), k, state->carrier_spectrum.data());
-    clear_used_bins(k, state);
+  const follower_settings settings = settings_of(*state);
+  float* const spectrum = state->carrier_spectrum.data();
+  float* const target_env = state->target_env.data();
+  float* const carrier_mag = state->carrier_mag.data();
+  float* const carrier_phase = state->carrier_phase.data();
+  for (int32_t k = 0; k < bin_count; k += 4) {
+    const float4 envelope = follow_modulator(settings, k, state);
+    const bin_group carrier = bins_from(spectrum, k);
+    const float4 carrier_level = magnitudes(carrier);
+    float4 phase = fast_atan2(carrier.im, carrier.re);
+    if (state->freeze_on == 0) {
+      const int4 silent = carrier_level < silent_carrier;
+      store4(silent ? float4{} : envelope, target_env + k);
+      phase = silent ? float4{} : phase;
+    }
+    store4(carrier_level, carrier_mag + k);
+    store4(phase, carrier_phase + k);
   }
+
+  // The smoothed envelopes spread to bin 512. The other three of its group stay silent.
+  std::array<float, bin_count + 4> modulator_envelope;
+  std::array<float, bin_count + 4> carrier_envelope;
+  for (auto* const envelope : {&modulator_envelope, &carrier_envelope}) std::fill_n(envelope->end() - 3, 3, 0.0F);
+  smooth_magnitudes(target_env, frame_size, width, modulator_envelope.data(), &state->smoothing);
+  smooth_magnitudes(carrier_mag, frame_size, width, carrier_envelope.data(), &state->smoothing);
+  for (int32_t k = 0; k <= bin_count; k += 4) {
+    const float4 smoothed_modulator = load4(modulator_envelope.data() + k);
+    const float4 smoothed_carrier = load4(carrier_envelope.data() + k);
+    const float4 envelope = smoothed_modulator < 0.0F ? float4{} : smoothed_modulator;
+    const float4 ratio = load4(carrier_mag + k) / smoothed_carrier;
+    const float4 flattened = (smoothed_carrier > flattest_carrier) & ~(ratio > 1.0F) ? ratio : splat(1.0F);
+    const auto [cosine, sine] = fast_cosine_and_sine(load4(carrier_phase + k));
+    set_bins(scaled(smoothed_gain * flattened * envelope, {cosine, sine}), k, spectrum);
+  }
+  clear_bins_from(bin_count + 4, state);
 }
 
 void transform_synthesise(const voco_state::frame& window, float gain, voco_state* state) {

@@ -20,14 +20,19 @@ void remove_bad_samples(float* samples, int32_t n) {
   for (int32_t i = 0; i < n; ++i) samples[i] = finite_or_zero(samples[i]);
 }
 
-// Stores `sample` in a ring of one frame.
-//   returns  the sample it replaces, from 1024 samples ago
-float delay_one_frame(float sample, voco_state::frame* ring, int32_t* index) {
-  float& slot = (*ring)[static_cast<size_t>(*index)];
-  const float delayed = slot;
-  slot = sample;
-  *index = (*index + 1) & ring_mask;
-  return delayed;
+using hop_samples = std::array<float, frame_hop>;
+
+// Stores `n` samples in a ring of one frame.
+//   delayed   receives the samples that they replace, from 1024 samples ago
+void delay_one_frame(const float* samples, int32_t n, voco_state::frame* ring, int32_t* index, float* delayed) {
+  for (int32_t i = 0; i < n;) {
+    const int32_t count = std::min(n - i, frame_size - *index);
+    float* const slots = ring->data() + *index;
+    std::copy_n(slots, count, delayed + i);
+    std::copy_n(samples + i, count, slots);
+    *index = (*index + count) & ring_mask;
+    i += count;
+  }
 }
 
 // The wet signal of `n` samples from frame_pos on. Both channels are complete in the overlap-add outputs.
@@ -37,32 +42,38 @@ void take_wet(float* left, float* right, int32_t n, voco_state* state) {
   if (state->chorus_on >= 1) chorus_process(left, right, n, &state->chorus);
 }
 
-// Stores `n` samples in frames and rings, and mixes the wet signal in `left` and `right` with the dry ones.
+// Stores `n` samples, at most a hop, in frames and rings, and mixes the wet signal in `left` and `right` with the dry
+// ones.
 void fill_and_mix(const float* first, const float* second, float* left, float* right, int32_t n, voco_state* state) {
-  const float wet = state->wet_gain;
-  const float dry_carrier = state->dry_carrier_gain;
-  const float dry_modulator = state->dry_modulator_gain;
-  std::array<float, frame_hop> internal;
-  const bool second_is_carrier = state->internal_carrier <= 0.5F;
-  if (!second_is_carrier) wsyn_next_samples(n, &state->synth, internal.data());
-  for (int32_t i = 0; i < n; ++i) {
-    const auto p = static_cast<size_t>(state->frame_pos + i);
-    const float carrier = second_is_carrier ? second[i] : carrier_level * internal[static_cast<size_t>(i)];
-    state->modulator_frame[p] = finite_or_zero(first[i]);
-    state->carrier_frame[p] = finite_or_zero(carrier);
-    const float delayed_modulator =
-        delay_one_frame(state->modulator_frame[p], &state->dry_modulator_ring, &state->dry_modulator_index);
-    const float delayed_carrier =
-        delay_one_frame(state->carrier_frame[p], &state->dry_carrier_ring, &state->dry_carrier_index);
-    left[i] = left[i] * wet + delayed_modulator * dry_modulator + delayed_carrier * dry_carrier;
-    right[i] = right[i] * wet + delayed_modulator * dry_modulator + delayed_carrier * dry_carrier;
+  float* const modulator = state->modulator_frame.data() + state->frame_pos;
+  float* const carrier = state->carrier_frame.data() + state->frame_pos;
+  std::copy_n(first, n, modulator);
+  if (state->internal_carrier <= 0.5F) {
+    std::copy_n(second, n, carrier);
+  } else {
+    wsyn_next_samples(n, &state->synth, carrier);
+    for (int32_t i = 0; i < n; ++i) carrier[i] *= carrier_level;
+  }
+  remove_bad_samples(modulator, n);
+  remove_bad_samples(carrier, n);
+
+  hop_samples dry_modulator;
+  hop_samples dry_carrier;
+  delay_one_frame(modulator, n, &state->dry_modulator_ring, &state->dry_modulator_index, dry_modulator.data());
+  delay_one_frame(carrier, n, &state->dry_carrier_ring, &state->dry_carrier_index, dry_carrier.data());
+  for (float* const output : {left, right}) {
+    for (int32_t i = 0; i < n; ++i) {
+      const auto t = static_cast<size_t>(i);
+      output[i] = output[i] * state->wet_gain + dry_modulator[t] * state->dry_modulator_gain +
+                  dry_carrier[t] * state->dry_carrier_gain;
+    }
   }
 }
 
 // Adds the reverb of `n` samples, at most a hop, to them.
 void add_reverb(float* left, float* right, int32_t n, reverb_state* reverb) {
-  std::array<float, frame_hop> tail_left;
-  std::array<float, frame_hop> tail_right;
+  hop_samples tail_left;
+  hop_samples tail_right;
   std::fill_n(tail_left.begin(), n, 0.0F);
   std::fill_n(tail_right.begin(), n, 0.0F);
   remove_bad_samples(left, n);

@@ -77,8 +77,9 @@ struct voco_state {
   bins fast_env{};
   bins slow_env{};
   bins carrier_mag{};
-  bins carrier_phase{};
+  bins carrier_phase{};  // radians
   bins target_env{};
+  // Cosines and sines of the modulator's phases, as held by freeze: those of four bins after each other, in turn.
   bins modulator_phase{};
 
   // Averages of the modulator's level sums, from the highest octave down. Written and read by the wavelet algorithms;

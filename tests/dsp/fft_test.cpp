@@ -10,6 +10,7 @@
 #include <numbers>
 #include <vector>
 
+#include "dsp/processor.h"
 #include "tests/words/signals.h"
 
 namespace {
@@ -62,6 +63,21 @@ TEST(Fft, TransformsNoiseOfEverySizeByItsDefinitionAndBack) {
     EXPECT_LT(largest_error(data, plain_transform(input, -1)), tolerance) << size;
     fft_inverse(data.data(), fft.log2_size, fft.table.data());
     for (size_t i = 0; i < data.size(); ++i) ASSERT_NEAR(data[i], input[i], 2e-6) << size << ", float " << i;
+  }
+}
+
+TEST(Fft, GivesTheSameBitsInEightLanes) {
+  if (!processor_has_avx2()) GTEST_SKIP() << "The processor has no AVX2.";
+  for (int32_t size = 8; size <= 8192; size *= 2) {
+    const prepared fft(size);
+    std::vector<float> four = noise(static_cast<size_t>(2 * size));
+    std::vector<float> eight = four;
+    fft_forward_with(false, four.data(), fft.log2_size, fft.table.data());
+    fft_forward_with(true, eight.data(), fft.log2_size, fft.table.data());
+    EXPECT_EQ(eight, four) << size;
+    fft_inverse_with(false, four.data(), fft.log2_size, fft.table.data());
+    fft_inverse_with(true, eight.data(), fft.log2_size, fft.table.data());
+    EXPECT_EQ(eight, four) << size;
   }
 }
 

@@ -4,6 +4,8 @@
 #include <limits>
 
 #include "engine/fast_atan2.h"
+#include "engine/fast_sine.h"
+#include "engine/transform_modes.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -130,6 +132,32 @@ TEST(Modes, OnSamplesLeaveTheModulatorUnchangedWhenTheArenaIsExhausted) {
   }
 }
 
+// A frozen envelope of 1 at the phases of bins that a sound hardly has.
+TEST(Modes, KeepThePhaseOfBinsOfAnySize) {
+  const float inf = std::numeric_limits<float>::infinity();
+  const std::pair<float, float> bins[] = {{0.0F, 0.0F},     {-inf, 3.0F},     {inf, -inf},       {2e38F, 1e38F},
+                                          {-3e16F, 1e-3F},  {1e-21F, 2e-21F}, {1e-37F, -1e-37F}, {0.0F, -4e-16F},
+                                          {-3e38F, -3e38F}, {3.0F, -4.0F},    {-1e-16F, 0.0F},   {5e14F, 0.0F}};
+  const auto state = std::make_unique<voco_state>();
+  state->freeze_on = 1;
+  state->target_env.fill(1.0F);
+  size_t at = 0;
+  for (const auto& [re, im] : bins) {
+    state->carrier_spectrum[at++] = re;
+    state->carrier_spectrum[at++] = im;
+  }
+  state->carrier_spectrum[at] = std::nanf("");
+  transform_carrier_phase(state.get());
+  const float* found = state->carrier_spectrum.data();
+  for (const auto& [re, im] : bins) {
+    const double phase = std::atan2(double{im}, double{re});
+    EXPECT_NEAR(*found++, 4.0 * std::cos(phase), 1e-6) << re << ", " << im;
+    EXPECT_NEAR(*found++, 4.0 * std::sin(phase), 1e-6) << re << ", " << im;
+  }
+  EXPECT_TRUE(std::isnan(found[0]));
+  EXPECT_EQ(found[2], 4.0F);  // a zero among others
+}
+
 // A judge of the modes has the same formula; this is its claim.
 TEST(FastAtan2, StaysWithinItsError) {
   for (int i = 0; i < 10000; ++i) {
@@ -140,6 +168,24 @@ TEST(FastAtan2, StaysWithinItsError) {
     const float found = fast_atan2(float4{1.0F, y, -2.0F, 0.0F}, float4{0.0F, x, -1.0F, 3.0F})[1];
     ASSERT_NEAR(found, std::atan2(double{y}, double{x}), 0.005);
   }
+}
+
+TEST(FastSine, StaysWithinItsErrorFromMinusFourToFour) {
+  double error = 0.0;
+  for (int i = -400000; i < 400000; i += 4) {
+    float4 angles{};
+    for (int lane = 0; lane < 4; ++lane) angles[lane] = 1e-5F * static_cast<float>(i + lane);
+    const auto [cosine, sine] = fast_cosine_and_sine(angles);
+    for (int lane = 0; lane < 4; ++lane) {
+      error = std::max(error, std::fabs(cosine[lane] - std::cos(double{angles[lane]})));
+      error = std::max(error, std::fabs(sine[lane] - std::sin(double{angles[lane]})));
+    }
+  }
+  EXPECT_LT(error, 2e-7);
+  const auto [cosine, sine] = fast_cosine_and_sine(float4{0.0F, 1.0F, 4.0F, std::nanf("")});
+  EXPECT_EQ(cosine[0], 1.0F);
+  EXPECT_EQ(sine[0], 0.0F);
+  EXPECT_TRUE(std::isnan(cosine[3]) && std::isnan(sine[3]));
 }
 
 }  // namespace

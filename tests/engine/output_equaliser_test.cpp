@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "dsp/processor.h"
 #include "tests/engine/engine_words.h"
 
 namespace {
@@ -48,7 +49,11 @@ waveform recover_plainly(std::array<eq_section, eq_bands>* sections, const wavef
   return out;
 }
 
-TEST(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLengthEvenAfterAnOverflow) {
+class OutputEqualiser : public testing::TestWithParam<bool> {};
+
+TEST_P(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLengthEvenAfterAnOverflow) {
+  const bool avx2 = GetParam();
+  if (avx2 && !processor_has_avx2()) GTEST_SKIP() << "The processor has no AVX2.";
   waveform hot_left = noise(2000, 1.0F, 1);
   waveform hot_right = noise(2000, 1.0F, 2);
   for (const size_t at : {0U, 700U, 701U, 705U, 1990U, 1999U}) hot_left[at] = 3e38F;
@@ -59,18 +64,21 @@ TEST(OutputEqualiser, EqualsSectionAfterSectionBitForBitAtAnyBlockLengthEvenAfte
   ASSERT_EQ(plain_left[700], 0.0F);
   ASSERT_NE(plain_left[699], 0.0F);
   ASSERT_NE(plain_left[702], 0.0F);
-  for (const size_t block : {1U, 2U, 3U, 5U, 9U, 10U, 11U, 12U, 64U, 701U, 2000U}) {
+  for (const size_t block : {1U, 2U, 3U, 5U, 9U, 10U, 11U, 12U, 18U, 19U, 20U, 21U, 64U, 701U, 2000U}) {
     output_equaliser equaliser = fresh_equaliser(3.0F);
     waveform left = hot_left;
     waveform right = hot_right;
     for (size_t start = 0; start < left.size(); start += block) {
       const auto n = static_cast<int32_t>(std::min(block, left.size() - start));
-      equaliser_process(left.data() + start, right.data() + start, n, &equaliser);
-      equaliser_process(left.data() + start, right.data() + start, 0, &equaliser);
+      equaliser_process_with(avx2, left.data() + start, right.data() + start, n, &equaliser);
+      equaliser_process_with(avx2, left.data() + start, right.data() + start, 0, &equaliser);
     }
     ASSERT_EQ(left, plain_left) << block;
     ASSERT_EQ(right, plain_right) << block;
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Instructions, OutputEqualiser, testing::Bool(),
+                         [](const auto& instructions) { return instructions.param ? "avx2" : "baseline"; });
 
 }  // namespace
