@@ -36,7 +36,7 @@ struct oscillator {
   double wsyn_state::*pitch_mod;
   double (wsyn_state::*note_ratio)[wsyn_voice_count];
   float (wsyn_state::*shape)[wsyn_shape_entries];
-  float (wsyn_state::*voice_wave)[wsyn_voice_wave_entries];
+  const wsyn_voice_wave* wsyn_state::*voice_wave;
 };
 
 constexpr oscillator oscillators[] = {
@@ -85,7 +85,9 @@ constexpr oscillator oscillators[] = {
 // --- Commit ---
 
 void load_voice_wave(const oscillator& o, wsyn_state* state) {
-  state->*o.wrap = wsyn_load_voice_wave(state->*o.wave, *state, state->*o.voice_wave);
+  const int32_t number = state->*o.wave;
+  state->*o.voice_wave = wsyn_voice_wave_of(number, state);
+  state->*o.wrap = wsyn_wrap_of(number);
 }
 
 // Everything that stays as it is for the life of the record.
@@ -93,9 +95,9 @@ void first_commit(wsyn_state* state) {
   state->magic = wsyn_magic;
   state->bend = 1.0F;
   state->output_level = 1.0F;
-  wsyn_build_loops(state);
+  wsyn_draw_noise_loop(state);
   for (const oscillator& o : oscillators) load_voice_wave(o, state);
-  wsyn_build_sine_table(state);
+  state->sine_table = shared_wave_store().sine_table;
 }
 
 // Loads what has changed. A change of mode reloads both oscillators, as the tables of the other kind may be stale. A
@@ -293,7 +295,7 @@ auto shape_renderer(const wsyn_state& state) {
 
 auto loop_renderer(const wsyn_state& state) {
   return renderer<wsyn_voice_wave_entries, coupling::free, mixing::sum>{
-      state.voice_wave1, state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2)};
+      *state.voice_wave1, *state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2)};
 }
 
 template <size_t pairs>
