@@ -168,7 +168,8 @@ const wsyn_voice_wave* wsyn_voice_wave_of(int32_t number, wsyn_state* state) {
 }
 
 int32_t wsyn_wrap_of(int32_t number) {
-  return number >= 0 && number < sample_loop_count ? sample_loops[static_cast<size_t>(number)].loop_length : silent_wrap;
+  return number >= 0 && number < sample_loop_count ? sample_loops[static_cast<size_t>(number)].loop_length
+                                                   : silent_wrap;
 }
 
 float wsyn_shape_value(int32_t shape, float t) {

@@ -21,8 +21,8 @@ struct wave_store {
 // then on calls take no lock. So call it once away from the audio thread.
 const wave_store& shared_wave_store();
 
-// Draws the noise loop of `state` from the calling thread's generator: white noise that a later wsyn_voice_wave_of fills
-// in.
+// Draws the noise loop of `state` from the calling thread's generator: white noise that a later wsyn_voice_wave_of
+// fills in.
 void wsyn_draw_noise_loop(wsyn_state* state);
 
 // The loop `number` as `state` plays it, silence for a number without one.

@@ -42,7 +42,6 @@ constexpr float equal_weight = 0.1F;
 
 constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly decay
 constexpr float output_level = 0.75F;
-constexpr size_t cleared_samples = 24000;  // of each ring; the largest has 22422
 
 // Consecutive samples run side by side, one per lane, while any two positions are far enough apart that no lane reads
 // what another of the group writes. Each lane then computes exactly what a single sample does.
@@ -105,8 +104,8 @@ void build_taps(reverb_state* state) {
 }
 
 void clear_rings(reverb_state* state) {
-  std::fill_n(state->left.begin(), cleared_samples, 0.0F);
-  std::fill_n(state->right.begin(), cleared_samples, 0.0F);
+  state->left.fill(0.0F);
+  state->right.fill(0.0F);
   state->overflowed = 0;
 }
 
@@ -244,6 +243,12 @@ int32_t process_stretch(const reverb_gains& gains, const float* in_left, const f
 
 }  // namespace
 
+void reverb_prepare(reverb_state* state) {
+  for (distance_delay* const delay : {&state->motion_left, &state->motion_right}) {
+    if (delay->ready == 0) distance_delay_create(delay);
+  }
+}
+
 void reverb_configure(float level, float size, reverb_state* state) {
   size = clamp_to_unit(size);
   state->level = clamp_to_unit(level);
@@ -254,8 +259,7 @@ void reverb_configure(float level, float size, reverb_state* state) {
   build_taps(state);
   clear_rings(state);
   state->motion_counter = 0.0;
-  if (state->motion_left.ready == 0) distance_delay_create(&state->motion_left);
-  if (state->motion_right.ready == 0) distance_delay_create(&state->motion_right);
+  reverb_prepare(state);
   state->configured = 1;
 }
 

@@ -63,7 +63,7 @@ TEST(Tables, DescribeTheLoops) {
     };
     EXPECT_EQ(fields(sample_loops[i]), fields(loops[i])) << i;
     params[4] = params[5] = static_cast<float>(i);
-    EXPECT_EQ(wsyn_wrap_of(static_cast<int32_t>(i)), loops[i].loop_length);
+    wsyn_commit(params.data(), state.get());
     EXPECT_EQ(state->wrap1, loops[i].loop_length);
     EXPECT_EQ(state->wrap2, loops[i].loop_length);
     EXPECT_EQ(state->tune1, loops[i].octave_offset);
