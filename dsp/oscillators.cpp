@@ -167,7 +167,9 @@ void fill_note_ratios(double tune, std::span<double, wsyn_voice_count> ratios) {
 
 void commit_tune(const float* params, const oscillator& o, wsyn_state* state) {
   const double offset = tuning_offset(state->mode, params[o.wave_select_param]);
-  state->*o.tune = tune(state->*o.coarse, state->*o.fine, offset);
+  const double octaves = tune(state->*o.coarse, state->*o.fine, offset);
+  if (state->initialised != 0 && octaves == state->*o.tune) return;  // as in most blocks, and powers are expensive
+  state->*o.tune = octaves;
   fill_note_ratios(state->*o.tune, state->*o.note_ratio);
 }
 
