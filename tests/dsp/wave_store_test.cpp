@@ -108,7 +108,7 @@ TEST(SampleLoops, AreSharedBySynthesizersAndNumbersWithoutOneAreSilent) {
   }
 }
 
-TEST(SharedWaveStore, IsMadeOnceWhoeverAsks) {
+TEST(SharedWaveStore, IsMadeOnceByWhicheverThreadAsksFirst) {
   std::array<const wave_store*, 4> seen{};
   std::vector<std::thread> threads;
   for (auto& store : seen) threads.emplace_back([&store] { store = &shared_wave_store(); });
