@@ -128,6 +128,6 @@ KESREL_INLINE auto shape_player(const wsyn_state& state) {
 
 KESREL_INLINE auto loop_player(const wsyn_state& state) {
   return wave_player<wsyn_voice_wave_entries, coupling::free, mixing::sum>{
-      state.voice_wave1, state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2),
+      *state.voice_wave1, *state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2),
       state.shaper_drive};
 }

@@ -36,7 +36,7 @@ struct oscillator {
   double wsyn_state::*pitch_mod;
   double (wsyn_state::*note_ratio)[wsyn_voice_count];
   float (wsyn_state::*shape)[wsyn_shape_entries];
-  float (wsyn_state::*voice_wave)[wsyn_voice_wave_entries];
+  const wsyn_voice_wave* wsyn_state::*voice_wave;
 };
 
 constexpr oscillator oscillators[] = {
@@ -85,7 +85,9 @@ constexpr oscillator oscillators[] = {
 // --- Commit ---
 
 void load_voice_wave(const oscillator& o, wsyn_state* state) {
-  state->*o.wrap = wsyn_load_voice_wave(state->*o.wave, *state, state->*o.voice_wave);
+  const int32_t number = state->*o.wave;
+  state->*o.voice_wave = wsyn_voice_wave_of(number, state);
+  state->*o.wrap = wsyn_wrap_of(number);
 }
 
 // Everything that stays as it is for the life of the record.
@@ -93,9 +95,9 @@ void first_commit(wsyn_state* state) {
   state->magic = wsyn_magic;
   state->bend = 1.0F;
   state->output_level = 1.0F;
-  wsyn_build_loops(state);
+  wsyn_draw_noise_loop(state);
   for (const oscillator& o : oscillators) load_voice_wave(o, state);
-  wsyn_build_sine_table(state);
+  state->sine_table = shared_wave_store().sine_table;
 }
 
 // Loads what has changed. A change of mode reloads both oscillators, as the tables of the other kind may be stale. A
@@ -165,7 +167,9 @@ void fill_note_ratios(double tune, std::span<double, wsyn_voice_count> ratios) {
 
 void commit_tune(const float* params, const oscillator& o, wsyn_state* state) {
   const double offset = tuning_offset(state->mode, params[o.wave_select_param]);
-  state->*o.tune = tune(state->*o.coarse, state->*o.fine, offset);
+  const double octaves = tune(state->*o.coarse, state->*o.fine, offset);
+  if (state->initialised != 0 && octaves == state->*o.tune) return;  // as in most blocks, and powers are expensive
+  state->*o.tune = octaves;
   fill_note_ratios(state->*o.tune, state->*o.note_ratio);
 }
 

@@ -20,58 +20,66 @@ constexpr int32_t silent_wrap = 10000;                      // wrap length of a 
 
 // --- Sample loops ---
 
-// White noise, -1 to 1.
-float noise_value() {
-  return (static_cast<float>(noise_rand()) * 3.051851e-05F - 0.5F) * 2.0F;  // 1 / 32767
+// White noise, -1 to 1, from a number of the generator.
+float noise_sample(int32_t number) {
+  return (static_cast<float>(number) * 3.051851e-05F - 0.5F) * 2.0F;  // 1 / 32767
 }
 
-// Adds up the steps of loop `number` from 0. The sum is rounded to float at every sample and never reset, so that a
-// loop must be coded with this same rounding to come out right.
-void decode(int32_t number, std::span<float> table) {
-  const double scale = sample_loops[static_cast<size_t>(number)].delta_scale();
-  float sum = 0.0F;
-  float* entry = table.data();
-  for (const signed char step : sample_loop_source(number)) {
-    sum = static_cast<float>(step * scale + static_cast<double>(sum));
-    *entry++ = sum * sample_scale;
+// Adds up the steps of all loops from 0. Each sum is rounded to float at every sample and never reset, so that a loop
+// must be coded with this same rounding to come out right. A sum waits for its last rounding, so the loops run side by
+// side.
+void decode_loops(wave_store* store) {
+  struct run {
+    std::span<const signed char> steps;
+    double scale;
+    float* table;
+    float sum;
+  };
+  std::array<run, noise_loop> runs;
+  size_t longest = 0;
+  for (size_t number = 0; number < runs.size(); ++number) {
+    const auto steps = sample_loop_source(static_cast<int32_t>(number));
+    runs[number] = {steps, sample_loops[number].delta_scale(), store->loops[number], 0.0F};
+    longest = std::max(longest, steps.size());
+  }
+  for (size_t i = 0; i < longest; ++i) {
+    for (run& r : runs) {
+      if (i >= r.steps.size()) continue;
+      r.sum = static_cast<float>(r.steps[i] * r.scale + static_cast<double>(r.sum));
+      r.table[i] = r.sum * sample_scale;
+    }
   }
 }
 
 // The decoded half, then the same backwards. The sample at the turn isn't repeated.
-void mirror(std::span<float> table) {
+void mirror(wsyn_voice_wave* wave) {
   constexpr auto length = sample_loops[mirrored_loop].source_length;
   static_assert(sample_loops[mirrored_loop].entries == 2 * length - 1);
-  std::reverse_copy(table.begin(), table.begin() + length - 1, table.begin() + length);
+  std::reverse_copy(*wave, *wave + length - 1, *wave + length);
 }
 
 // Fades the head in from what follows the wrap, so that the wrap isn't heard.
-void crossfade(std::span<float> table) {
+void crossfade(wsyn_voice_wave* wave) {
   constexpr auto wrap = static_cast<size_t>(sample_loops[crossfaded_loop].loop_length);
   static_assert(wrap + crossfade_entries <= sample_loops[crossfaded_loop].entries);
   for (size_t k = 0; k < crossfade_entries; ++k) {
     const float weight = std::sqrt(static_cast<float>(k) * 0.00048828125F);  // 1 / 2048
-    table[k] = (1.0F - weight) * table[k + wrap] + weight * table[k];
+    (*wave)[k] = (1.0F - weight) * (*wave)[k + wrap] + weight * (*wave)[k];
   }
 }
 
-void build_loop(int32_t number, std::span<float> table, wsyn_state* state) {
-  if (number == noise_loop) {
-    for (float& entry : table) entry = noise_value();
-  } else {
-    decode(number, table);
-  }
-  if (number == mirrored_loop) mirror(table);
-  if (number == crossfaded_loop) crossfade(table);
-  const auto index = static_cast<size_t>(number);
-  state->loop_length[index] = static_cast<float>(sample_loops[index].loop_length);
+void build_loops(wave_store* store) {
+  decode_loops(store);
+  mirror(&store->loops[mirrored_loop]);
+  crossfade(&store->loops[crossfaded_loop]);
 }
 
-// The table of loop `number`; empty for a number without one.
-std::span<const float> loop_table(int32_t number, const wsyn_state& state) {
-  const std::array<std::span<const float>, sample_loop_count> tables = {
-      state.loop_table0, state.loop_table1, state.loop_table2, state.loop_table3,
-      state.loop_table4, state.loop_table5, state.loop_table6};
-  return number >= 0 && number < sample_loop_count ? tables[static_cast<size_t>(number)] : std::span<const float>();
+void fill_noise_loop(wsyn_state* state) {
+  uint32_t generator = state->noise_loop_seed;
+  for (int32_t i = 0; i < sample_loops[noise_loop].entries; ++i) {
+    state->noise_loop_wave[i] = noise_sample(noise_next(&generator));
+  }
+  state->noise_loop_filled = 1;
 }
 
 // --- Shapes ---
@@ -120,40 +128,48 @@ double octave_feedback_sine(double x) {
   return std::sin(x + y);
 }
 
+void compute_shape(int32_t shape, std::span<float, wsyn_shape_entries> table) {
+  for (size_t i = 0; i < table.size(); ++i) {
+    table[i] = wsyn_shape_value(shape, static_cast<float>(static_cast<double>(i) * radians_per_entry));
+  }
+}
+
+// Returns true, so that a constant can hold that it was done.
+bool build_store(wave_store* store) {
+  build_loops(store);
+  for (int32_t shape = 0; shape < wsyn_fixed_shapes; ++shape) compute_shape(shape, store->shapes[shape]);
+  for (int32_t i = 0; i < wsyn_sine_entries; ++i) {
+    store->sine_table[i] = static_cast<float>(std::sin(i * radians_per_entry));
+  }
+  return true;
+}
+
 }  // namespace
 
-void wsyn_build_loop0(wsyn_state* state) {
-  build_loop(0, state->loop_table0, state);
-}
-void wsyn_build_loop1(wsyn_state* state) {
-  build_loop(1, state->loop_table1, state);
-}
-void wsyn_build_loop2(wsyn_state* state) {
-  build_loop(2, state->loop_table2, state);
-}
-void wsyn_build_loop3(wsyn_state* state) {
-  build_loop(3, state->loop_table3, state);
-}
-void wsyn_build_loop4(wsyn_state* state) {
-  build_loop(4, state->loop_table4, state);
-}
-void wsyn_build_loop5(wsyn_state* state) {
-  build_loop(5, state->loop_table5, state);
-}
-void wsyn_build_loop6(wsyn_state* state) {
-  build_loop(6, state->loop_table6, state);
+const wave_store& shared_wave_store() {
+  static wave_store store;
+  [[maybe_unused]] static const bool built = build_store(&store);
+  return store;
 }
 
-void wsyn_build_loops(wsyn_state* state) {
-  constexpr void (*builders[])(wsyn_state*) = {wsyn_build_loop0, wsyn_build_loop1, wsyn_build_loop2, wsyn_build_loop3,
-                                               wsyn_build_loop4, wsyn_build_loop5, wsyn_build_loop6};
-  for (auto* const build : builders) build(state);
+void wsyn_draw_noise_loop(wsyn_state* state) {
+  state->noise_loop_seed = noise_state;
+  state->noise_loop_filled = 0;
+  noise_state = noise_state_after(noise_state, sample_loops[noise_loop].entries);
 }
 
-void wsyn_build_sine_table(wsyn_state* state) {
-  for (int32_t i = 0; i < wsyn_sine_entries; ++i) {
-    state->sine_table[i] = static_cast<float>(std::sin(i * radians_per_entry));
+const wsyn_voice_wave* wsyn_voice_wave_of(int32_t number, wsyn_state* state) {
+  if (number == noise_loop) {
+    if (state->noise_loop_filled == 0) fill_noise_loop(state);
+    return &state->noise_loop_wave;
   }
+  const wave_store& store = shared_wave_store();
+  return number >= 0 && number < noise_loop ? &store.loops[number] : &store.silence;
+}
+
+int32_t wsyn_wrap_of(int32_t number) {
+  return number >= 0 && number < sample_loop_count ? sample_loops[static_cast<size_t>(number)].loop_length
+                                                   : silent_wrap;
 }
 
 float wsyn_shape_value(int32_t shape, float t) {
@@ -180,22 +196,16 @@ float wsyn_shape_value(int32_t shape, float t) {
     case 8:
       return rounded(std::clamp(std::tan(x / 2.0), -1.0, 1.0));
     case 9:
-      return noise_value();
+      return noise_sample(noise_rand());
     default:
       return 0.0F;
   }
 }
 
 void wsyn_fill_shape(int32_t shape, std::span<float, wsyn_shape_entries> table) {
-  for (size_t i = 0; i < table.size(); ++i) {
-    table[i] = wsyn_shape_value(shape, static_cast<float>(static_cast<double>(i) * radians_per_entry));
+  if (shape >= 0 && shape < wsyn_fixed_shapes) {
+    std::ranges::copy(shared_wave_store().shapes[shape], table.begin());
+  } else {
+    compute_shape(shape, table);
   }
-}
-
-int32_t wsyn_load_voice_wave(int32_t number, const wsyn_state& state, std::span<float, wsyn_voice_wave_entries> wave) {
-  const std::span<const float> table = loop_table(number, state);
-  const size_t count = std::min(table.size(), wave.size() - 1);
-  std::copy_n(table.begin(), count, wave.begin());
-  std::fill(wave.begin() + static_cast<std::ptrdiff_t>(count), wave.end(), 0.0F);
-  return table.empty() ? silent_wrap : truncate_to_int32(state.loop_length[static_cast<size_t>(number)]);
 }

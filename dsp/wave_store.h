@@ -6,21 +6,31 @@
 
 #include "dsp/wsyn.h"
 
-// Builders of the loops: each fills its loop_table and its loop_length. Nothing is allocated. Loops 1, 2, 3 and 5 are
-// plain decoded runs.
-void wsyn_build_loop0(wsyn_state* state);  // reads the same forwards and backwards, so that its end meets its start
-void wsyn_build_loop1(wsyn_state* state);
-void wsyn_build_loop2(wsyn_state* state);
-void wsyn_build_loop3(wsyn_state* state);
-void wsyn_build_loop4(wsyn_state* state);  // its first 2048 samples are cross-faded with those past the wrap
-void wsyn_build_loop5(wsyn_state* state);
-void wsyn_build_loop6(wsyn_state* state);  // white noise from the calling thread's generator
+constexpr int32_t wsyn_fixed_shapes = 9;  // computed shapes that are always the same: all but the noise
 
-// All of them, in ascending order.
-void wsyn_build_loops(wsyn_state* state);
+// The tables that are the same for every synthesizer. Some 1.1 MB of the 2.9 MB are ever touched: the loops' silence
+// takes no memory until it is read.
+struct wave_store {
+  wsyn_voice_wave loops[noise_loop];  // loop 0 is mirrored, the head of loop 4 cross-faded with what follows its wrap
+  wsyn_voice_wave silence;            // for numbers without a loop
+  float shapes[wsyn_fixed_shapes][wsyn_shape_entries];
+  float sine_table[wsyn_sine_entries];
+};
 
-// Fills sine_table with one cycle.
-void wsyn_build_sine_table(wsyn_state* state);
+// The store of this process, read-only. The first call makes it, in about a millisecond, while other threads wait; from
+// then on calls take no lock. So call it once away from the audio thread.
+const wave_store& shared_wave_store();
+
+// Draws the noise loop of `state` from the calling thread's generator: white noise that a later wsyn_voice_wave_of
+// fills in.
+void wsyn_draw_noise_loop(wsyn_state* state);
+
+// The loop `number` as `state` plays it, silence for a number without one.
+//   audio    no heap; the first request for the noise loop fills it in, 60001 samples
+const wsyn_voice_wave* wsyn_voice_wave_of(int32_t number, wsyn_state* state);
+
+// Entries after which an oscillator wraps in loop `number`; 10000 without one.
+int32_t wsyn_wrap_of(int32_t number);
 
 // Value of one computed shape.
 //   shape    0 to 8; 9 is white noise, a new value per call; any other number gives 0
@@ -31,8 +41,5 @@ float wsyn_shape_value(int32_t shape, float t);
 
 // Fills `table` with one cycle of `shape`; the last entry repeats the first, as the interpolation's guard point. Noise
 // has no such guard.
+//   audio    no heap, and nothing is computed but noise: the other shapes come from the shared store
 void wsyn_fill_shape(int32_t shape, std::span<float, wsyn_shape_entries> table);
-
-// Copies loop `number` into `wave`; the last entry, which no phase reaches, and what the loop doesn't fill are cleared.
-//   returns  the wrap length of the loop. A number without a loop gives silence and 10000
-int32_t wsyn_load_voice_wave(int32_t number, const wsyn_state& state, std::span<float, wsyn_voice_wave_entries> wave);

@@ -56,8 +56,16 @@ constexpr int32_t wsyn_sine_entries = 1024;
 constexpr int32_t wsyn_note_slots = 32;
 constexpr uint32_t wsyn_magic = 0x7773796e;  // "wsyn"
 
-// Some 2.2 MB, so it belongs on the heap, zeroed; a zeroed record is one before its first commit. Owned by one thread.
+// A sample loop as an oscillator plays it, followed by silence.
+using wsyn_voice_wave = float[wsyn_voice_wave_entries];
+
+// Some 420 kB, so it belongs on the heap, zeroed; a zeroed record is one before its first commit. Owned by one thread.
+// It points into itself while an oscillator plays the noise loop, so it can't be copied.
 struct wsyn_state {
+  wsyn_state() = default;
+  wsyn_state(const wsyn_state&) = delete;
+  wsyn_state& operator=(const wsyn_state&) = delete;
+
   uint32_t magic = 0;       // for a debugger: wsyn_magic from the first commit on
   int32_t initialised = 0;  // 1 from the end of the first commit on
   int32_t committing = 0;   // for a debugger: 1 during a commit
@@ -98,7 +106,6 @@ struct wsyn_state {
   double base_step = 0.0;  // phase step in entries at ratio 1
   double tune1 = 0.0;      // octaves
   double tune2 = 0.0;
-  float loop_length[sample_loop_count] = {};
   float output_level = 0.0F;  // for a debugger: 1 after the first commit, 10 once samples have been rendered
   float lfo_phase1 = 0.0F;    // entries of sine_table
   float lfo_phase2 = 0.0F;
@@ -109,17 +116,18 @@ struct wsyn_state {
 
   float shape1[wsyn_shape_entries] = {};
   float shape2[wsyn_shape_entries] = {};
-  float loop_table0[sample_loops[0].entries] = {};
-  float loop_table1[sample_loops[1].entries] = {};
-  float loop_table2[sample_loops[2].entries] = {};
-  float loop_table3[sample_loops[3].entries] = {};
-  float loop_table4[sample_loops[4].entries] = {};
-  float loop_table5[sample_loops[5].entries] = {};
-  float loop_table6[sample_loops[6].entries] = {};
-  wsyn_render_fn render = nullptr;                  // chosen by wsyn_select_render
-  float voice_wave1[wsyn_voice_wave_entries] = {};  // the loops that the oscillators play
-  float voice_wave2[wsyn_voice_wave_entries] = {};
-  float sine_table[wsyn_sine_entries] = {};
+  wsyn_render_fn render = nullptr;  // chosen by wsyn_select_render
+
+  // Of the store that all synthesizers share, but for the noise loop; null before the first commit.
+  const wsyn_voice_wave* voice_wave1 = nullptr;  // the loops that the oscillators play
+  const wsyn_voice_wave* voice_wave2 = nullptr;
+  const float* sine_table = nullptr;  // one cycle, [wsyn_sine_entries]
+
+  // The noise loop differs from record to record. It is drawn at the first commit, but filled in when it is first
+  // played, which few sounds do.
+  uint32_t noise_loop_seed = 0;  // the generator's state before its first sample
+  int32_t noise_loop_filled = 0;
+  wsyn_voice_wave noise_loop_wave = {};
 
   voice_record voices[wsyn_voice_count] = {};
   int32_t note_slots[wsyn_note_slots] = {};  // held notes; below 27 a slot is free

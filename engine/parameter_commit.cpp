@@ -7,6 +7,7 @@
 #include "dsp/convert.h"
 #include "dsp/fft.h"
 #include "dsp/oscillators.h"
+#include "dsp/wave_store.h"
 #include "engine/voco_state.h"
 
 namespace {
@@ -68,23 +69,47 @@ double trapezoid(int32_t i) {
   return 1.0;
 }
 
-void build_windows(voco_state* state) {
+// What the first commit gives every engine alike.
+struct constant_tables {
+  int32_t fft_log2_size;
+  decltype(voco_state::fft_cos_table) fft_cos_table;
+  voco_state::frame hann_window;
+  voco_state::frame trapezoid_window;
+  voco_state::frame welch_window;
+  filter_bank_coefficients band_filters;
+};
+
+constant_tables build_tables() {
+  constant_tables tables;
+  fft_cos_table_init(&tables.fft_log2_size, frame_size, tables.fft_cos_table.data());
   for (int32_t i = 0; i < frame_size; ++i) {
     const auto entry = static_cast<size_t>(i);
     const float turn = static_cast<float>(i) * 6.2831855F * 0.0009765625F;
-    state->hann_window[entry] = 0.5F - 0.5F * static_cast<float>(std::cos(double{turn}));
-    state->trapezoid_window[entry] = static_cast<float>(trapezoid_height * trapezoid(i));
+    tables.hann_window[entry] = 0.5F - 0.5F * static_cast<float>(std::cos(double{turn}));
+    tables.trapezoid_window[entry] = static_cast<float>(trapezoid_height * trapezoid(i));
     const float offset = static_cast<float>(i - frame_hop) * 0.001953125F;
-    state->welch_window[entry] = 1.0F - offset * offset;
+    tables.welch_window[entry] = 1.0F - offset * offset;
   }
+  tables.band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
+  return tables;
 }
 
+const constant_tables& shared_tables() {
+  static const constant_tables tables = build_tables();
+  return tables;
+}
+
+// The tables are copied, 14 kB, so that a frame finds them next to what else it reads.
 void commit_first(voco_state* state) {
   state->tag = voco_state_tag;
   state->frame_pos = frame_hop;
-  fft_cos_table_init(&state->fft_log2_size, frame_size, state->fft_cos_table.data());
-  build_windows(state);
-  state->band_filters = filter_bank_coefficients_of(static_cast<float>(core_sample_rate_hz));
+  const constant_tables& tables = shared_tables();
+  state->fft_log2_size = tables.fft_log2_size;
+  state->fft_cos_table = tables.fft_cos_table;
+  state->hann_window = tables.hann_window;
+  state->trapezoid_window = tables.trapezoid_window;
+  state->welch_window = tables.welch_window;
+  state->band_filters = tables.band_filters;
   chorus_prepare(&state->chorus);
 }
 
@@ -94,6 +119,13 @@ float clamp_to_unit(float value) {
 }
 
 }  // namespace
+
+void voco_prepare(voco_state* state) {
+  shared_wave_store();
+  shared_tables();
+  chorus_prepare(&state->chorus);
+  reverb_prepare(&state->reverb);
+}
 
 void voco_commit(voco_params* params, voco_state* state) {
   voco_params& values = *params;

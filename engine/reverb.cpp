@@ -41,7 +41,6 @@ constexpr float equal_weight = 0.1F;  // of the taps from 16 on, which both chan
 
 constexpr float longest_decay_size = 0.91F;  // beyond it the tail would hardly decay
 constexpr float output_level = 0.75F;
-constexpr size_t cleared_samples = 24000;  // of each ring; the largest has 22422
 
 // Consecutive samples run side by side, one per lane. Each lane computes what a single sample does, provided that no
 // lane reads what another of the group has yet to write. The positions of one sample are all different, so the order in
@@ -96,8 +95,8 @@ void build_taps(reverb_state* state) {
 }
 
 void clear_rings(reverb_state* state) {
-  std::fill_n(state->left.begin(), cleared_samples, 0.0F);
-  std::fill_n(state->right.begin(), cleared_samples, 0.0F);
+  state->left.fill(0.0F);
+  state->right.fill(0.0F);
   state->overflowed = 0;
 }
 
@@ -270,6 +269,12 @@ int32_t process_run(const reverb_gains& gains, const float* in_left, const float
 
 }  // namespace
 
+void reverb_prepare(reverb_state* state) {
+  for (distance_delay* const delay : {&state->motion_left, &state->motion_right}) {
+    if (delay->ready == 0) distance_delay_create(delay);
+  }
+}
+
 void reverb_configure(float level, float size, reverb_state* state) {
   size = clamp_to_unit(size);
   state->level = clamp_to_unit(level);
@@ -280,8 +285,7 @@ void reverb_configure(float level, float size, reverb_state* state) {
   build_taps(state);
   clear_rings(state);
   state->motion_counter = 0.0;
-  if (state->motion_left.ready == 0) distance_delay_create(&state->motion_left);
-  if (state->motion_right.ready == 0) distance_delay_create(&state->motion_right);
+  reverb_prepare(state);
   state->configured = 1;
 }
 

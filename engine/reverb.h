@@ -8,7 +8,7 @@
 #include "engine/motion.h"
 
 constexpr int32_t reverb_tap_count = 32;
-constexpr int32_t reverb_ring_size = 48000;
+constexpr int32_t reverb_ring_size = 24000;  // the largest room takes 22422
 
 using tap_positions = std::array<int32_t, reverb_tap_count>;
 
@@ -31,13 +31,17 @@ struct reverb_state {
   uint8_t overflowed = 0;  // the tail has become infinite or not a number since it was last clear
 };
 
+// Makes the motion delays that aren't ready.
+//   heap      their storage; a delay stays not ready when it can't be had
+void reverb_prepare(reverb_state* state);
+
 // Takes the values of a block. A size that differs by 1/128 or more from the one in use rebuilds the taps, clears
 // the tail and restarts the motion; a smaller difference is ignored, so that a moving control doesn't do so in every
 // block.
 //   level     limited to 0..1; full from one half up
 //   size      limited to 0..1: rings of 422 to 22422 samples. Beyond 0.91 the decay time stays the same
 //   NaN       counts as 0 in both
-//   audio     makes the two motion delays when they aren't ready; otherwise no heap
+//   audio     no heap, unless motion delays are missing that `reverb_prepare` would have made
 void reverb_configure(float level, float size, reverb_state* state);
 
 // Adds the tail to `*out_left` and `*out_right`, and the input to the tail. Nothing happens before the first configure.

@@ -21,7 +21,8 @@ constexpr int32_t wavelet_level_count = 10;     // nine octaves of a frame, and 
 
 constexpr uint32_t voco_state_tag = 0x766f636f;  // "voco"
 
-// Zeroed when made; the first commit builds the tables. Everything belongs to the thread that processes.
+// Some 1.1 MB. Zeroed when made; `voco_prepare` and the first commit complete it. Everything belongs to the thread that
+// processes.
 struct voco_state {
   using frame = std::array<float, frame_size>;
   using bins = std::array<float, frame_size>;  // `bin_count` are in use, and one more where an algorithm says so
@@ -86,8 +87,8 @@ struct voco_state {
   // a change of mode keeps them.
   std::array<float, wavelet_level_count> wavelet_level_avg{};
 
-  // Tables. Written by the first commit; read by the frame step and the algorithms. Those for smoothing are built and
-  // changed by `smooth_magnitudes`.
+  // Tables. Copied by the first commit from those of the process; read by the frame step and the algorithms. Those for
+  // smoothing are built and changed by `smooth_magnitudes`.
   int32_t fft_log2_size = 0;
   std::array<float, frame_size / 4 + 1> fft_cos_table{};
   frame hann_window{};

@@ -9,6 +9,7 @@
 
 #include "engine/block_framing.h"
 #include "engine/notes.h"
+#include "engine/parameter_commit.h"
 #include "engine/sound_record.h"
 
 struct vocoder_instance {
@@ -36,6 +37,7 @@ vocoder_instance* vocoder_create(float sample_rate) noexcept {
   if (sample_rate != 0.0F) instance->framing.sample_rate = double{sample_rate};
   equaliser_prepare(static_cast<float>(instance->core.core_rate), nullptr, &instance->core.equaliser);
   equaliser_set_gain(0.0F, &instance->core.equaliser);
+  voco_prepare(&instance->core.state);
   return instance;
 }
 

@@ -1,15 +1,19 @@
 // MIT License. What do the stages of the engine cost per sample?
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+
+#include "bench/engine/session.h"
 #include "engine/chorus.h"
 #include "engine/float_mode.h"
+#include "engine/frame_step.h"
+#include "engine/modes.h"
 #include "engine/notes.h"
 #include "engine/output_equaliser.h"
 #include "engine/parameter_commit.h"
 #include "engine/reverb.h"
 #include "engine/voco_state.h"
 #include "engine/voices.h"
-#include "tests/engine/engine_words.h"
 
 namespace {
 
@@ -109,5 +113,26 @@ void commit(benchmark::State& state) {
   }
 }
 BENCHMARK(commit);
+
+// The work at the end of a hop, as items of its 512 samples. Mode -1 has no algorithm: the frame is measured, and the
+// carrier goes through the transforms and back.
+void frame_step(benchmark::State& state) {
+  float_mode_flush_denormals();
+  const auto mode = static_cast<int32_t>(state.range(0));
+  const auto voco = committed(external_carrier_sound(static_cast<float>(mode)));
+  const waveform& voice = shared_inputs().voice;
+  const waveform& chord = shared_inputs().chord;
+  size_t position = 0;
+  for (auto _ : state) {
+    if (position + frame_hop > voice.size()) position = 0;
+    std::copy_n(voice.data() + position, frame_hop, voco->modulator_frame.begin() + frame_hop);
+    std::copy_n(chord.data() + position, frame_hop, voco->carrier_frame.begin() + frame_hop);
+    position += frame_hop;
+    voco_frame_step(voco.get());
+  }
+  state.SetLabel(vocoder_algorithm_of(mode).name);
+  state.SetItemsProcessed(state.iterations() * frame_hop);
+}
+BENCHMARK(frame_step)->ArgName("mode")->DenseRange(-1, vocoder_mode_count - 1);
 
 }  // namespace

@@ -64,7 +64,6 @@ TEST(Tables, DescribeTheLoops) {
     EXPECT_EQ(fields(sample_loops[i]), fields(loops[i])) << i;
     params[4] = params[5] = static_cast<float>(i);
     wsyn_commit(params.data(), state.get());
-    EXPECT_EQ(state->loop_length[i], static_cast<float>(loops[i].loop_length));
     EXPECT_EQ(state->wrap1, loops[i].loop_length);
     EXPECT_EQ(state->wrap2, loops[i].loop_length);
     EXPECT_EQ(state->tune1, loops[i].octave_offset);

@@ -21,16 +21,15 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
-// The first commit builds all loops.
-std::unique_ptr<wsyn_state> with_all_loops() {
+// A synthesizer after its first commit.
+std::unique_ptr<wsyn_state> committed() {
   auto state = std::make_unique<wsyn_state>();
   wsyn_commit(std::array<float, wsyn_param_count>().data(), state.get());
   return state;
 }
 
-std::vector<std::span<const float>> loop_tables(const wsyn_state& state) {
-  return {state.loop_table0, state.loop_table1, state.loop_table2, state.loop_table3,
-          state.loop_table4, state.loop_table5, state.loop_table6};
+std::span<const float> wave_of(int32_t number, wsyn_state* state) {
+  return *wsyn_voice_wave_of(number, state);
 }
 
 // --- Conversion and random source ---
@@ -55,13 +54,20 @@ TEST(NoiseRand, IsTheSameSequenceInEveryThread) {
   }
 }
 
+TEST(NoiseRand, SkipsNumbersAsIfTheyWereDrawn) {
+  uint32_t state = 0x89abcdefU;
+  for (uint32_t count = 0; count < 1000; ++count) {
+    ASSERT_EQ(noise_state_after(0x89abcdefU, count), state) << count;
+    noise_next(&state);
+  }
+}
+
 // --- Sample loops ---
 
 TEST(SampleLoops, DecodeToTheSumOfTheirStepsRoundedAtEachAndPlayTheirRootKeyAtTheStoredSpeed) {
-  const auto state = with_all_loops();
   for (size_t wave = 0; wave < noise_loop; ++wave) {
     const auto source = sample_loop_source(static_cast<int32_t>(wave));
-    const std::span<const float> table = loop_tables(*state)[wave];
+    const std::span<const float> table = shared_wave_store().loops[wave];
     const sample_loop& loop = sample_loops[wave];
     ASSERT_EQ(source.size(), static_cast<size_t>(loop.source_length));
     float sum = 0.0f;
@@ -77,19 +83,64 @@ TEST(SampleLoops, DecodeToTheSumOfTheirStepsRoundedAtEachAndPlayTheirRootKeyAtTh
       ASSERT_EQ(table[i], expected) << "loop " << wave << " entry " << i;
     }
     EXPECT_NEAR(peak, 2.0f, 0.1f) << "loop " << wave;
-    EXPECT_EQ(state->loop_length[wave], static_cast<float>(loop.loop_length));
+    EXPECT_EQ(wsyn_wrap_of(static_cast<int32_t>(wave)), loop.loop_length);
+    const auto entries = static_cast<size_t>(loop.entries);
+    EXPECT_NE(table[entries - 1], 0.0f) << "loop " << wave;
+    EXPECT_TRUE(std::ranges::all_of(table.subspan(entries), [](float x) { return x == 0.0f; })) << "loop " << wave;
     const double step = 3.0375 * std::exp2((loop.root_key - 60) / 12.0 + loop.octave_offset);
     EXPECT_NEAR(1200.0 * std::log2(step), 0.0, 4.0) << "cents of loop " << wave;
   }
   for (const int32_t wave : {-1, noise_loop, 7}) EXPECT_TRUE(sample_loop_source(wave).empty()) << "loop " << wave;
 }
 
-TEST(SampleLoops, LoopZeroReadsTheSameBackwardsAndLoopSixIsEvenWhiteNoise) {
-  const auto state = with_all_loops();
-  const std::span<const float> mirrored = state->loop_table0;
+TEST(SampleLoops, LoopZeroReadsTheSameBackwards) {
+  const auto mirrored = std::span(shared_wave_store().loops[0]).first(89039);
   EXPECT_TRUE(std::equal(mirrored.begin(), mirrored.end(), mirrored.rbegin()));
+}
+
+TEST(SampleLoops, AreSharedBySynthesizersAndNumbersWithoutOneAreSilent) {
+  const auto state = committed(), other = committed();
+  for (int32_t wave = 0; wave < noise_loop; ++wave)
+    EXPECT_EQ(wsyn_voice_wave_of(wave, state.get()), wsyn_voice_wave_of(wave, other.get()));
+  for (const int32_t none : {-1, 7, std::numeric_limits<int32_t>::min()}) {
+    EXPECT_EQ(wsyn_wrap_of(none), 10000);
+    EXPECT_TRUE(std::ranges::all_of(wave_of(none, state.get()), [](float x) { return x == 0.0f; })) << none;
+  }
+}
+
+TEST(SharedWaveStore, IsMadeOnceByWhicheverThreadAsksFirst) {
+  std::array<const wave_store*, 4> seen{};
+  std::vector<std::thread> threads;
+  for (auto& store : seen) threads.emplace_back([&store] { store = &shared_wave_store(); });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(std::ranges::all_of(seen, [&](const wave_store* store) { return store == seen[0]; }));
+  EXPECT_EQ(seen[0]->sine_table[256], 1.0f);
+}
+
+// --- The noise loop ---
+
+TEST(NoiseLoop, IsWhatTheThreadsGeneratorDrawsAtTheFirstCommitHoweverLateItIsPlayed) {
+  noise_state = 12345U;
+  const auto state = committed();
+  const uint32_t left_behind = noise_state;
+  noise_state = 12345U;
+  std::vector<float> drawn(60001);
+  for (float& entry : drawn) entry = wsyn_shape_value(9, 0.0f);
+  EXPECT_EQ(noise_state, left_behind);
+
+  noise_state = 1U;
+  const std::span<const float> played = wave_of(noise_loop, state.get());
+  EXPECT_EQ(noise_state, 1U) << "playing draws nothing";
+  EXPECT_TRUE(std::ranges::equal(played.first(60001), drawn));
+  EXPECT_TRUE(std::ranges::all_of(played.subspan(60001), [](float x) { return x == 0.0f; }));
+  EXPECT_EQ(wsyn_wrap_of(noise_loop), 60000);
+  EXPECT_NE(wave_of(noise_loop, committed().get())[0], drawn[0]) << "another draw, another noise";
+}
+
+TEST(NoiseLoop, IsEvenAndWhite) {
+  const auto state = committed();
   double sum = 0.0, squares = 0.0, neighbours = 0.0, previous = 0.0;
-  for (const float entry : state->loop_table6) {
+  for (const float entry : wave_of(noise_loop, state.get()).first(60001)) {
     const double x = entry;
     ASSERT_LE(std::abs(x), 1.0);
     sum += x, squares += x * x, neighbours += x * previous, previous = x;
@@ -97,22 +148,6 @@ TEST(SampleLoops, LoopZeroReadsTheSameBackwardsAndLoopSixIsEvenWhiteNoise) {
   EXPECT_NEAR(sum / 60000, 0.0, 0.01);
   EXPECT_NEAR(squares / 60000, 1.0 / 3.0, 0.01);
   EXPECT_NEAR(neighbours / 60000, 0.0, 0.01);
-}
-
-// --- Voice buffers ---
-
-TEST(VoiceWave, HoldsTheLoopOfItsNumberFollowedBySilence) {
-  const auto state = with_all_loops();
-  for (const int32_t wave : {0, 1, 2, 3, 4, 5, 6, -1, 7, std::numeric_limits<int32_t>::min()}) {
-    const auto number = static_cast<size_t>(wave);
-    const bool exists = number < sample_loop_count;
-    std::vector<float> expected(wsyn_voice_wave_entries);
-    if (exists) std::ranges::copy(loop_tables(*state)[number], expected.begin());
-    std::ranges::fill(state->voice_wave2, 9.0f);
-    const int32_t wrap = wsyn_load_voice_wave(wave, *state, state->voice_wave2);
-    EXPECT_TRUE(std::ranges::equal(state->voice_wave2, expected)) << "loop " << wave;
-    EXPECT_EQ(wrap, exists ? sample_loops[number].loop_length : 10000);
-  }
 }
 
 // --- Shapes ---
@@ -142,6 +177,8 @@ TEST(Shape, FollowsItsDefinitionOverTheWholeCycle) {
       // The tangent's pole at half a cycle turns on the last bit of the angle.
       if ((shape == 0 || shape == 8) && i == 512) continue;
       const double x = 2 * pi * static_cast<double>(i) / 1024;
+      const auto angle = static_cast<float>(static_cast<double>(i) * 0.006135923151542565);
+      ASSERT_EQ(table[i], wsyn_shape_value(static_cast<int32_t>(shape), angle)) << "shape " << shape << " entry " << i;
       ASSERT_NEAR(table[i], exact_shapes[shape](x), 2e-5) << "shape " << shape << " entry " << i;
     }
     EXPECT_EQ(table[1024], table[0]) << "guard point of shape " << shape;

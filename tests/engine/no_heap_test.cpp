@@ -31,6 +31,23 @@ TEST(OrdinaryBlock, ReachesNoHeapInAnyMode) {
   }
 }
 
+TEST(FirstBlock, ReachesTheHeapForItsBuffersAlone) {
+  const instance_ptr instance = make_instance();
+  vocoder_note_on(48, 127, instance.get());
+  sound_values sound = plain_sound(2.0F);
+  sound[value_reverb_level] = 0.5F;
+  const auto allocations_of_block = [&](size_t frames) {
+    const int64_t before = allocation_count();
+    waveform left(frames), right(frames);
+    float* const outputs[2] = {left.data(), right.data()};
+    vocoder_process(sound, 1, 1, static_cast<int32_t>(frames), nullptr, outputs, instance.get());
+    return allocation_count() - before;
+  };
+  const int64_t first = allocations_of_block(512);
+  EXPECT_EQ(first, allocations_of_block(1024)) << "which grows the buffers and nothing else";
+  EXPECT_LT(allocations_of_block(1024), first);
+}
+
 // Runs `use` with its allocation `number`, counted from 0, failing.
 //   returns  whether it came to that
 template <typename Use>

@@ -37,10 +37,10 @@ float plain_oscillators(int32_t note, const wsyn_state& synth, voice_record* voi
   const bool ring = synth.render == render_ring || synth.render == render_ring_sync;
   const float wrap1 = loops ? static_cast<float>(synth.wrap1) : 1023.0F;
   const float wrap2 = loops ? static_cast<float>(synth.wrap2) : 1023.0F;
-  const auto y1 = loops ? plain_read(synth.voice_wave1, voice->phase1) : plain_read(synth.shape1, voice->phase1);
+  const auto y1 = loops ? plain_read(*synth.voice_wave1, voice->phase1) : plain_read(synth.shape1, voice->phase1);
   const bool wraps = plain_advance(synth.pitch_mod1, synth.note_ratio1[note], wrap1, synth, &voice->phase1);
   if (sync && wraps) voice->phase2 = 0.0F;
-  const auto y2 = loops ? plain_read(synth.voice_wave2, voice->phase2) : plain_read(synth.shape2, voice->phase2);
+  const auto y2 = loops ? plain_read(*synth.voice_wave2, voice->phase2) : plain_read(synth.shape2, voice->phase2);
   plain_advance(synth.pitch_mod2, synth.note_ratio2[note], wrap2, synth, &voice->phase2);
   const double y = ring ? y1 * y2 : y1 + y2;
   const float s = std::fabs(static_cast<float>(y)) - 0.5F;
