@@ -86,14 +86,16 @@ KESREL_INLINE void measure_lag_group(int32_t length, const float* signal, int32_
   std::memcpy(lags + first, sums.data(), index(count) * sizeof *lags);
 }
 
-// The groups are as small as the lags left to measure allow; ten vectors leave room for the partners in the registers.
+// The groups are little larger than the lags left to measure need, of which the modes have 10, 35 and 80; ten vectors
+// leave room for the partners in the registers.
 template <typename vectors>
 KESREL_INLINE void measure_lags_in(int32_t length, const float* signal, int32_t count, float* lags) {
   constexpr auto width = static_cast<int32_t>(lanes_of<typename vectors::floats>);
+  constexpr int32_t few = (10 + width - 1) / width;
   for (int32_t first = 0; first < count;) {
     const int32_t left = count - first;
-    if (left <= 3 * width) {
-      measure_lag_group<vectors, 3>(length, signal, first, left, lags);
+    if (left <= few * width) {
+      measure_lag_group<vectors, few>(length, signal, first, left, lags);
       return;
     }
     if (left <= 5 * width) {
@@ -220,61 +222,91 @@ size_t padded_columns(int32_t n) {
   return index((n + row_lanes) / row_lanes * row_lanes);
 }
 
-// A row takes the earlier ones, and then the later ones, in a tile of four: the row that they take is read once for all
-// of them, and their own entries stay in the cache from one step to the next.
+// Rows take others in tiles: four of them take two, which are read once for all four, and what the first of the two
+// makes of a row stays in a register for the second.
 constexpr size_t tile_rows = 4;
+constexpr size_t tile_steps = 2;
 
-// Clears column i of `rows` rows from k on, where it isn't 0: row = row * factor - row i.
+template <size_t rows, size_t steps>
+using tile_factors = std::array<std::array<double, rows>, steps>;
+
+// Clears the columns from i on of `rows` rows from k on, as many as there are `steps`. In each column, unless it is 0
+// already: row = row * factor - row i.
 //   returns  false when a factor is 0, which clears its row
-template <typename vector, size_t rows>
+template <typename vector, size_t rows, size_t steps>
 KESREL_INLINE bool clear_below(size_t i, size_t k, size_t columns, lpc_matrix* matrix, row* diagonal) {
   auto& m = matrix->entry;
-  std::array<double, rows> factors;
-  for (size_t r = 0; r < rows; ++r) factors[r] = 1.0 / m[k + r][i];
-  if constexpr (rows == 1) {
-    if (m[k][i] == 0.0) return true;
-    if (factors[0] == 0.0) return false;
-  } else {
-    const auto special = [&](size_t r) { return m[k + r][i] == 0.0 || factors[r] == 0.0; };
-    if (special(0) || special(1) || special(2) || special(3)) {
+  tile_factors<rows, steps> factors;
+  bool special = false;
+  for (size_t r = 0; r < rows; ++r) {
+    for (size_t s = 0; s < steps; ++s) {
+      double entry = m[k + r][i + s];
+      for (size_t e = 0; e < s; ++e) entry = entry * factors[e][r] - m[i + e][i + s];
+      factors[s][r] = 1.0 / entry;
+      special = special || entry == 0.0 || factors[s][r] == 0.0;
+    }
+  }
+  if (special) {
+    if constexpr (rows * steps == 1) {
+      return factors[0][0] != 0.0;
+    } else {
       for (size_t r = 0; r < rows; ++r) {
-        if (!clear_below<vector, 1>(i, k + r, columns, matrix, diagonal)) return false;
+        for (size_t s = 0; s < steps; ++s) {
+          if (!clear_below<vector, 1, 1>(i + s, k + r, columns, matrix, diagonal)) return false;
+        }
       }
       return true;
     }
   }
   for (size_t c = 0; c < columns; c += lanes_of<vector>) {
-    vector source;
-    load(&m[i][c], &source);
+    std::array<vector, steps> sources;
+    for (size_t s = 0; s < steps; ++s) load(&m[i + s][c], &sources[s]);
     for (size_t r = 0; r < rows; ++r) {
       vector target;
       load(&m[k + r][c], &target);
-      store(target * factors[r] - source, &m[k + r][c]);
+      for (size_t s = 0; s < steps; ++s) target = target * factors[s][r] - sources[s];
+      store(target, &m[k + r][c]);
     }
   }
   for (size_t r = 0; r < rows; ++r) {
-    m[k + r][i] = 0.0 - m[i][i];
-    (*diagonal)[k + r] *= factors[r];
+    for (size_t s = 0; s < steps; ++s) {
+      double entry = 0.0 - m[i + s][i + s];
+      for (size_t e = s + 1; e < steps; ++e) entry = entry * factors[e][r] - m[i + e][i + s];
+      m[k + r][i + s] = entry;
+      (*diagonal)[k + r] *= factors[s][r];
+    }
   }
   return true;
 }
 
-// Clears column j of `rows` rows from k on: row = row - factor * row j.
-template <typename vector, size_t rows>
+// Clears the columns from j on of `rows` rows from k on: row = row - factor * row j in each.
+template <typename vector, size_t rows, size_t steps>
 KESREL_INLINE void clear_above(size_t j, size_t k, size_t columns, lpc_matrix* matrix) {
   auto& m = matrix->entry;
-  std::array<double, rows> factors;
-  for (size_t r = 0; r < rows; ++r) factors[r] = m[k + r][j];
+  tile_factors<rows, steps> factors;
+  for (size_t r = 0; r < rows; ++r) {
+    for (size_t s = 0; s < steps; ++s) {
+      factors[s][r] = m[k + r][j + s];
+      for (size_t e = 0; e < s; ++e) factors[s][r] -= factors[e][r] * m[j + e][j + s];
+    }
+  }
   for (size_t c = 0; c < columns; c += lanes_of<vector>) {
-    vector source;
-    load(&m[j][c], &source);
+    std::array<vector, steps> sources;
+    for (size_t s = 0; s < steps; ++s) load(&m[j + s][c], &sources[s]);
     for (size_t r = 0; r < rows; ++r) {
       vector target;
       load(&m[k + r][c], &target);
-      store(target - factors[r] * source, &m[k + r][c]);
+      for (size_t s = 0; s < steps; ++s) target -= factors[s][r] * sources[s];
+      store(target, &m[k + r][c]);
     }
   }
-  for (size_t r = 0; r < rows; ++r) m[k + r][j] = 0.0 - factors[r] * m[j][j];
+  for (size_t r = 0; r < rows; ++r) {
+    for (size_t s = 0; s < steps; ++s) {
+      double entry = 0.0;
+      for (size_t e = s; e < steps; ++e) entry -= factors[e][r] * m[j + e][j + s];
+      m[k + r][j + s] = entry;
+    }
+  }
 }
 
 //   returns  false when a pivot is 0, which asks for rows that are no longer there, or a factor, which clears its row
@@ -288,13 +320,14 @@ KESREL_INLINE bool eliminate_lower_triangle(int32_t n, lpc_matrix* matrix) {
   for (size_t first = 1; first <= last; first += tile_rows) {
     const size_t end = std::min(first + tile_rows, last + 1);
     if (end - first == tile_rows) {
-      for (size_t i = 1; i < first; ++i) {
-        if (!clear_below<vector, tile_rows>(i, first, columns, matrix, &diagonal)) return false;
+      static_assert(tile_rows % tile_steps == 0);
+      for (size_t i = 1; i < first; i += tile_steps) {
+        if (!clear_below<vector, tile_rows, tile_steps>(i, first, columns, matrix, &diagonal)) return false;
       }
     }
     for (size_t k = first; k < end; ++k) {
       for (size_t i = end - first == tile_rows ? first : 1; i < k; ++i) {
-        if (!clear_below<vector, 1>(i, k, columns, matrix, &diagonal)) return false;
+        if (!clear_below<vector, 1, 1>(i, k, columns, matrix, &diagonal)) return false;
       }
       if (m[k][k] == 0.0) return false;
       const double pivot_factor = 1.0 / m[k][k];
@@ -313,9 +346,13 @@ KESREL_INLINE void eliminate_upper_triangle(int32_t n, lpc_matrix* matrix) {
   for (size_t first = 1; first <= last; first += tile_rows) {
     const size_t end = std::min(first + tile_rows, last + 1);
     for (size_t k = first; k < end; ++k) {
-      for (size_t j = k + 1; j < end; ++j) clear_above<vector, 1>(j, k, columns, matrix);
+      for (size_t j = k + 1; j < end; ++j) clear_above<vector, 1, 1>(j, k, columns, matrix);
     }
-    for (size_t j = end; j <= last; ++j) clear_above<vector, tile_rows>(j, first, columns, matrix);
+    size_t j = end;
+    for (; j + tile_steps <= last + 1; j += tile_steps) {
+      clear_above<vector, tile_rows, tile_steps>(j, first, columns, matrix);
+    }
+    for (; j <= last; ++j) clear_above<vector, tile_rows, 1>(j, first, columns, matrix);
   }
 }
 
