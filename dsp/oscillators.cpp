@@ -189,9 +189,16 @@ float smoothed_cutoff(const wsyn_state& state) {
   return (state.cutoff_now * 3000.0F + state.cutoff_target) * 0.00033322227F;  // 1 / 3001
 }
 
+// std::pow(x, 6) rounded to float, without its cost. The square of a float is exact in double, and the rounding
+// of the other two products never reaches the float: all 2^23 significands have been tried.
+float sixth_power(float x) {
+  const double square = static_cast<double>(x) * static_cast<double>(x);
+  return static_cast<float>(square * square * square);
+}
+
 void derive_filter(wsyn_state* state) {
   const float c = state->cutoff_now;
-  const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0F - c), 6.0)) * 100.0F;
+  const float feedback = sixth_power(1.0F - c) * 100.0F;
   state->filter_feedback = feedback;
   state->filter_scale = 1.0F / (feedback + 1.0F);
   state->filter_amount = (c + 1.0F) * 0.5F * state->filter_gain;
