@@ -8,7 +8,7 @@
 #include <span>
 
 #include "dsp/convert.h"
-#include "dsp/lanes.h"
+#include "dsp/oscillator_lanes.h"
 #include "dsp/wave_store.h"
 
 namespace {
@@ -189,9 +189,16 @@ float smoothed_cutoff(const wsyn_state& state) {
   return (state.cutoff_now * 3000.0F + state.cutoff_target) * 0.00033322227F;  // 1 / 3001
 }
 
+// std::pow(x, 6) rounded to float, without its cost. The square of a float is exact in double, and the rounding
+// of the other two products never reaches the float: all 2^23 significands have been tried.
+float sixth_power(float x) {
+  const double square = static_cast<double>(x) * static_cast<double>(x);
+  return static_cast<float>(square * square * square);
+}
+
 void derive_filter(wsyn_state* state) {
   const float c = state->cutoff_now;
-  const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0F - c), 6.0)) * 100.0F;
+  const float feedback = sixth_power(1.0F - c) * 100.0F;
   state->filter_feedback = feedback;
   state->filter_scale = 1.0F / (feedback + 1.0F);
   state->filter_amount = (c + 1.0F) * 0.5F * state->filter_gain;
@@ -208,148 +215,13 @@ void commit_filter(const float* params, wsyn_state* state) {
 
 // --- Rendering ---
 
-// Wraps a step short of the cycle's 1024, which makes the shapes sound 1.7 cents sharp; shapes are tuned down for it.
-constexpr float shape_wrap = 1023.0F;
-
-// What the render functions differ in.
-enum class coupling { free, sync };
-enum class mixing { sum, ring };
-
-// Entries by which a phase moves per sample.
-float phase_step(double modulation, float ratio, const wsyn_state& state) {
-  const double step = static_cast<double>(state.bend) * modulation * static_cast<double>(ratio) * state.base_step;
-  return std::fabs(static_cast<float>(step)) * (1.0F / state.octave_divisor);
-}
-
-// Linear interpolation at two phases; 0 where the table has no two neighbours.
-template <size_t entries>
-double2 read(const float (&table)[entries], double2 phase) {
-  const long2 inside = (phase > -1.0) & (phase < static_cast<double>(entries - 1));
-  const double2 safe = inside ? phase : double2{};
-  const auto i0 = static_cast<int32_t>(safe[0]);
-  const auto i1 = static_cast<int32_t>(safe[1]);
-  const float4 neighbours = __builtin_shufflevector(load2(table + i0), load2(table + i1), 0, 2, 1, 3);
-  const double2 here = widened(lower(neighbours));
-  const double2 next = widened(upper(neighbours));
-  const double2 value = here + (next - here) * (safe - double2{static_cast<double>(i0), static_cast<double>(i1)});
-  return inside ? value : double2{};
-}
-
-// Advances two phases and takes one wrap length off those that pass it.
-//   returns  which did
-long2 advance(double2 step, double wrap, double2* phase) {
-  const double2 next = *phase + step;
-  const long2 wrapped = next > wrap;
-  *phase = widened(narrowed(wrapped ? next - wrap : next));
-  return wrapped;
-}
-
-// Waveshaper of odd symmetry around |y| = 0.5; it leaves |y| of 0.25, 0.5 and 0.75 alone.
-float4 shaped(double2 y01, double2 y23, float drive) {
-  const float4 s = magnitude(joined(narrowed(y01), narrowed(y23))) - 0.5F;
-  const float4 change = (magnitude(s) - 0.25F) * drive * s;
-  return joined(narrowed(y01 + widened(lower(change))), narrowed(y23 + widened(upper(change))));
-}
-
-// The oscillators of two voices.
-struct oscillator_pair {
-  double2 phase1{};  // always of single precision
-  double2 phase2{};
-  double2 step1{};
-  double2 step2{};
-};
-
-// Where the oscillators of two voices are read for one sample.
-struct read_phases {
-  double2 phase1;
-  double2 phase2;
-};
-
-// The tables that all voices of a state play, with their wrap lengths, and how the oscillators are joined.
-template <size_t entries, coupling oscillators, mixing mix>
-struct renderer {
-  const float (&table1)[entries];
-  const float (&table2)[entries];
-  float wrap1;
-  float wrap2;
-
-  read_phases advance_pair(oscillator_pair* pair) const {
-    read_phases at;
-    at.phase1 = pair->phase1;
-    const long2 wrapped = advance(pair->step1, static_cast<double>(wrap1), &pair->phase1);
-    if (oscillators == coupling::sync) pair->phase2 = wrapped ? double2{} : pair->phase2;
-    at.phase2 = pair->phase2;
-    advance(pair->step2, static_cast<double>(wrap2), &pair->phase2);
-    return at;
-  }
-
-  double2 joined_at(const read_phases& at) const {
-    const double2 y1 = read(table1, at.phase1);
-    const double2 y2 = read(table2, at.phase2);
-    return mix == mixing::ring ? y1 * y2 : y1 + y2;
-  }
-};
-
-template <coupling oscillators, mixing mix>
-auto shape_renderer(const wsyn_state& state) {
-  return renderer<wsyn_shape_entries, oscillators, mix>{state.shape1, state.shape2, shape_wrap, shape_wrap};
-}
-
-auto loop_renderer(const wsyn_state& state) {
-  return renderer<wsyn_voice_wave_entries, coupling::free, mixing::sum>{
-      *state.voice_wave1, *state.voice_wave2, static_cast<float>(state.wrap1), static_cast<float>(state.wrap2)};
-}
-
-template <size_t pairs>
-std::array<oscillator_pair, pairs> load_pairs(const wsyn_voice_group& group, const wsyn_state& state) {
-  std::array<oscillator_pair, pairs> result;
-  for (size_t lane = 0; lane < static_cast<size_t>(group.count); ++lane) {
-    oscillator_pair& pair = result[lane / 2];
-    pair.phase1[lane % 2] = static_cast<double>(group.voices[lane]->phase1);
-    pair.phase2[lane % 2] = static_cast<double>(group.voices[lane]->phase2);
-    pair.step1[lane % 2] = static_cast<double>(phase_step(state.pitch_mod1, group.ratio1[lane], state));
-    pair.step2[lane % 2] = static_cast<double>(phase_step(state.pitch_mod2, group.ratio2[lane], state));
-  }
-  return result;
-}
-
-// The phases of all samples come first, as each waits for the one before; the reading then waits for nothing.
-template <size_t pairs, typename Renderer>
-void render_pairs(const Renderer& renderer, const wsyn_voice_group& group, int32_t n, const wsyn_state& state,
-                  float* samples) {
-  constexpr int32_t run_length = 64;
-  std::array<std::array<read_phases, pairs>, run_length> phases;
-  std::array<oscillator_pair, pairs> voices = load_pairs<pairs>(group, state);
-  for (int32_t first = 0; first < n; first += run_length) {
-    const auto count = static_cast<size_t>(std::min(run_length, n - first));
-    for (size_t i = 0; i < count; ++i) {
-      for (size_t p = 0; p < pairs; ++p) phases[i][p] = renderer.advance_pair(&voices[p]);
-    }
-    for (size_t i = 0; i < count; ++i, samples += wsyn_voice_group::lanes) {
-      const double2 y01 = renderer.joined_at(phases[i][0]);
-      const double2 y23 = pairs == 1 ? double2{} : renderer.joined_at(phases[i][pairs - 1]);
-      store4(shaped(y01, y23, state.shaper_drive), samples);
-    }
-  }
-  for (size_t lane = 0; lane < static_cast<size_t>(group.count); ++lane) {
-    group.voices[lane]->phase1 = static_cast<float>(voices[lane / 2].phase1[lane % 2]);
-    group.voices[lane]->phase2 = static_cast<float>(voices[lane / 2].phase2[lane % 2]);
-  }
-}
-
-template <typename Renderer>
-void render_group(const Renderer& renderer, const wsyn_voice_group& group, int32_t n, const wsyn_state& state,
-                  float* samples) {
-  static_assert(wsyn_voice_group::lanes == 4);
-  group.count <= 2 ? render_pairs<1>(renderer, group, n, state, samples)
-                   : render_pairs<2>(renderer, group, n, state, samples);
-}
-
-template <typename Renderer>
-float render_voice(const Renderer& renderer, float ratio1, float ratio2, voice_record* voice, const wsyn_state& state) {
-  std::array<float, wsyn_voice_group::lanes> row;
-  render_pairs<1>(renderer, {1, {voice}, {ratio1}, {ratio2}}, 1, state, row.data());
-  return row[0];
+template <typename Player>
+float render_voice(const Player& player, float ratio1, float ratio2, voice_record* voice, const wsyn_state& state) {
+  const wsyn_voice_group group = {1, {voice}, {ratio1}, {ratio2}};
+  oscillator_lanes lanes = load_oscillators(group, state);
+  const float4 samples = player.next(&lanes);
+  store_phases(lanes, group);
+  return samples[0];
 }
 
 // --- Pitch modulation ---
@@ -424,34 +296,23 @@ void wsyn_select_render(wsyn_state* state) {
 }
 
 float render_sum(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_voice(shape_renderer<coupling::free, mixing::sum>(*state), ratio1, ratio2, voice, *state);
+  return render_voice(shape_player<coupling::free, mixing::sum>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_sum_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_voice(shape_renderer<coupling::sync, mixing::sum>(*state), ratio1, ratio2, voice, *state);
+  return render_voice(shape_player<coupling::sync, mixing::sum>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_ring_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_voice(shape_renderer<coupling::sync, mixing::ring>(*state), ratio1, ratio2, voice, *state);
+  return render_voice(shape_player<coupling::sync, mixing::ring>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_ring(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_voice(shape_renderer<coupling::free, mixing::ring>(*state), ratio1, ratio2, voice, *state);
+  return render_voice(shape_player<coupling::free, mixing::ring>(*state), ratio1, ratio2, voice, *state);
 }
 
 float render_sampled(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state) {
-  return render_voice(loop_renderer(*state), ratio1, ratio2, voice, *state);
-}
-
-void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples) {
-  if (state->render == render_sum_sync)
-    return render_group(shape_renderer<coupling::sync, mixing::sum>(*state), group, n, *state, samples);
-  if (state->render == render_ring_sync)
-    return render_group(shape_renderer<coupling::sync, mixing::ring>(*state), group, n, *state, samples);
-  if (state->render == render_ring)
-    return render_group(shape_renderer<coupling::free, mixing::ring>(*state), group, n, *state, samples);
-  if (state->render == render_sampled) return render_group(loop_renderer(*state), group, n, *state, samples);
-  render_group(shape_renderer<coupling::free, mixing::sum>(*state), group, n, *state, samples);
+  return render_voice(loop_player(*state), ratio1, ratio2, voice, *state);
 }
 
 void wsyn_modulate_pitch(float level, int32_t crossings, wsyn_state* state) {

@@ -1,8 +1,6 @@
 // MIT License. The carrier's oscillators: from parameters to pitch, and one sample of one note.
 #pragma once
 
-#include <array>
-
 #include "dsp/wsyn.h"
 
 // Takes a block of parameters: rebuilds the tables whose number or kind has changed, and computes pitch and filter
@@ -20,21 +18,6 @@ float render_sum_sync(float ratio1, float ratio2, voice_record* voice, const wsy
 float render_ring_sync(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state);
 float render_ring(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state);
 float render_sampled(float ratio1, float ratio2, voice_record* voice, const wsyn_state* state);
-
-// Voices that are rendered side by side, with what a render function takes of each.
-struct wsyn_voice_group {
-  static constexpr int32_t lanes = 4;
-  int32_t count = 0;  // lanes in use, from the first on
-  std::array<voice_record*, lanes> voices{};
-  std::array<float, lanes> ratio1{};
-  std::array<float, lanes> ratio2{};
-};
-
-// Renders `n` samples of each voice of a group, the same as `n` calls of the state's render function for each, in less
-// time. A render function that isn't one of the five counts as render_sum.
-//   group    count from 0 to the number of lanes
-//   samples  n rows of wsyn_voice_group::lanes; the contents of unused lanes are undefined
-void wsyn_render_group(const wsyn_voice_group& group, int32_t n, const wsyn_state* state, float* samples);
 
 // Sets pitch_mod1 and pitch_mod2 for one frame, and advances the LFO of an oscillator that uses it. Phases that are not
 // numbers or beyond 2^25 start again at 0.

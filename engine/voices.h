@@ -24,3 +24,7 @@ float wsyn_next_sample(wsyn_state* state);
 
 // The next `n` samples, bit for bit those of `n` calls of wsyn_next_sample, in less time.
 void wsyn_next_samples(int32_t n, wsyn_state* state, float* samples);
+
+// Its two versions, for every processor and, faster, for those that have AVX2; both give the same samples.
+void wsyn_next_samples_baseline(int32_t n, wsyn_state* state, float* samples);
+void wsyn_next_samples_avx2(int32_t n, wsyn_state* state, float* samples);

@@ -17,20 +17,42 @@
 
 namespace {
 
-// A run of the carrier with a number of notes.
-void carrier(benchmark::State& state) {
+// Runs of the carrier with a number of notes from C up, after `prepare` has changed the synthesizer.
+template <typename Prepare>
+void play_carrier(benchmark::State& state, int64_t notes, const Prepare& prepare) {
   const auto voco = committed(plain_sound(2.0F));
-  for (int32_t i = 0; i < state.range(0); ++i) notes_on(36 + i, &voco->synth, &voco->note_mirror);
+  wsyn_state& synth = voco->synth;
+  for (int32_t i = 0; i < notes; ++i) notes_on(36 + i, &synth, &voco->note_mirror);
   waveform run(512);
   const auto length = static_cast<int32_t>(run.size());
-  for (int i = 0; i < 400; ++i) wsyn_next_samples(length, &voco->synth, run.data());
+  for (int i = 0; i < 400; ++i) wsyn_next_samples(length, &synth, run.data());
   for (auto _ : state) {
-    wsyn_next_samples(length, &voco->synth, run.data());
+    prepare(&synth);
+    wsyn_next_samples(length, &synth, run.data());
     benchmark::ClobberMemory();
   }
   state.SetItemsProcessed(state.iterations() * length);
 }
-BENCHMARK(carrier)->ArgName("notes")->Arg(0)->Arg(3)->Arg(32);
+void carrier(benchmark::State& state) {
+  play_carrier(state, state.range(0), [](wsyn_state*) {});
+}
+BENCHMARK(carrier)->ArgName("notes")->Arg(0)->Arg(1)->Arg(3)->Arg(4)->Arg(6)->Arg(8)->Arg(32);
+
+// Three notes, by the way in which the oscillators are joined.
+template <wsyn_render_fn render>
+void carrier_by(benchmark::State& state) {
+  play_carrier(state, 3, [](wsyn_state* synth) { synth->render = render; });
+}
+BENCHMARK(carrier_by<render_sum_sync>)->Name("carrier_sync");
+BENCHMARK(carrier_by<render_ring>)->Name("carrier_ring");
+BENCHMARK(carrier_by<render_ring_sync>)->Name("carrier_ring_sync");
+BENCHMARK(carrier_by<render_sampled>)->Name("carrier_sampled");
+
+// Three notes whose cutoff never settles.
+void carrier_sweep(benchmark::State& state) {
+  play_carrier(state, 3, [](wsyn_state* synth) { synth->cutoff_target = 0.8F - synth->cutoff_target; });
+}
+BENCHMARK(carrier_sweep);
 
 // Both channels of the equaliser, over a block.
 void equaliser(benchmark::State& state) {

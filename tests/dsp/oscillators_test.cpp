@@ -151,37 +151,6 @@ TEST(Render, SyncRestartsOscillatorTwoBeforeItIsRead) {
   }
 }
 
-TEST(Render, VoicesSoundTheSameAloneAndInAGroup) {
-  constexpr int32_t length = 100;
-  for (const auto render : {render_sum, render_sum_sync, render_ring, render_ring_sync, render_sampled}) {
-    const auto state =
-        committed({{wsyn_param_sampled, render == render_sampled ? 1.0f : 0.0f}, {wsyn_param_drive, 0.3f}});
-    state->render = render;
-    for (int32_t count = 0; count <= wsyn_voice_group::lanes; ++count) {
-      std::array<voice_record, wsyn_voice_group::lanes> alone;
-      std::array<voice_record, wsyn_voice_group::lanes> together;
-      wsyn_voice_group group;
-      for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        alone[i].phase1 = together[i].phase1 = static_cast<float>(i) * 300.0f;
-        group.voices[i] = &together[i];
-        group.ratio1[i] = 9.7f + static_cast<float>(i);
-        group.ratio2[i] = 17.3f - static_cast<float>(i);
-      }
-      group.count = count;
-      std::array<float, length * wsyn_voice_group::lanes> samples;
-      wsyn_render_group(group, length, state.get(), samples.data());
-      for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        for (size_t t = 0; t < length; ++t) {
-          ASSERT_EQ(samples[t * wsyn_voice_group::lanes + i],
-                    render(group.ratio1[i], group.ratio2[i], &alone[i], state.get()));
-        }
-        EXPECT_EQ(together[i].phase1, alone[i].phase1);
-        EXPECT_EQ(together[i].phase2, alone[i].phase2);
-      }
-    }
-  }
-}
-
 TEST(Render, LoopsWrapAtTheirOwnLengthsAndNeverSync) {
   const auto state = committed({{wsyn_param_sampled, 1.0f}, {wsyn_param_sync, 1.0f}, {wsyn_param_wave_select2, 4.0f}});
   set_steps(3.0, 5.0, state);
@@ -241,8 +210,7 @@ TEST(AdvanceFilter, CoversTwoThirdsInItsTimeConstantAndDerivesTheSameWhetherItHa
   for (int i = 1; i <= 120000; ++i) {
     wsyn_advance_filter(state.get());
     const float c = state->cutoff_now;
-    if (i % 1000 != 0) continue;
-    EXPECT_NEAR(c, 0.8 * (1 - std::exp(-i / 3000.0)), 1e-3);
+    ASSERT_NEAR(c, 0.8 * (1 - std::exp(-i / 3000.0)), 1e-3);
     const float feedback = static_cast<float>(std::pow(static_cast<double>(1.0f - c), 6.0)) * 100.0f;
     ASSERT_EQ(state->filter_feedback, feedback);
     ASSERT_EQ(state->filter_scale, 1.0f / (feedback + 1.0f));
