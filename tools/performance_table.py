@@ -60,15 +60,16 @@ def print_modes(options):
 
 
 def print_stages(options):
-    runs = run("kesrel_engine_bench", "^(carrier|equaliser|chorus|reverb|commit|frame_step/mode:-1$)", options)
+    runs = run("kesrel_engine_bench", "^(carrier/|equaliser/|chorus/|reverb/|commit$|frame_step/mode:-1$)", options)
     pair = run("kesrel_dsp_bench", "^forward_and_inverse/1024$", options)["forward_and_inverse/1024"]
     doors = run("kesrel_door_bench", ".", options)
-    rows = [[f"carrier, {notes} notes", per_frame(runs["carrier/notes:" + notes])] for notes in "0 1 3 8 32".split()]
+    rows = [[name, per_frame(record)] for name, record in by_numbers(runs) if name.startswith("carrier/")]
     rows += [["equaliser", per_frame(runs["equaliser/block:512"])],
              ["frame step without an algorithm", per_frame(runs["frame_step/mode:-1"])],
              ["of it the pair of transforms", pair["cpu_time"] / 512],
              ["chorus", per_frame(runs["chorus/block:512"])]]
-    rows += [[f"reverb, size {size}", per_frame(runs[f"reverb/size:{size}/block:512"])] for size in (0, 50, 100)]
+    rows += [[name.removesuffix("/block:512"), per_frame(record)] for name, record in by_numbers(runs)
+             if name.startswith("reverb/") and name.endswith("/block:512")]
     rows += [["commit, in blocks of 64", runs["commit"]["cpu_time"] / 64]]
     rows += [["effect alone, blocks of " + block, per_frame(doors["effect_alone/block:" + block])]
              for block in "512 32".split()]
