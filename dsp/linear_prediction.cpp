@@ -9,6 +9,7 @@
 #include "dsp/convert.h"
 #include "dsp/lanes.h"
 #include "dsp/processor.h"
+#include "dsp/wide_lanes.h"
 
 // Speed comes from lanes that hold independent results: neighbouring lags, columns of a row, output samples. Each of
 // them adds up in the order that a plain loop has, so the width of the vectors doesn't show in the results.
@@ -27,25 +28,11 @@ struct vectors_of_128_bits {
 };
 
 struct vectors_of_256_bits {
-  using floats = float __attribute__((vector_size(32)));
+  using floats = float8;
   using doubles = double __attribute__((vector_size(32)));
   using halves = float4;
   using masks = int32_t __attribute__((vector_size(32)));
 };
-
-template <typename vector>
-constexpr size_t lanes_of = sizeof(vector) / sizeof(std::declval<vector>()[0]);
-
-// Vectors are passed by address: how they are passed by value depends on the instructions that a function may use.
-template <typename vector, typename number>
-KESREL_INLINE void load(const number* from, vector* value) {
-  std::memcpy(value, from, sizeof *value);
-}
-
-template <typename vector, typename number>
-KESREL_INLINE void store(const vector& value, number* to) {
-  std::memcpy(to, &value, sizeof value);
-}
 
 // --- Autocorrelation ---
 
@@ -90,7 +77,7 @@ KESREL_INLINE void measure_lag_group(int32_t length, const float* signal, int32_
 // leave room for the partners in the registers.
 template <typename vectors>
 KESREL_INLINE void measure_lags_in(int32_t length, const float* signal, int32_t count, float* lags) {
-  constexpr auto width = static_cast<int32_t>(lanes_of<typename vectors::floats>);
+  constexpr int32_t width = lanes_of<typename vectors::floats>;
   constexpr int32_t few = (10 + width - 1) / width;
   for (int32_t first = 0; first < count;) {
     const int32_t left = count - first;
@@ -483,7 +470,7 @@ struct residual_filter {
 };
 
 template <typename vectors>
-constexpr auto samples_together = static_cast<int32_t>(sample_vectors* lanes_of<typename vectors::doubles>);
+constexpr int32_t samples_together = static_cast<int32_t>(sample_vectors) * lanes_of<typename vectors::doubles>;
 
 // Filters the samples of a run from `first` on, one per lane: `samples_together`, or up to `count`. Even and odd taps
 // have a sum each, and the last tap of an odd order comes on top of both.

@@ -3,27 +3,26 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "dsp/lanes.h"
 #include "dsp/processor.h"
-
-using float8 = float __attribute__((vector_size(32)));
 
 // A kernel takes the vector as its template parameter V: float4, or float8 in a function marked KESREL_AVX2. What it
 // calls is inlined and takes and gives vectors by address, as outside such a function none of 256 bits can be passed.
 
 template <typename V>
-constexpr int32_t lanes_of = sizeof(V) / sizeof(float);
+constexpr int32_t lanes_of = sizeof(V) / sizeof(std::declval<V>()[0]);
 
-template <typename V>
-KESREL_INLINE void load(const float* from, V* value) {
+template <typename V, typename number>
+KESREL_INLINE void load(const number* from, V* value) {
   V loaded;
   std::memcpy(&loaded, from, sizeof loaded);
   *value = loaded;
 }
 
-template <typename V>
-KESREL_INLINE void store(const V& value, float* to) {
+template <typename V, typename number>
+KESREL_INLINE void store(const V& value, number* to) {
   const V stored = value;
   std::memcpy(to, &stored, sizeof stored);
 }
