@@ -146,6 +146,7 @@ void vocoder_plugin::loadProgram(uint32_t index) {
 
 void vocoder_plugin::hold_program(int32_t number) {
   set_while_held_ = 0;
+  frames_held_ = -1;  // the program before may have been loaded since the last block
   held_program_ = number;
 }
 
@@ -163,9 +164,11 @@ bool vocoder_plugin::load_held_program() {
 }
 
 int64_t vocoder_plugin::frames_held(uint32_t frames) {
+  const int64_t before = frames_held_.load(std::memory_order_relaxed);
   const bool holds = held_program_.load(std::memory_order_relaxed) >= 0;
-  frames_held_ = !holds ? -1 : frames_held_ < 0 ? 0 : frames_held_ + frames;
-  return frames_held_;
+  const int64_t now = !holds ? -1 : before < 0 ? 0 : before + frames;
+  frames_held_.store(now, std::memory_order_relaxed);
+  return now;
 }
 
 int32_t vocoder_plugin::program() const {

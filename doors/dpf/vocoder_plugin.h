@@ -20,15 +20,15 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   void set_window(door_listener* window) { window_ = window; }
   door_listener* window() const { return window_; }
 
-  // From now on programs wait until they are taken: CLAP hosts and the stand-alone program's keyboard choose them on
-  // the audio thread, where they can't be loaded.
+  // From now on, programs are only noted, for load_held_program() to load: CLAP hosts and keyboards that play the
+  // stand-alone program choose them on the audio thread, where loading isn't allowed.
   void hold_programs() { holds_programs_ = true; }
-  // Any thread. A number of no program holds none.
+  // Any thread. A negative number drops the program that waits.
   void hold_program(int32_t number);
-  // Audio thread: for how many frames the program has waited, `frames` more than at the last call. 0 at the first call
-  // for it, and -1 when there is none.
+  // Audio thread: how many frames the program has waited, after `frames` more. The first call for each program returns
+  // 0; -1 means that none is waiting.
   int64_t frames_held(uint32_t frames);
-  // Loads the program that waits; values that were set after it was chosen stay. False when there is none.
+  // Loads the waiting program, except for parameters that were set after it was chosen. False if none is waiting.
   bool load_held_program();
   // The one that waits, or else the one in use.
   int32_t program() const;
@@ -79,5 +79,5 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   bool holds_programs_ = false;
   std::atomic<int32_t> held_program_{-1};
   std::atomic<uint32_t> set_while_held_{0};  // a bit for each parameter
-  int64_t frames_held_ = -1;
+  std::atomic<int64_t> frames_held_{-1};
 };

@@ -158,6 +158,7 @@ TEST_F(ClapPrograms, LeaveValuesAloneThatWereSetAfterThem) {
   EXPECT_EQ(value(program_parameter), 7);
   EXPECT_EQ(value(sound_parameter), 40);
   process(program_parameter, 3);
+  EXPECT_EQ(callbacks_asked_, 1) << "for each program, though no block came between";
   call_back();
   EXPECT_NE(value(sound_parameter), 40);
   plugin_->deactivate(plugin_);
