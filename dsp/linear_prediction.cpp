@@ -73,8 +73,8 @@ KESREL_INLINE void measure_lag_group(int32_t length, const float* signal, int32_
   std::memcpy(lags + first, sums.data(), index(count) * sizeof *lags);
 }
 
-// The groups are little larger than the lags left to measure need, of which the modes have 10, 35 and 80; ten vectors
-// leave room for the partners in the registers.
+// Group sizes are chosen to waste few lanes on the 10, 35 and 80 lags that the modes measure. Ten vectors of sums are
+// the most that leave registers free for the samples.
 template <typename vectors>
 KESREL_INLINE void measure_lags_in(int32_t length, const float* signal, int32_t count, float* lags) {
   constexpr int32_t width = lanes_of<typename vectors::floats>;

@@ -19,8 +19,7 @@ struct wsyn_voice_group {
   std::array<float, lanes> ratio2{};
 };
 
-// What the oscillators of a group keep from sample to sample. Lanes that aren't in use stand at the start of the
-// tables.
+// The state of a group's oscillators between samples. Unused lanes have phase and step 0.
 struct oscillator_lanes {
   float4 phase1{};
   float4 phase2{};
