@@ -5,6 +5,7 @@
 #include <charconv>
 #include <set>
 
+#include "hosts/effect/chords.h"
 #include "hosts/effect/text.h"
 
 namespace {
@@ -59,6 +60,9 @@ std::string name_of_note(int note) {
 }
 
 std::vector<int> parse_keys(std::string_view list, int lowest_note) {
+  if (!note_of_name(list)) {
+    if (const auto named = chord_of_name(list)) return keys_of_chord(*named, list, lowest_note);
+  }
   std::set<int> keys;
   for (const auto& text : split(list, ',')) keys.insert(key_of(text, lowest_note));
   if (keys.size() > static_cast<std::size_t>(largest_chord)) {

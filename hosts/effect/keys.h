@@ -21,6 +21,7 @@ std::string name_of_note(int note);
 // The key indices in a list such as "12,16,19" or "C4,E4,G4", ascending and without duplicates. Indices and names may
 // be mixed.
 //   lowest_note   MIDI note of key 0
+//                 A list may also be the name of a chord (chords.h) that isn't a note's, such as Am7 or F/A
 //   throws        failure for an empty list, an item that is neither index nor name, a key outside the keyboard, and
 //                 more than `largest_chord` keys
 std::vector<int> parse_keys(std::string_view list, int lowest_note);

@@ -62,9 +62,29 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("OUT", options->output, "WAV file to write");
   app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
       ->type_name("NAME|UUID|NUMBER");
-  app->add_option("--keys", options->keys,
-                  "Held keys: indices 0 to 35, or note names such as C4,Eb4,G4, where C4 is note 60")
-      ->type_name("LIST");
+  auto* const keys =
+      app->add_option("--keys", options->keys,
+                      "Held keys: indices 0 to 35, note names such as C4,Eb4,G4, where C4 is note 60, or "
+                      "a chord such as Am7, F/A or, with its octave, Csus4@3")
+          ->type_name("LIST");
+  auto* const chords =
+      app->add_option("--chords", options->chords,
+                      "Chords with times, \"0:00 Am F | 0:04 C G\", or with --bpm in bars, \"Am | F\", "
+                      "which repeat; - is no chord, % the one before")
+          ->type_name("TEXT");
+  app->add_option("--bpm", options->bpm, "Beats a minute, 20 to 400; bars are of --beats, default 4")
+      ->check(CLI::Range(20.0, 400.0))
+      ->type_name("N")
+      ->needs(chords);
+  app->add_option("--beats", options->beats, "Beats in a bar, 1 to 32")->check(CLI::Range(1, 32))->type_name("N");
+  auto* const midi = app->add_option("--midi", options->midi,
+                                     "Play the keys from the notes of a MIDI file, its tenth channel left out")
+                         ->type_name("FILE");
+  for (auto* const option : {keys, chords, midi}) {
+    for (auto* const other : {keys, chords, midi}) {
+      if (other != option) option->excludes(other);
+    }
+  }
   declare_switch("chorus", "Switch the chorus on", "Switch the chorus off", &options->chorus, app);
   declare_switch("reverb", "Switch the reverb on; its tail is written", "Switch the reverb off", &options->reverb, app);
   declare_switch("octave", "Raise the keyboard by an octave", "Leave the keyboard where it is", &options->octave, app);

@@ -15,7 +15,11 @@ struct render_options {
   std::optional<std::string> load_state;  // file with a bank or a single program
   std::optional<std::string> program;     // number or name
   std::optional<std::string> sound;       // number, name or uuid
-  std::optional<std::string> keys;        // key indices or note names
+  std::optional<std::string> keys;        // key indices, note names or a chord
+  std::optional<std::string> chords;      // over time, see schedule_of_chords
+  std::optional<double> bpm;              // of the chords' bars
+  int beats = 4;                          // in a bar
+  std::optional<std::string> midi;        // file with notes
   std::optional<bool> chorus;
   std::optional<bool> reverb;
   std::optional<bool> octave;

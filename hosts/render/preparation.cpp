@@ -20,6 +20,7 @@ program requested(const render_options& options, const program& current) {
   wanted.reverb = options.reverb.value_or(wanted.reverb);
   wanted.octave = options.octave.value_or(wanted.octave);
   if (options.keys) wanted.keys = parse_keys(*options.keys, lowest_note(sound_of(wanted), wanted.octave));
+  if (options.chords || options.midi) wanted.keys.clear();
   return wanted;
 }
 

@@ -12,10 +12,12 @@
 
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/interruption.h"
+#include "hosts/effect/keys.h"
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
 #include "hosts/effect/text.h"
+#include "hosts/render/key_schedule.h"
 #include "hosts/render/output.h"
 #include "hosts/render/preparation.h"
 #include "hosts/render/terminal.h"
@@ -135,6 +137,39 @@ class stereo_block {
   std::array<float*, 2> pointers_{left_.data(), right_.data()};
 };
 
+// Key changes are rounded to this many samples, so that no block is shorter.
+constexpr int64_t change_grid = 32;
+
+struct due_keys {
+  int64_t position;
+  std::vector<int> keys;
+};
+
+void warn(const std::string& text) {
+  std::fprintf(stderr, "kesrel-render: warning: %s\n", on_one_line(text).c_str());
+}
+
+// What a MIDI file plays, with a warning if it isn't quite what is written there.
+key_schedule played_song(const std::string& path, int lowest_note) {
+  const song_schedule played = schedule_of_song(read_midi_file(path), lowest_note);
+  const std::string name = "MIDI file '" + path + "'";
+  if (played.notes == 0) throw failure(name + " has no notes");
+  if (played.folded > 0) {
+    warn(name + ": " + std::to_string(played.folded) + " of " + std::to_string(played.notes) +
+         " notes lie beyond the keyboard and are played octaves away");
+  }
+  if (played.left_out > 0)
+    warn(name + ": more than " + std::to_string(largest_chord) + " keys at once, the highest are left out");
+  return played.changes;
+}
+
+key_schedule requested_changes(const render_options& options, const program& current, double voice_seconds) {
+  const int lowest = lowest_note(sound_of(current), current.octave);
+  if (options.midi) return played_song(*options.midi, lowest);
+  if (options.chords) return schedule_of_chords(*options.chords, {options.bpm, options.beats}, voice_seconds, lowest);
+  return {};
+}
+
 failure no_output_from(const sound& chosen) {
   return failure("sound " + std::to_string(chosen.number) + " '" + chosen.name + "' yields no output from this module");
 }
@@ -163,19 +198,27 @@ class rendering {
         writer_(options.output, voice->rate_hz(),
                 options.float_samples ? sample_format::float_32 : sample_format::pcm_24),
         feed_(voice, run_in_of_file(), rate_hz_),
-        delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {}
+        delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {
+    const double voice_seconds = static_cast<double>(voice->frames()) / voice->rate_hz();
+    for (const key_change& change : requested_changes(options, current, voice_seconds)) {
+      const double blocks = change.seconds * rate_hz_ / change_grid;
+      if (blocks * change_grid >= static_cast<double>(plan_.keys_up)) break;
+      changes_.push_back({std::llround(blocks) * change_grid, change.keys});
+    }
+  }
 
   // Returns false when the effect writes no output.
   bool run() {
     const int64_t length = plan_.end + delivery_.reach() - plan_.run_in;
     progress_bar progress(length, !options_.quiet);
     host_.start();
-    for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += options_.block) {
+    for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += count_) {
       check_interruption();
-      if (position_ >= plan_.keys_up) release_keys();
-      feed_.next(input_.channels(), options_.block);
+      press_keys();
+      count_ = samples_of_block();
+      feed_.next(input_.channels(), count_);
       output_.fill(unwritten);
-      host_.process(input_.channels(), output_.channels(), options_.block);
+      host_.process(input_.channels(), output_.channels(), count_);
       if (output_.holds_only(unwritten)) return false;
       deliver_output();
       progress.show(position_ - plan_.run_in);
@@ -202,25 +245,40 @@ class rendering {
     return options_.compensate ? voice_.frames() : at_rate(plan_.end - plan_.start, rate_hz_, voice_.rate_hz());
   }
 
-  void release_keys() {
-    if (program_.keys.empty()) return;
-    program_.keys.clear();
+  // The keys that are due. Those of the very start are held during the run-in already.
+  void press_keys() {
+    std::vector<int> keys = program_.keys;
+    for (; next_change_ < changes_.size() && changes_[next_change_].position <= std::max<int64_t>(position_, 0);
+         ++next_change_) {
+      keys = changes_[next_change_].keys;
+    }
+    if (position_ >= plan_.keys_up) keys.clear();
+    if (keys == program_.keys) return;
+    program_.keys = keys;
     use_program(program_, &host_);
+  }
+
+  // A block ends where the keys change.
+  int samples_of_block() const {
+    int64_t end = position_ + options_.block;
+    if (next_change_ < changes_.size()) end = std::min(end, changes_[next_change_].position);
+    if (position_ < plan_.keys_up) end = std::min(end, plan_.keys_up);
+    return static_cast<int>(end - position_);
   }
 
   // Drops the latency at the very start, before the conversion, and not after the run-in: here it is a whole number of
   // samples, so that the output stays aligned with the voice to the sample.
   void deliver_output() {
     lengthen_tail();
-    const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, options_.block);
+    const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, count_);
     delivery_.add(output_.channels()[0] + left_out, output_.channels()[1] + left_out,
-                  static_cast<int>(options_.block - left_out), end_of_file());
+                  static_cast<int>(count_ - left_out), end_of_file());
   }
 
   // Extends the rendering while the tail is audible.
   void lengthen_tail() {
     if (position_ < plan_.keys_up || position_ >= plan_.end || plan_.end >= plan_.longest_end) return;
-    for (int i = 0; i < options_.block; ++i) {
+    for (int i = 0; i < count_; ++i) {
       const float magnitude = std::max(std::abs(output_.channels()[0][i]), std::abs(output_.channels()[1][i]));
       if (magnitude <= inaudible) continue;
       const auto quiet_from = position_ + i + static_cast<int64_t>(quiet_seconds * rate_hz_);
@@ -239,7 +297,10 @@ class rendering {
   wav_writer writer_;
   voice_feed feed_;
   delivery delivery_;
+  std::vector<due_keys> changes_;
+  std::size_t next_change_ = 0;
   int64_t position_ = 0;
+  int count_ = 0;  // samples of the block at that position
 };
 
 // The shortest block depends on the rate, and that may be the voice's.
@@ -249,10 +310,6 @@ void check_block(const render_options& options, const voice_reader& voice) {
   if (options.block >= shortest) return;
   throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(rate_hz) +
                 " Hz: at least " + std::to_string(shortest));
-}
-
-void warn(const std::string& text) {
-  std::fprintf(stderr, "kesrel-render: warning: %s\n", on_one_line(text).c_str());
 }
 
 std::string in_db(double value) {
