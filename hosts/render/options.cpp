@@ -2,6 +2,7 @@
 #include "hosts/render/options.h"
 
 #include <charconv>
+#include <map>
 
 #include <CLI/CLI.hpp>
 
@@ -12,8 +13,8 @@ namespace {
 
 std::string help_footer() {
   return "VOICE may be any sound file that libsndfile reads, at " + std::to_string(lowest_rate_hz) + " to " +
-         std::to_string(highest_rate_hz) + R"( Hz, mono or stereo; of a stereo file the effect
-hears the left channel. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
+         std::to_string(highest_rate_hz) +
+         R"( Hz, mono or stereo. OUT.wav has the rate of VOICE, two channels of 24 bits, and starts with the effect's latency of
 1024 samples at 44100 Hz unless --compensate drops it. Both may be left out when a state is saved or a list asked for.
 
 The effect works at 44100 Hz, and voices of other rates are converted before and after it. With --module-rate native it
@@ -62,6 +63,16 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("OUT", options->output, "WAV file to write");
   app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
       ->type_name("NAME|UUID|NUMBER");
+  app->add_option(
+         "--channel", options->channel,
+         "Channel of a stereo VOICE: left, right, or mix, the mean of both; default is mix, or the one that isn't "
+         "silent")
+      ->type_name("left|right|mix")
+      ->transform(CLI::CheckedTransformer(
+                      std::map<std::string, voice_channel>{
+                          {"left", voice_channel::left}, {"right", voice_channel::right}, {"mix", voice_channel::mix}},
+                      CLI::ignore_case)
+                      .description(""));
   auto* const keys =
       app->add_option("--keys", options->keys,
                       "Held keys: indices 0 to 35, note names such as C4,Eb4,G4, where C4 is note 60, or "

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "hosts/voice/channels.h"
+
 constexpr int smallest_block = 1;
 constexpr int largest_block = 65536;
 
@@ -11,6 +13,7 @@ struct render_options {
   std::string voice;   // sound file to read; empty when nothing is rendered
   std::string output;  // WAV file to write; likewise
   std::string plugin;  // module with the effect; empty means the one beside this program
+  voice_channel channel = voice_channel::automatic;
   // Options that aren't given leave the current program as it is.
   std::optional<std::string> load_state;  // file with a bank or a single program
   std::optional<std::string> program;     // number or name

@@ -21,6 +21,7 @@
 #include "hosts/render/output.h"
 #include "hosts/render/preparation.h"
 #include "hosts/render/terminal.h"
+#include "hosts/voice/channels.h"
 #include "hosts/voice/voice.h"
 
 namespace {
@@ -185,7 +186,8 @@ int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
 // One rendering, from the prepared effect to the finished file. Positions are in samples at the effect's rate.
 class rendering {
  public:
-  rendering(const render_options& options, const program& current, voice_reader* voice, effect_host* host)
+  rendering(const render_options& options, const program& current, channel_weights weights, voice_reader* voice,
+            effect_host* host)
       : options_(options),
         program_(current),
         voice_(*voice),
@@ -197,7 +199,7 @@ class rendering {
         output_(options.block),
         writer_(options.output, voice->rate_hz(),
                 options.float_samples ? sample_format::float_32 : sample_format::pcm_24),
-        feed_(voice, run_in_of_file(), rate_hz_),
+        feed_(voice, weights, run_in_of_file(), rate_hz_),
         delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {
     const double voice_seconds = static_cast<double>(voice->frames()) / voice->rate_hz();
     for (const key_change& change : requested_changes(options, current, voice_seconds)) {
@@ -216,7 +218,9 @@ class rendering {
       check_interruption();
       press_keys();
       count_ = samples_of_block();
-      feed_.next(input_.channels(), count_);
+      // To both channels, in case the effect reads the second one in spite of the speaker arrangement.
+      feed_.next(input_.channels()[0], count_);
+      std::copy_n(input_.channels()[0], count_, input_.channels()[1]);
       output_.fill(unwritten);
       host_.process(input_.channels(), output_.channels(), count_);
       if (output_.holds_only(unwritten)) return false;
@@ -327,13 +331,17 @@ render_report render(const render_options& options) {
   check_block(options, voice);
 
   if (!voice.warning().empty()) warn(voice.warning());
+  const chosen_channels heard = choose_channels(options.channel, &voice);
+  if (!heard.remark.empty() && !options.quiet) {
+    std::fprintf(stderr, "kesrel-render: %s\n", on_one_line("'" + options.voice + "': " + heard.remark).c_str());
+  }
 
-  effect_host host(options.plugin, rate_of_effect(options, voice), options.block, voice.channels());
+  effect_host host(options.plugin, rate_of_effect(options, voice), options.block, 1);
   const program current = prepare(options, &host);
   const sound& chosen = sound_of(current);
 
   const auto began = std::chrono::steady_clock::now();
-  rendering run(options, current, &voice, &host);
+  rendering run(options, current, heard.weights, &voice, &host);
   if (!run.run()) throw no_output_from(chosen);
   return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
 }

@@ -7,6 +7,7 @@
 
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/text.h"
+#include "hosts/voice/channels.h"
 #include "hosts/voice/voice.h"
 
 extern const signed char demo_voice_bytes[];
@@ -27,26 +28,24 @@ voice_reader reader_of(const std::string& path) {
 
 looped_voice::looped_voice(const std::string& path) {
   voice_reader reader = reader_of(path);
-  channels_ = reader.channels();
   warning_ = reader.warning();
   const double seconds = static_cast<double>(reader.frames()) / reader.rate_hz();
   if (seconds > longest_seconds) throw failure("voice '" + path + "' is longer than ten minutes");
 
   const auto size = static_cast<std::size_t>(std::ceil((seconds + pause_seconds) * core_rate_hz));
-  for (auto& channel : samples_) channel.resize(size);
-  voice_feed feed(&reader, 0, core_rate_hz);
+  samples_.resize(size);
+  voice_feed feed(&reader, choose_channels(voice_channel::automatic, &reader).weights, 0, core_rate_hz);
   for (std::size_t done = 0; done < size; done += piece_samples) {
-    float* const to[2] = {samples_[0].data() + done, samples_[1].data() + done};
-    feed.next(to, static_cast<int>(std::min(piece_samples, size - done)));
+    feed.next(samples_.data() + done, static_cast<int>(std::min(piece_samples, size - done)));
   }
 }
 
 void looped_voice::next(float* const* to, int count) {
-  const std::size_t size = samples_[0].size();
+  const std::size_t size = samples_.size();
   for (std::size_t done = 0, all = static_cast<std::size_t>(count); done < all;) {
     const std::size_t some = std::min(all - done, size - position_);
     for (int channel = 0; channel < 2; ++channel) {
-      std::copy_n(samples_[channel].data() + position_, some, to[channel] + done);
+      std::copy_n(samples_.data() + position_, some, to[channel] + done);
     }
     done += some;
     position_ = (position_ + some) % size;

@@ -12,19 +12,16 @@ class looped_voice {
   //   throws   failure when it cannot be read, and when it is longer than ten minutes
   explicit looped_voice(const std::string& path);
 
-  // 1 or 2.
-  int channels() const { return channels_; }
   // About the file, if it is cut short; else empty.
   const std::string& warning() const { return warning_; }
 
-  // Writes the next `count` samples. A mono voice fills both channels.
+  // Writes the next `count` samples, to both channels. Of a stereo file they are what choose_channels() finds.
   //   shapes   to[2][count]
   //   audio    no heap, no lock
   void next(float* const* to, int count);
 
  private:
-  std::vector<float> samples_[2];
+  std::vector<float> samples_;
   std::size_t position_ = 0;
-  int channels_;
   std::string warning_;
 };

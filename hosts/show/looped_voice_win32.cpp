@@ -4,7 +4,7 @@
 #include "hosts/effect/text.h"
 #include "hosts/show/looped_voice.h"
 
-looped_voice::looped_voice(const std::string& path) : channels_(1) {
+looped_voice::looped_voice(const std::string& path) {
   if (!path.empty()) throw failure("voice '" + path + "' cannot be read: kesrel-show plays voices on Linux only");
 }
 

@@ -135,7 +135,7 @@ void show(const show_options& options) {
     std::fprintf(stderr, "kesrel-show: warning: %s\n", on_one_line(voice.warning()).c_str());
   }
   host_answers answers(block_samples, options.verbose);
-  effect_host host(options.plugin, core_rate_hz, block_samples, voice.channels(), &answers);
+  effect_host host(options.plugin, core_rate_hz, block_samples, 1, &answers);
   choose_program(options, &host);
 
   std::optional<interrupted> end;

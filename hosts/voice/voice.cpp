@@ -140,21 +140,25 @@ void voice_reader::read(std::array<float*, 2> channels, int count) {
   }
 }
 
-voice_feed::voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz)
-    : voice_(*voice),
-      position_(-silence_before),
-      converter_(voice->rate_hz(), rate_hz, voice->channels()),
-      piece_(static_cast<std::size_t>(voice->channels())) {}
+void voice_reader::rewind() {
+  if (sf_seek(file_.get(), 0, SEEK_SET) != 0) throw failure(called_ + " cannot be read twice");
+}
 
-void voice_feed::next(float* const* channels, int count) {
+voice_feed::voice_feed(voice_reader* voice, channel_weights weights, int64_t silence_before, int rate_hz)
+    : voice_(*voice),
+      weights_(weights),
+      position_(-silence_before),
+      converter_(voice->rate_hz(), rate_hz, 1),
+      piece_(2) {}
+
+void voice_feed::next(float* samples, int count) {
   for (int filled = 0; filled < count;) {
     if (ready_ == nullptr || taken_ == ready_->front().size()) {
       convert_more();
       continue;
     }
     const auto some = std::min(static_cast<std::size_t>(count - filled), ready_->front().size() - taken_);
-    std::copy_n(ready_->front().data() + taken_, some, channels[0] + filled);
-    std::copy_n(ready_->back().data() + taken_, some, channels[1] + filled);
+    std::copy_n(ready_->front().data() + taken_, some, samples + filled);
     taken_ += some;
     filled += static_cast<int>(some);
   }
@@ -168,11 +172,13 @@ void voice_feed::convert_more() {
   position_ += piece_samples;
 
   // The effect replaces NaN and infinite samples by 0. The converter would spread them over their neighbours.
-  const float* pointers[2] = {piece_.front().data(), piece_.back().data()};
   for (auto& channel : piece_) {
     std::replace_if(
         channel.begin(), channel.end(), [](float x) { return !std::isfinite(x); }, 0.0F);
   }
-  ready_ = &converter_.convert(pointers, piece_samples);
+  std::vector<float>& mono = piece_.front();
+  for (std::size_t i = 0; i < mono.size(); ++i) mono[i] = weights_.left * mono[i] + weights_.right * piece_.back()[i];
+  const float* const channel = mono.data();
+  ready_ = &converter_.convert(&channel, piece_samples);
   taken_ = 0;
 }

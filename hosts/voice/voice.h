@@ -37,6 +37,8 @@ class voice_reader {
   //   shapes    channels[2][count]; a mono voice leaves the second unchanged
   //   throws    failure when the file ends early
   void read(std::array<float*, 2> channels, int count);
+  // Reads on from the start. Throws failure when the file can't be.
+  void rewind();
 
  private:
   struct closer {
@@ -59,25 +61,29 @@ class voice_reader {
   std::vector<float> interleaved_;
 };
 
+// The share of a file's channels in the voice. A mono file has the left one alone.
+struct channel_weights {
+  float left = 1.0F;
+  float right = 0.0F;
+};
+
 // The voice at the effect's rate, between leading silence and endless silence after it.
 class voice_feed {
  public:
   //   silence_before   in samples at the voice's rate
-  voice_feed(voice_reader* voice, int64_t silence_before, int rate_hz);
+  voice_feed(voice_reader* voice, channel_weights weights, int64_t silence_before, int rate_hz);
 
-  // Writes the next `count` samples. A mono voice fills both channels, in case the effect reads the second one in spite
-  // of the speaker arrangement.
-  //   shapes   channels[2][count]
-  //   throws   failure when the file ends early
-  void next(float* const* channels, int count);
+  // Writes the next `count` samples. Throws failure when the file ends early.
+  void next(float* samples, int count);
 
  private:
   void convert_more();
 
   voice_reader& voice_;
+  channel_weights weights_;
   int64_t position_;  // of the voice's next sample; negative in the leading silence
   rate_converter converter_;
-  channel_samples piece_;
+  channel_samples piece_;                   // left and right as they are in the file
   const channel_samples* ready_ = nullptr;  // the converter's latest output
   std::size_t taken_ = 0;                   // samples of it that have been passed on
 };

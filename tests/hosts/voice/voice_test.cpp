@@ -34,3 +34,21 @@ TEST_F(Voice, ThatIsTruncatedGivesAWarning) {
   write_file(voice, streamed);
   done({voice, output});
 }
+
+TEST_F(Voice, OfAStereoFileIsWhatSoundsInIt) {
+  const auto mono = rendered({"--float", "--compensate"}).samples;
+  recording right_alone = voice_of(0.4, 44100, 2);
+  for (std::size_t i = 0; i < right_alone.samples.size(); i += 2) right_alone.samples[i] *= 1e-4F;
+  write_recording(voice, right_alone);
+  const auto found = run({voice, output, "--float", "--compensate"});
+  EXPECT_TRUE(contains(found.error, "voice.wav': the left channel is silent: the right one is used\n")) << found.error;
+  EXPECT_TRUE(read_recording(output).samples == mono);
+  EXPECT_TRUE(rendered({"--float", "--compensate", "--channel", "right"}).samples == mono);
+  EXPECT_LT(peak_of(rendered({"--float", "--compensate", "--channel", "left"})), 1e-3F);
+
+  recording opposite = voice_of(0.4, 44100, 2);
+  for (std::size_t i = 0; i < opposite.samples.size(); i += 2) opposite.samples[i] *= -1.0F;
+  write_recording(voice, opposite);
+  EXPECT_LT(peak_of(rendered({"--float", "--compensate"})), 1e-6F);
+  expect_refusal({voice, output, "--channel", "middle"}, "--channel");
+}
