@@ -73,6 +73,20 @@ void declare(CLI::App* app, render_options* options) {
                           {"left", voice_channel::left}, {"right", voice_channel::right}, {"mix", voice_channel::mix}},
                       CLI::ignore_case)
                       .description(""));
+  app->add_option("--wet", options->wet_db, "Level of the vocoded sound in dB, default 0")
+      ->check(CLI::Range(-120.0, 24.0))
+      ->type_name("DB");
+  app->add_option("--dry", options->dry_db, "Level of the voice beside it in dB, to the sample; default none")
+      ->check(CLI::Range(-120.0, 24.0))
+      ->type_name("DB");
+  auto* const gain = app->add_option("--gain", options->gain_db, "Gain of everything in dB, default 0")
+                         ->check(CLI::Range(-120.0, 60.0))
+                         ->type_name("DB");
+  app->add_option("--normalize", options->normalize,
+                  "Bring the loudness to so many LUFS, -70 to 0, or as near as true peaks of -1 dBTP allow")
+      ->check(CLI::Range(-70.0, 0.0))
+      ->type_name("LUFS")
+      ->excludes(gain);
   auto* const keys =
       app->add_option("--keys", options->keys,
                       "Held keys: indices 0 to 35, note names such as C4,Eb4,G4, where C4 is note 60, or "

@@ -14,6 +14,10 @@ struct render_options {
   std::string output;  // WAV file to write; likewise
   std::string plugin;  // module with the effect; empty means the one beside this program
   voice_channel channel = voice_channel::automatic;
+  double wet_db = 0.0;           // of what the effect makes
+  std::optional<double> dry_db;  // of the voice, which is left out otherwise
+  double gain_db = 0.0;
+  std::optional<double> normalize;  // LUFS
   // Options that aren't given leave the current program as it is.
   std::optional<std::string> load_state;  // file with a bank or a single program
   std::optional<std::string> program;     // number or name

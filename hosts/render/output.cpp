@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <new>
+#include <numbers>
 
 #include "hosts/effect/text.h"
 
@@ -11,36 +13,57 @@ namespace {
 
 constexpr int64_t most_wav_bytes = 0xffffffff;  // sizes in a WAV file have 32 bits
 constexpr int64_t wav_header_bytes = 4096;      // more than libsndfile writes before and after the samples
+constexpr double vorbis_quality = 0.6;          // some 190 kbit/s
+
+// Fades `samples` out over `length` of them, from the index `start` on, which may be before the first.
+void fade_out(int64_t start, int64_t length, std::vector<float>* samples) {
+  for (auto i = std::max<int64_t>(start, 0); i < std::ssize(*samples); ++i) {
+    const double share = static_cast<double>(i - start) / static_cast<double>(length);
+    (*samples)[static_cast<std::size_t>(i)] *= static_cast<float>(0.5 + 0.5 * std::cos(std::numbers::pi * share));
+  }
+}
+
+void interleave(const float* left, const float* right, int count, std::vector<float>* interleaved) {
+  interleaved->resize(2 * static_cast<std::size_t>(count));
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    (*interleaved)[2 * i] = left[i];
+    (*interleaved)[2 * i + 1] = right[i];
+  }
+}
 
 }  // namespace
 
-wav_writer::wav_writer(const std::string& path, int rate_hz, sample_format format)
+sound_writer::sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz,
+                           const sound_tags& tags)
     : what_("output '" + path + "'"), partial_(what_, path) {
   SF_INFO info{};
   info.samplerate = rate_hz;
   info.channels = 2;
-  info.format = SF_FORMAT_WAV | (format == sample_format::pcm_24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT);
+  info.format = sndfile_format(format, float_samples);
   file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it contains the time of day
-  room_ = (most_wav_bytes - wav_header_bytes) / (2 * (format == sample_format::pcm_24 ? 3 : 4));
+  double quality = vorbis_quality;
+  if (format == sound_format::vorbis) sf_command(file_.get(), SFC_SET_VBR_ENCODING_QUALITY, &quality, sizeof quality);
+  // Tags are for players: a format that has none of a kind refuses it, and nothing is lost.
+  sf_set_string(file_.get(), SF_STR_TITLE, tags.title.c_str());
+  sf_set_string(file_.get(), SF_STR_SOFTWARE, tags.software.c_str());
+  sf_set_string(file_.get(), SF_STR_COMMENT, tags.comment.c_str());
+  room_ = format == sound_format::wav ? (most_wav_bytes - wav_header_bytes) / (2 * (float_samples ? 4 : 3))
+                                      : std::numeric_limits<int64_t>::max();
 }
 
-void wav_writer::write(const float* left, const float* right, int count) {
+void sound_writer::write(const float* left, const float* right, int count) {
   room_ -= count;
   if (room_ < 0) throw failure(what_ + " would exceed the 4 GiB that a WAV file can hold");
-  interleaved_.resize(2 * static_cast<std::size_t>(count));
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    interleaved_[2 * i] = left[i];
-    interleaved_[2 * i + 1] = right[i];
-  }
+  interleave(left, right, count, &interleaved_);
   if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
     throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
   }
 }
 
-void wav_writer::finish() {
+void sound_writer::finish() {
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
   for (const int error : {unsaid, unclosed}) {
@@ -49,17 +72,15 @@ void wav_writer::finish() {
   partial_.finish();
 }
 
-meters::meters(int rate_hz) : loudness_(ebur128_init(2, static_cast<unsigned long>(rate_hz), EBUR128_MODE_I)) {
+meters::meters(int rate_hz, bool true_peak)
+    : loudness_(ebur128_init(2, static_cast<unsigned long>(rate_hz),
+                             EBUR128_MODE_I | (true_peak ? EBUR128_MODE_TRUE_PEAK : 0))) {
   if (!loudness_) throw std::bad_alloc();
 }
 
 void meters::add(const float* left, const float* right, int count) {
   const auto frames = static_cast<std::size_t>(count);
-  interleaved_.resize(2 * frames);
-  for (std::size_t i = 0; i < frames; ++i) {
-    interleaved_[2 * i] = left[i];
-    interleaved_[2 * i + 1] = right[i];
-  }
+  interleave(left, right, count, &interleaved_);
   for (const float sample : interleaved_) {
     const float magnitude = std::abs(sample);
     peak_ = std::max(peak_, magnitude);
@@ -73,6 +94,72 @@ double meters::loudness_lufs() const {
   return ebur128_loudness_global(loudness_.get(), &lufs) == EBUR128_SUCCESS ? lufs : -HUGE_VAL;
 }
 
+double meters::true_peak() const {
+  double largest = static_cast<double>(peak_);
+  for (const unsigned channel : {0U, 1U}) {
+    double peak = 0.0;
+    if (ebur128_true_peak(loudness_.get(), channel, &peak) == EBUR128_SUCCESS) largest = std::max(largest, peak);
+  }
+  return largest;
+}
+
+void file_output::take(const float* left, const float* right, int count) {
+  const auto scaled = [this, count](const float* samples, std::vector<float>* buffer) {
+    if (gain_ == 1.0) return samples;
+    buffer->resize(static_cast<std::size_t>(count));
+    std::transform(samples, samples + count, buffer->begin(),
+                   [this](float x) { return static_cast<float>(gain_ * static_cast<double>(x)); });
+    return static_cast<const float*>(buffer->data());
+  };
+  left = scaled(left, &left_);
+  right = scaled(right, &right_);
+  writer_.write(left, right, count);
+  meters_.add(left, right, count);
+}
+
+spool::spool(const std::string& path, int rate_hz)
+    : what_("the file beside '" + path + "' that holds it until its loudness is known"),
+      partial_(what_, path + ".loudness"),
+      meters_(rate_hz, true) {
+  SF_INFO info{};
+  info.samplerate = rate_hz;
+  info.channels = 2;
+  info.format = SF_FORMAT_RAW | SF_FORMAT_FLOAT;
+  file_.reset(sf_open_fd(partial_.descriptor(), SFM_RDWR, &info, SF_FALSE));
+  if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
+}
+
+void spool::take(const float* left, const float* right, int count) {
+  interleave(left, right, count, &interleaved_);
+  if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
+    throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
+  }
+  meters_.add(left, right, count);
+}
+
+void spool::play(sample_sink* sink) {
+  constexpr std::size_t piece = 4096;
+  std::vector<float> left(piece);
+  std::vector<float> right(piece);
+  interleaved_.resize(2 * piece);
+  if (sf_seek(file_.get(), 0, SEEK_SET) != 0) throw failure(what_ + " cannot be read");
+  while (const auto count = sf_readf_float(file_.get(), interleaved_.data(), piece)) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+      left[i] = interleaved_[2 * i];
+      right[i] = interleaved_[2 * i + 1];
+    }
+    sink->take(left.data(), right.data(), static_cast<int>(count));
+  }
+}
+
+loudness_gain gain_to_loudness(double lufs, const meters& measured) {
+  const double loudness = measured.loudness_lufs();
+  if (std::isinf(loudness)) return {1.0, false};
+  const double wanted = std::pow(10.0, (lufs - loudness) / 20.0);
+  const double possible = highest_true_peak / measured.true_peak();
+  return {std::min(wanted, possible), wanted > possible};
+}
+
 void delivery::add(const float* left, const float* right, int count, int64_t end) {
   const float* const channels[2] = {left, right};
   write(converter_.convert(channels, count), end);
@@ -82,10 +169,16 @@ void delivery::write(const channel_samples& samples, int64_t end) {
   const auto count = static_cast<int64_t>(samples[0].size());
   const int64_t first = std::clamp<int64_t>(-position_, 0, count);
   const int64_t last = std::min(count, end - position_);
+  const int64_t position = position_ + first;
   position_ += count;
   if (last <= first) return;
-  const float* const left = samples[0].data() + first;
-  const float* const right = samples[1].data() + first;
-  writer_.write(left, right, static_cast<int>(last - first));
-  meters_.add(left, right, static_cast<int>(last - first));
+  const float* kept[2] = {samples[0].data() + first, samples[1].data() + first};
+  if (position_ > end - fade_) {
+    for (const std::size_t channel : {0U, 1U}) {
+      faded_[channel].assign(kept[channel], kept[channel] + (last - first));
+      fade_out(end - fade_ - position, fade_, &faded_[channel]);
+      kept[channel] = faded_[channel].data();
+    }
+  }
+  sink_.take(kept[0], kept[1], static_cast<int>(last - first));
 }

@@ -10,18 +10,33 @@
 #include <vector>
 
 #include "hosts/effect/partial_file.h"
+#include "hosts/render/sound_format.h"
 #include "hosts/voice/rate_converter.h"
 
-enum class sample_format { pcm_24, float_32 };
+// What a file says about itself.
+struct sound_tags {
+  std::string title;
+  std::string software;
+  std::string comment;
+};
 
-// A stereo WAV file that appears under its name only when it is complete.
-class wav_writer {
+// Takes a stream of stereo samples.
+class sample_sink {
  public:
-  // Throws failure when `path` cannot be written.
-  wav_writer(const std::string& path, int rate_hz, sample_format format);
+  virtual void take(const float* left, const float* right, int count) = 0;
 
-  // Appends `count` samples per channel, clipped at full scale in 24-bit files. Throws failure, for example on a full
-  // disk or when the file would exceed the 4 GiB that a WAV header can express.
+ protected:
+  ~sample_sink() = default;
+};
+
+// A stereo sound file that appears under its name only when it is complete.
+class sound_writer {
+ public:
+  // Throws failure when `path` cannot be written, and when the format has no such samples or rate.
+  sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz, const sound_tags& tags);
+
+  // Appends `count` samples per channel, clipped at full scale unless they are written as floats. Throws failure, for
+  // example on a full disk or when the file would exceed the 4 GiB that a WAV header can express.
   void write(const float* left, const float* right, int count);
 
   // Closes the file and gives it its name. Throws failure.
@@ -42,7 +57,8 @@ class wav_writer {
 // Peak, clipping and loudness of a stereo signal.
 class meters {
  public:
-  explicit meters(int rate_hz);
+  //   true_peak   measures it too, at some cost
+  explicit meters(int rate_hz, bool true_peak = false);
 
   void add(const float* left, const float* right, int count);
 
@@ -51,6 +67,8 @@ class meters {
 
   // Integrated loudness by EBU R 128 in LUFS; -infinity for silence and for less than 400 ms.
   double loudness_lufs() const;
+  // The largest magnitude between samples, by ITU-R BS.1770; full scale is 1.
+  double true_peak() const;
 
  private:
   struct closer {
@@ -62,12 +80,63 @@ class meters {
   int64_t above_ = 0;
 };
 
-// Converts, measures and writes a stream.
+// Scales, measures and writes a stream.
+class file_output final : public sample_sink {
+ public:
+  file_output(int rate_hz, double gain, sound_writer* writer) : gain_(gain), meters_(rate_hz), writer_(*writer) {}
+
+  void set_gain(double gain) { gain_ = gain; }
+  void take(const float* left, const float* right, int count) override;
+  const meters& measured() const { return meters_; }
+
+ private:
+  double gain_;
+  meters meters_;
+  sound_writer& writer_;
+  std::vector<float> left_;
+  std::vector<float> right_;
+};
+
+// Keeps a stream in a hidden file until its loudness is known.
+class spool final : public sample_sink {
+ public:
+  //   path   of the output, in whose folder there has to be room
+  spool(const std::string& path, int rate_hz);
+
+  void take(const float* left, const float* right, int count) override;
+  // Passes everything on.
+  void play(sample_sink* sink);
+  const meters& measured() const { return meters_; }
+
+ private:
+  struct closer {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+  };
+  std::string what_;
+  partial_file partial_;
+  std::unique_ptr<SNDFILE, closer> file_;
+  meters meters_;
+  std::vector<float> interleaved_;
+};
+
+// How loud a stream may become: its true peak stays 1 dB below full scale, where encoders and converters don't clip.
+constexpr double highest_true_peak = 0.8912509381337456;
+
+struct loudness_gain {
+  double gain;
+  bool limited;  // the true peak doesn't allow more
+};
+
+// The gain that brings a stream to `lufs`; 1 for one without loudness.
+loudness_gain gain_to_loudness(double lufs, const meters& measured);
+
+// Converts a stream, and cuts it to its length.
 class delivery {
  public:
-  //   skipped   samples at the file's rate to leave out at the start
-  delivery(int from_hz, int to_hz, int64_t skipped, wav_writer* writer)
-      : position_(-skipped), converter_(from_hz, to_hz, 2), meters_(to_hz), writer_(*writer) {}
+  //   skipped      samples at the file's rate to leave out at the start
+  //   fade         samples at the file's rate over which the end is faded out
+  delivery(int from_hz, int to_hz, int64_t skipped, int64_t fade, sample_sink* sink)
+      : position_(-skipped), fade_(fade), converter_(from_hz, to_hz, 2), sink_(*sink) {}
 
   // Takes the next `count` samples of both channels. Samples from `end` on, counted at the file's rate, are left out.
   void add(const float* left, const float* right, int count, int64_t end);
@@ -76,13 +145,13 @@ class delivery {
 
   // Samples that have to follow the last one so that the converter's filter doesn't see the end of the stream.
   int64_t reach() const { return converter_.reach(); }
-  const meters& measured() const { return meters_; }
 
  private:
   void write(const channel_samples& samples, int64_t end);
 
   int64_t position_;  // of the next sample in the file; negative while samples are skipped
+  int64_t fade_;
   rate_converter converter_;
-  meters meters_;
-  wav_writer& writer_;
+  sample_sink& sink_;
+  std::vector<float> faded_[2];
 };

@@ -8,12 +8,15 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/keys.h"
 #include "hosts/effect/partial_file.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
 #include "hosts/effect/text.h"
@@ -42,6 +45,9 @@ struct timeline {
   int64_t end;          // one past the last sample that is written
   int64_t longest_end;  // how far a reverb's tail may extend `end`
 };
+
+// What is left of the sound at the voice's end when --compensate cuts it there.
+constexpr double fade_seconds = 0.01;
 
 // The synthesizer's filter opens from zero with a time constant of 68 ms, and by a further step in each block. After a
 // second it is open, so that the first syllable is as clear as the others and the block length makes no difference. A
@@ -183,6 +189,62 @@ int64_t at_rate(int64_t samples, int from_hz, int to_hz) {
   return std::llround(static_cast<double>(samples) * to_hz / from_hz);
 }
 
+std::string in_db(double value) {
+  if (std::isinf(value)) return "-inf";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
+
+double gain_of_db(double db) {
+  return std::pow(10.0, db / 20.0);
+}
+
+// Adds the voice to what the effect makes of it, as late as the effect.
+class dry_mix {
+ public:
+  //   latency   of the effect in samples
+  dry_mix(double wet_db, std::optional<double> dry_db, int64_t latency)
+      : wet_(static_cast<float>(gain_of_db(wet_db))),
+        dry_(dry_db ? static_cast<float>(gain_of_db(*dry_db)) : 0.0F),
+        ring_(static_cast<std::size_t>(latency)) {}
+
+  //   shapes   voice[count], output[2][count]
+  void add(const float* voice, int count, float* const* output) {
+    if (wet_ == 1.0F && dry_ == 0.0F) return;
+    for (int i = 0; i < count; ++i) {
+      const float dry = dry_ * std::exchange(ring_[place_], voice[i]);
+      place_ = (place_ + 1) % ring_.size();
+      for (const int channel : {0, 1}) output[channel][i] = wet_ * output[channel][i] + dry;
+    }
+  }
+
+ private:
+  float wet_;
+  float dry_;
+  std::vector<float> ring_;
+  std::size_t place_ = 0;
+};
+
+std::string text_of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+// What players show.
+sound_tags tags_of(const render_options& options, const program& current) {
+  const sound& chosen = sound_of(current);
+  std::string comment = "sound " + std::to_string(chosen.number) + " '" + chosen.name + "'";
+  if (options.chords) comment += ", chords " + *options.chords;
+  if (options.midi) comment += ", keys from " + text_of(path_of(*options.midi).filename());
+  std::vector<std::string> keys;
+  for (const int key : current.keys) keys.push_back(name_of_note(lowest_note(chosen, current.octave) + key));
+  if (!keys.empty()) comment += ", keys " + joined(keys);
+  if (current.chorus) comment += ", chorus";
+  if (current.reverb) comment += ", reverb";
+  return {text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")", "kesrel-render " KESREL_VERSION, comment};
+}
+
 // One rendering, from the prepared effect to the finished file. Positions are in samples at the effect's rate.
 class rendering {
  public:
@@ -197,10 +259,16 @@ class rendering {
                           options.compensate, current.reverb)),
         input_(options.block),
         output_(options.block),
-        writer_(options.output, voice->rate_hz(),
-                options.float_samples ? sample_format::float_32 : sample_format::pcm_24),
-        feed_(voice, weights, run_in_of_file(), rate_hz_),
-        delivery_(rate_hz_, voice->rate_hz(), run_in_of_file(), &writer_) {
+        format_(format_of_file(options.output)),
+        file_rate_hz_(rate_of_file(format_, voice->rate_hz())),
+        writer_(options.output, format_, options.float_samples, file_rate_hz_, tags_of(options, current)),
+        file_(file_rate_hz_, gain_of_db(options.gain_db), &writer_),
+        feed_(voice, weights, at_rate(-plan_.run_in, rate_hz_, voice->rate_hz()), rate_hz_),
+        mix_(options.wet_db, options.dry_db, latency_samples(rate_hz_)) {
+    if (options.normalize) spool_.emplace(options.output, file_rate_hz_);
+    const int64_t fade = options.compensate ? samples_of(fade_seconds, file_rate_hz_) : 0;
+    delivery_.emplace(rate_hz_, file_rate_hz_, run_in_of_file(), fade,
+                      spool_ ? static_cast<sample_sink*>(&*spool_) : &file_);
     const double voice_seconds = static_cast<double>(voice->frames()) / voice->rate_hz();
     for (const key_change& change : requested_changes(options, current, voice_seconds)) {
       const double blocks = change.seconds * rate_hz_ / change_grid;
@@ -211,10 +279,10 @@ class rendering {
 
   // Returns false when the effect writes no output.
   bool run() {
-    const int64_t length = plan_.end + delivery_.reach() - plan_.run_in;
+    const int64_t length = plan_.end + delivery_->reach() - plan_.run_in;
     progress_bar progress(length, !options_.quiet);
     host_.start();
-    for (position_ = plan_.run_in; position_ < plan_.end + delivery_.reach(); position_ += count_) {
+    for (position_ = plan_.run_in; position_ < plan_.end + delivery_->reach(); position_ += count_) {
       check_interruption();
       press_keys();
       count_ = samples_of_block();
@@ -224,18 +292,25 @@ class rendering {
       output_.fill(unwritten);
       host_.process(input_.channels(), output_.channels(), count_);
       if (output_.holds_only(unwritten)) return false;
+      mix_.add(input_.channels()[0], count_, output_.channels());
       deliver_output();
       progress.show(position_ - plan_.run_in);
     }
-    delivery_.finish(end_of_file());
+    delivery_->finish(end_of_file());
+    if (spool_) {
+      const loudness_gain gain = gain_to_loudness(*options_.normalize, spool_->measured());
+      if (gain.limited) warn("a louder result would clip: it stays below " + in_db(*options_.normalize) + " LUFS");
+      file_.set_gain(gain.gain);
+      spool_->play(&file_);
+    }
     writer_.finish();
     return true;
   }
 
   render_report report(double elapsed_seconds) const {
-    const auto& measured = delivery_.measured();
+    const auto& measured = file_.measured();
     render_report result;
-    result.seconds = static_cast<double>(end_of_file()) / voice_.rate_hz();
+    result.seconds = static_cast<double>(end_of_file()) / file_rate_hz_;
     result.peak = static_cast<double>(measured.peak());
     result.lufs = measured.loudness_lufs();
     result.times_real_time = result.seconds / elapsed_seconds;
@@ -244,9 +319,10 @@ class rendering {
   }
 
  private:
-  int64_t run_in_of_file() const { return at_rate(-plan_.run_in, rate_hz_, voice_.rate_hz()); }
+  int64_t run_in_of_file() const { return at_rate(-plan_.run_in, rate_hz_, file_rate_hz_); }
   int64_t end_of_file() const {
-    return options_.compensate ? voice_.frames() : at_rate(plan_.end - plan_.start, rate_hz_, voice_.rate_hz());
+    return options_.compensate ? at_rate(voice_.frames(), voice_.rate_hz(), file_rate_hz_)
+                               : at_rate(plan_.end - plan_.start, rate_hz_, file_rate_hz_);
   }
 
   // The keys that are due. Those of the very start are held during the run-in already.
@@ -275,8 +351,8 @@ class rendering {
   void deliver_output() {
     lengthen_tail();
     const int64_t left_out = std::clamp<int64_t>(plan_.run_in + plan_.start - position_, 0, count_);
-    delivery_.add(output_.channels()[0] + left_out, output_.channels()[1] + left_out,
-                  static_cast<int>(count_ - left_out), end_of_file());
+    delivery_->add(output_.channels()[0] + left_out, output_.channels()[1] + left_out,
+                   static_cast<int>(count_ - left_out), end_of_file());
   }
 
   // Extends the rendering while the tail is audible.
@@ -298,9 +374,14 @@ class rendering {
   timeline plan_;
   stereo_block input_;
   stereo_block output_;
-  wav_writer writer_;
+  sound_format format_;
+  int file_rate_hz_;
+  sound_writer writer_;
+  file_output file_;
+  std::optional<spool> spool_;  // while the loudness isn't known
   voice_feed feed_;
-  delivery delivery_;
+  dry_mix mix_;
+  std::optional<delivery> delivery_;
   std::vector<due_keys> changes_;
   std::size_t next_change_ = 0;
   int64_t position_ = 0;
@@ -314,13 +395,6 @@ void check_block(const render_options& options, const voice_reader& voice) {
   if (options.block >= shortest) return;
   throw failure("--block " + std::to_string(options.block) + " is too short at " + std::to_string(rate_hz) +
                 " Hz: at least " + std::to_string(shortest));
-}
-
-std::string in_db(double value) {
-  if (std::isinf(value)) return "-inf";
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", value);
-  return text;
 }
 
 }  // namespace
@@ -343,7 +417,13 @@ render_report render(const render_options& options) {
   const auto began = std::chrono::steady_clock::now();
   rendering run(options, current, heard.weights, &voice, &host);
   if (!run.run()) throw no_output_from(chosen);
-  return run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
+  const auto report = run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
+  if (report.peak < static_cast<double>(inaudible)) warn("output '" + options.output + "' is silent");
+  if (report.samples_above_full_scale > 0 && !options.float_samples) {
+    warn("output '" + options.output + "' is clipped: a --gain of " +
+         in_db(std::floor(-200.0 * std::log10(report.peak)) / 10.0) + " dB, or --normalize, prevents that");
+  }
+  return report;
 }
 
 std::string closing_line(const render_options& options, const render_report& report) {

@@ -38,7 +38,9 @@ TEST_F(Output, ClipsAtFullScaleIn24BitsButNotInFloat) {
   EXPECT_TRUE(contains(done({voice, output, "--float"}), " samples above full scale"));
   const auto unlimited = read_recording(output);
   EXPECT_GT(peak_of(unlimited), 1.0F);
-  EXPECT_TRUE(contains(done({voice, output}), ", clipped "));
+  const auto result = run({voice, output});
+  EXPECT_TRUE(contains(result.out, ", clipped "));
+  EXPECT_TRUE(contains(result.error, "out.wav' is clipped: a --gain of -"));
   const auto clipped = read_recording(output);
   ASSERT_EQ(clipped.samples.size(), unlimited.samples.size());
   for (std::size_t i = 0; i < clipped.samples.size(); ++i) {

@@ -44,11 +44,11 @@ TEST_F(Voice, OfAStereoFileIsWhatSoundsInIt) {
   EXPECT_TRUE(contains(found.error, "voice.wav': the left channel is silent: the right one is used\n")) << found.error;
   EXPECT_TRUE(read_recording(output).samples == mono);
   EXPECT_TRUE(rendered({"--float", "--compensate", "--channel", "right"}).samples == mono);
-  EXPECT_LT(peak_of(rendered({"--float", "--compensate", "--channel", "left"})), 1e-3F);
+  EXPECT_TRUE(contains(run({voice, output, "--channel", "left"}).error, "out.wav' is silent"));
 
   recording opposite = voice_of(0.4, 44100, 2);
   for (std::size_t i = 0; i < opposite.samples.size(); i += 2) opposite.samples[i] *= -1.0F;
   write_recording(voice, opposite);
-  EXPECT_LT(peak_of(rendered({"--float", "--compensate"})), 1e-6F);
+  EXPECT_TRUE(contains(run({voice, output, "--float", "--compensate"}).error, "out.wav' is silent"));
   expect_refusal({voice, output, "--channel", "middle"}, "--channel");
 }
