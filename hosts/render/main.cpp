@@ -1,9 +1,7 @@
 // MIT License. kesrel-render: runs a sound file through the vocoder, offline.
-#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <string>
-#include <system_error>
 
 #include "hosts/effect/command_words.h"
 #include "hosts/effect/effect_host.h"
@@ -14,19 +12,11 @@
 #include "hosts/render/options.h"
 #include "hosts/render/preparation.h"
 #include "hosts/render/render.h"
+#include "hosts/render/streams.h"
 
 namespace {
 
 constexpr int failure_status = 2;
-
-// Throws failure when the text cannot be written, and interrupted when that is because the reader has gone.
-void print(const std::string& text) {
-  errno = 0;
-  if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
-  const int error = errno;
-  check_interruption();
-  throw failure("standard output cannot be written: " + std::generic_category().message(error));
-}
 
 // Prepares the state and lists its programs if asked to, without a voice.
 void run_without_voice(const render_options& options) {
@@ -49,7 +39,13 @@ void run(const command_words& line) {
     run_without_voice(options);
   } else {
     const auto report = render(options);
-    if (!options.quiet) print(on_one_line(closing_line(options, report)) + "\n");
+    if (options.quiet) return;
+    const std::string summary = on_one_line(closing_line(options, report)) + "\n";
+    if (options.output == stream_name) {
+      std::fputs(summary.c_str(), stderr);
+    } else {
+      print(summary);
+    }
   }
 }
 

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "hosts/effect/text.h"
+#include "hosts/render/sound_format.h"
 #include "hosts/voice/voice.h"
 
 namespace {
@@ -63,6 +64,9 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("OUT", options->output, "WAV file to write");
   app->add_option("--sound", options->sound, "Sound: its number, its uuid, or its name or a part of it that is unique")
       ->type_name("NAME|UUID|NUMBER");
+  app->add_option("--format", options->format,
+                  "Format of OUT, " + format_names() + "; default is that of its ending, or wav on standard output")
+      ->type_name("NAME");
   app->add_option(
          "--channel", options->channel,
          "Channel of a stereo VOICE: left, right, or mix, the mean of both; default is mix, or the one that isn't "

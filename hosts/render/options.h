@@ -10,9 +10,10 @@ constexpr int smallest_block = 1;
 constexpr int largest_block = 65536;
 
 struct render_options {
-  std::string voice;   // sound file to read; empty when nothing is rendered
-  std::string output;  // WAV file to write; likewise
-  std::string plugin;  // module with the effect; empty means the one beside this program
+  std::string voice;                  // sound file to read; empty when nothing is rendered
+  std::string output;                 // sound file to write; likewise. Of both, "-" is a standard stream
+  std::optional<std::string> format;  // where it isn't what the ending of `output` says
+  std::string plugin;                 // module with the effect; empty means the one beside this program
   voice_channel channel = voice_channel::automatic;
   double wet_db = 0.0;           // of what the effect makes
   std::optional<double> dry_db;  // of the voice, which is left out otherwise

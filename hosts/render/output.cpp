@@ -3,11 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <new>
 #include <numbers>
 
 #include "hosts/effect/text.h"
+#include "hosts/render/streams.h"
+#include "hosts/render/terminal.h"
 
 namespace {
 
@@ -31,16 +34,28 @@ void interleave(const float* left, const float* right, int count, std::vector<fl
   }
 }
 
+std::string temporary_name() {
+  std::error_code error;
+  const std::u8string path = (std::filesystem::temp_directory_path(error) / "kesrel-render.loudness").u8string();
+  return {path.begin(), path.end()};
+}
+
 }  // namespace
 
 sound_writer::sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz,
                            const sound_tags& tags)
-    : what_("output '" + path + "'"), partial_(what_, path) {
+    : what_(path == stream_name ? "standard output" : "output '" + path + "'") {
   SF_INFO info{};
   info.samplerate = rate_hz;
   info.channels = 2;
   info.format = sndfile_format(format, float_samples);
-  file_.reset(sf_open_fd(partial_.descriptor(), SFM_WRITE, &info, SF_FALSE));
+  if (path == stream_name) {
+    SF_VIRTUAL_IO calls = memory_sound::calls();
+    file_.reset(sf_open_virtual(&calls, SFM_WRITE, &info, &memory_));
+  } else {
+    partial_.emplace(what_, path);
+    file_.reset(sf_open_fd(partial_->descriptor(), SFM_WRITE, &info, SF_FALSE));
+  }
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
   sf_command(file_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);  // it contains the time of day
@@ -69,7 +84,12 @@ void sound_writer::finish() {
   for (const int error : {unsaid, unclosed}) {
     if (error != SF_ERR_NO_ERROR) throw failure(what_ + " cannot be written: " + sf_error_number(error));
   }
-  partial_.finish();
+  if (partial_) {
+    partial_->finish();
+  } else {
+    pass_all_bytes(stdout);
+    print(memory_.bytes);
+  }
 }
 
 meters::meters(int rate_hz, bool true_peak)
@@ -118,8 +138,8 @@ void file_output::take(const float* left, const float* right, int count) {
 }
 
 spool::spool(const std::string& path, int rate_hz)
-    : what_("the file beside '" + path + "' that holds it until its loudness is known"),
-      partial_(what_, path + ".loudness"),
+    : what_("the file that holds output '" + path + "' until its loudness is known"),
+      partial_(what_, path == stream_name ? temporary_name() : path + ".loudness"),
       meters_(rate_hz, true) {
   SF_INFO info{};
   info.samplerate = rate_hz;

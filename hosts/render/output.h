@@ -6,11 +6,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "hosts/effect/partial_file.h"
 #include "hosts/render/sound_format.h"
+#include "hosts/voice/memory_sound.h"
 #include "hosts/voice/rate_converter.h"
 
 // What a file says about itself.
@@ -29,9 +31,10 @@ class sample_sink {
   ~sample_sink() = default;
 };
 
-// A stereo sound file that appears under its name only when it is complete.
+// A stereo sound file that appears under its name, or on standard output, only when it is complete.
 class sound_writer {
  public:
+  //   path     "-" is standard output, whose sound is in memory until finish()
   // Throws failure when `path` cannot be written, and when the format has no such samples or rate.
   sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz, const sound_tags& tags);
 
@@ -48,7 +51,8 @@ class sound_writer {
   };
 
   std::string what_;  // how messages name it
-  partial_file partial_;
+  std::optional<partial_file> partial_;
+  memory_sound memory_;                    // for standard output
   std::unique_ptr<SNDFILE, closer> file_;  // closed before the partial file is deleted
   int64_t room_;                           // samples per channel that still fit
   std::vector<float> interleaved_;

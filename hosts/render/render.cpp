@@ -23,6 +23,7 @@
 #include "hosts/render/key_schedule.h"
 #include "hosts/render/output.h"
 #include "hosts/render/preparation.h"
+#include "hosts/render/streams.h"
 #include "hosts/render/terminal.h"
 #include "hosts/voice/channels.h"
 #include "hosts/voice/voice.h"
@@ -245,6 +246,11 @@ sound_tags tags_of(const render_options& options, const program& current) {
   return {text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")", "kesrel-render " KESREL_VERSION, comment};
 }
 
+sound_format format_of(const render_options& options) {
+  if (options.format) return format_of_name(*options.format);
+  return options.output == stream_name ? sound_format::wav : format_of_file(options.output);
+}
+
 // One rendering, from the prepared effect to the finished file. Positions are in samples at the effect's rate.
 class rendering {
  public:
@@ -259,7 +265,7 @@ class rendering {
                           options.compensate, current.reverb)),
         input_(options.block),
         output_(options.block),
-        format_(format_of_file(options.output)),
+        format_(format_of(options)),
         file_rate_hz_(rate_of_file(format_, voice->rate_hz())),
         writer_(options.output, format_, options.float_samples, file_rate_hz_, tags_of(options, current)),
         file_(file_rate_hz_, gain_of_db(options.gain_db), &writer_),
@@ -397,11 +403,19 @@ void check_block(const render_options& options, const voice_reader& voice) {
                 " Hz: at least " + std::to_string(shortest));
 }
 
+voice_reader reader_of(const std::string& path) {
+  if (path == stream_name) return {"on standard input", read_standard_input()};
+  return voice_reader(path);
+}
+
 }  // namespace
 
 render_report render(const render_options& options) {
-  voice_reader voice(options.voice);
-  check_target("output '" + options.output + "'", options.output, "voice", options.voice);
+  voice_reader voice = reader_of(options.voice);
+  if (options.output != stream_name) {
+    const std::string other = options.voice == stream_name ? "" : options.voice;
+    check_target("output '" + options.output + "'", options.output, "voice", other);
+  }
   check_block(options, voice);
 
   if (!voice.warning().empty()) warn(voice.warning());

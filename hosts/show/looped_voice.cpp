@@ -21,7 +21,7 @@ constexpr std::size_t piece_samples = 4096;
 
 voice_reader reader_of(const std::string& path) {
   if (!path.empty()) return voice_reader(path);
-  return {"demo", {reinterpret_cast<const char*>(demo_voice_bytes), demo_voice_bytes_size}};
+  return {"demo", std::string(reinterpret_cast<const char*>(demo_voice_bytes), demo_voice_bytes_size)};
 }
 
 }  // namespace

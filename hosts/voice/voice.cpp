@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 #include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
@@ -84,33 +85,11 @@ voice_reader::voice_reader(const std::string& path) : called_(called(path)) {
   }
 }
 
-voice_reader::voice_reader(const std::string& name, std::string_view bytes)
-    : called_(called(name)), memory_(new memory_file{bytes}) {
-  SF_VIRTUAL_IO calls = memory_calls();
+voice_reader::voice_reader(const std::string& name, std::string bytes)
+    : called_(called(name)), memory_(new memory_sound{std::move(bytes)}) {
+  SF_VIRTUAL_IO calls = memory_sound::calls();
   file_.reset(sf_open_virtual(&calls, SFM_READ, &info_, memory_.get()));
   check_content();
-}
-
-SF_VIRTUAL_IO voice_reader::memory_calls() {
-  static constexpr auto own = [](void* user) { return static_cast<memory_file*>(user); };
-  static constexpr auto size_of = [](const memory_file& file) { return static_cast<sf_count_t>(file.bytes.size()); };
-  SF_VIRTUAL_IO calls{};
-  calls.get_filelen = [](void* user) { return size_of(*own(user)); };
-  calls.tell = [](void* user) { return own(user)->position; };
-  calls.write = [](const void*, sf_count_t, void*) { return sf_count_t{0}; };
-  calls.seek = [](sf_count_t offset, int whence, void* user) {
-    memory_file& file = *own(user);
-    const sf_count_t origin = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.position : size_of(file);
-    return file.position = std::clamp<sf_count_t>(origin + offset, 0, size_of(file));
-  };
-  calls.read = [](void* target, sf_count_t count, void* user) {
-    memory_file& file = *own(user);
-    const sf_count_t some = std::min(count, size_of(file) - file.position);
-    std::memcpy(target, file.bytes.data() + file.position, static_cast<std::size_t>(some));
-    file.position += some;
-    return some;
-  };
-  return calls;
 }
 
 void voice_reader::check_content() const {

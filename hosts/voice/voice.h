@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "hosts/voice/memory_sound.h"
 #include "hosts/voice/rate_converter.h"
 
 // Limits of the voice's rate: below, speech is unintelligible; above, nothing is recorded.
@@ -22,9 +22,9 @@ class voice_reader {
   // Throws failure unless the file is a readable sound file with 1 or 2 channels, at least one sample, and a rate from
   // `lowest_rate_hz` to `highest_rate_hz`.
   explicit voice_reader(const std::string& path);
-  // The same for a sound file in memory, which must outlive this object.
+  // The same for a sound file in memory.
   //   name   how messages refer to it
-  voice_reader(const std::string& name, std::string_view bytes);
+  voice_reader(const std::string& name, std::string bytes);
 
   int channels() const { return info_.channels; }
   int rate_hz() const { return info_.samplerate; }
@@ -45,17 +45,11 @@ class voice_reader {
     void operator()(SNDFILE* file) const { sf_close(file); }
   };
 
-  struct memory_file {
-    std::string_view bytes;
-    sf_count_t position = 0;
-  };
-  static SF_VIRTUAL_IO memory_calls();
-
   void check_content() const;
 
   std::string called_;  // in messages
   SF_INFO info_{};
-  std::unique_ptr<memory_file> memory_;  // null for a file on disk
+  std::unique_ptr<memory_sound> memory_;  // null for a file on disk
   std::unique_ptr<SNDFILE, closer> file_;
   std::string warning_;
   std::vector<float> interleaved_;
