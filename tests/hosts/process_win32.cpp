@@ -50,6 +50,8 @@ std::string text_of(const std::string& path) {
   return text;
 }
 
+constexpr int never_started = -1;
+
 outcome run_once(const arguments& words, const std::string& out, const char* program) {
   const temporary_folder output;
   const std::wstring module = std::filesystem::absolute(path_of(program)).make_preferred().wstring();
@@ -68,7 +70,7 @@ outcome run_once(const arguments& words, const std::string& out, const char* pro
     startup.hStdError = errors.get();
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(module.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &started)) {
-      throw std::runtime_error(std::string(program) + " can't be started");
+      return {never_started, "error " + std::to_string(GetLastError()), ""};
     }
     CloseHandle(started.hThread);
     const open_handle process(started.hProcess);
@@ -80,9 +82,12 @@ outcome run_once(const arguments& words, const std::string& out, const char* pro
 
 }  // namespace
 
-// Now and then Wine ends before the program's first instruction, without a word; our programs give their reason.
+// Now and then Wine ends a program before its first instruction, without a word, or says that it can't be started; our
+// programs give their reason.
 outcome run(const arguments& words, const std::string& out, const char* program) {
   outcome result = run_once(words, out, program);
   for (int i = 0; i < 2 && result.status != 0 && result.error.empty(); ++i) result = run_once(words, out, program);
+  if (result.status == never_started)
+    throw std::runtime_error(std::string(program) + " can't be started: " + result.out);
   return result;
 }

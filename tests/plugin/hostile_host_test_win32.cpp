@@ -14,8 +14,12 @@ namespace {
 // The exit status of a host that does `deed`, with application data in `folder`.
 intptr_t end_of_host(const std::string& deed, const temporary_folder& folder) {
   const std::string data_home = '"' + folder.path() + '"';
-  return _spawnl(_P_WAIT, KESREL_HOSTILE_HOST, KESREL_HOSTILE_HOST, KESREL_MODULE_PATH, deed.c_str(), data_home.c_str(),
-                 nullptr);
+  intptr_t status = -1;
+  for (int i = 0; i < 3 && status == -1; ++i) {  // now and then Wine can't start a program
+    status = _spawnl(_P_WAIT, KESREL_HOSTILE_HOST, KESREL_HOSTILE_HOST, KESREL_MODULE_PATH, deed.c_str(),
+                     data_home.c_str(), nullptr);
+  }
+  return status;
 }
 
 struct ending {
