@@ -22,6 +22,7 @@ constexpr int failure_status = 2;
 void run_without_voice(const render_options& options) {
   effect_host host(options.plugin, core_rate_hz, options.block, 1);
   prepare(options, &host);
+  save_requested_state(options, host);
   if (options.list_programs) {
     print(program_table(host));
   } else if (!options.quiet) {

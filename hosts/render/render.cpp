@@ -430,6 +430,7 @@ render_report render(const render_options& options) {
 
   const auto began = std::chrono::steady_clock::now();
   rendering run(options, current, heard.weights, &voice, &host);
+  save_requested_state(options, host);
   if (!run.run()) throw no_output_from(chosen);
   const auto report = run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
   if (report.peak < static_cast<double>(inaudible)) warn("output '" + options.output + "' is silent");
