@@ -3,11 +3,13 @@
 
 #include <charconv>
 #include <map>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include "hosts/effect/text.h"
 #include "hosts/render/sound_format.h"
+#include "hosts/render/streams.h"
 #include "hosts/voice/voice.h"
 
 namespace {
@@ -172,7 +174,9 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& asked) {
-    app.exit(asked);
+    std::ostringstream text;
+    app.exit(asked, text, text);
+    print(text.str());
     return command_line::done;
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");
