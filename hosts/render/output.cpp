@@ -10,6 +10,7 @@
 #include <numbers>
 
 #include "hosts/effect/paths.h"
+#include "hosts/effect/interruption.h"
 #include "hosts/effect/text.h"
 #include "hosts/render/streams.h"
 #include "hosts/render/terminal.h"
@@ -170,6 +171,7 @@ void spool::play(sample_sink* sink) {
   interleaved_.resize(2 * piece);
   if (sf_seek(file_.get(), 0, SEEK_SET) != 0) throw failure(what_ + " cannot be read");
   while (const auto count = sf_readf_float(file_.get(), interleaved_.data(), piece)) {
+    check_interruption();
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
       left[i] = interleaved_[2 * i];
       right[i] = interleaved_[2 * i + 1];
