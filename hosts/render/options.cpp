@@ -54,37 +54,48 @@ class help_format final : public CLI::Formatter {
   }
 };
 
+// Words between stars become headings of the man page, which is made of the help.
 std::string help_footer() {
-  return "Rates, lengths and formats:\n"
-         "VOICE may be any sound file that libsndfile reads, mono or stereo, at " +
-         std::to_string(lowest_rate_hz) + "\nto " + std::to_string(highest_rate_hz) +
-         R"( Hz. OUT is stereo and has the rate of VOICE, unless its format
-doesn't go so high or has but a few rates: then it has the next higher one or
-the highest.
+  return R"(*Files*
 
-  wav                       24 bits, or float by --float, at any rate; at most
-                            4 GiB: 4 h 30 min at 44100 Hz, 4 h 8 min at 48000,
-                            2 h 4 min at 96000, and a quarter less by --float
+VOICE may be any sound file that libsndfile reads, mono or stereo, at )" +
+         std::to_string(lowest_rate_hz) + " to\n" + std::to_string(highest_rate_hz) +
+         R"( Hz. OUT is stereo, at the rate of VOICE where its format has that, or
+else at the next higher rate or its highest.
+
+  wav                       24 bits or, by --float, 32-bit float, at any rate;
+                            up to 4 GiB, which are 4 h 30 min at 44100 Hz, 4 h
+                            8 min at 48000 Hz, 2 h 4 min at 96000 Hz, and a
+                            quarter less by --float
   flac                      24 bits, up to 655350 Hz
   ogg                       Vorbis of some 190 kbit/s, up to 192000 Hz
-  opus                      At 8000, 12000, 16000, 24000 or 48000 Hz
+  opus                      Opus, at 8000, 12000, 16000, 24000 or 48000 Hz
 
-OUT starts with the effect's latency, 1024 samples at 44100 Hz, and ends when
-the chord, and with --reverb its tail, has died away. --compensate makes it as
-long as VOICE and in time with it, with a fade over the last 10 ms. Title,
-sound and keys are in its tags. Standard input, and a sound that goes to
-standard output, are kept in memory as a whole.
+The other formats hold more than a day. Standard input, and a sound that goes
+to standard output, are kept in memory as a whole.
 
-Keys and chords:
-The keyboard has 36 keys, for most sounds C2 to B4 (--list-sounds prints the
-lowest), and up to 32 can be held at once. A chord is a letter, # or b, then a
-quality: none for major, m, 5, 6, 7, 9, 11, 13, maj7, m7, m7b5, dim, aug, sus2,
-sus4 and more, also altered as in C7(b9,#11) or Gadd9. /A puts an A below it
-and @3 its root into octave 3. Changes of keys are rounded to 32 samples at
-44100 Hz, less than a millisecond. A MIDI file may have 64 MB; notes beyond the
-keyboard are played octaves away, with a warning.
+OUT starts with the effect's latency, 1024 samples at 44100 Hz or 23 ms, and
+ends when the chord, and with --reverb its tail, has died away. --compensate
+makes it as long as VOICE and in time with it, with a fade over the last 10 ms.
+Players show the sound and the keys as its title and comment.
 
-Programs and states:
+A file that exists is replaced by a finished one or stays as it was.
+
+*Keys and chords*
+
+The keyboard has 36 keys, C2 to B4 for most sounds; --list-sounds prints the
+lowest. Up to 32 can be held at once.
+
+A chord is a letter, # or b, then a quality: nothing for major, m, 5, 6, 7, 9,
+11, 13, maj7, m7, m7b5, dim, aug, sus2, sus4 and more. It may be altered, as in
+C7(b9,#11) or Gadd9. F/A has an A below it, and Am7@3 its root in octave 3.
+
+Keys change within 16 samples of their time at 44100 Hz, or 0.4 ms. A MIDI file
+may have 64 MB; its notes beyond the keyboard are played octaves away, with a
+warning.
+
+*Programs and states*
+
 The options are carried out in this order, whatever order they come in:
 --load-state, --program, then --sound, the switches and the keys, then
 --save-state. Without any of them the effect's first program is in use. --sound
@@ -93,17 +104,19 @@ alone makes a fresh program: keys 12,16,19 and all switches off. After
 switches and keys replace theirs, and the rest stays. VOICE and OUT may be left
 out when a state is saved or a list asked for.
 
+*Rate of the module*
+
 The effect works at 44100 Hz, and voices of other rates are converted before
 and after it. With --module-rate native it runs at the rate of VOICE and
 converts block by block by itself, as in any host: highs are lost, and in most
 blocks the pitch is off.
 
-Exit status:
+*Exit status*
+
 0 when done, 2 when not, with the reason on standard error. SIGHUP, SIGINT,
 SIGPIPE, SIGTERM and SIGXCPU end the program by that same signal, which a shell
 reports as 128 and its number: 130 for Ctrl-C. On Windows the status is 130
-after Ctrl-C, and 143 at the end of the session. A file that exists is replaced
-by a finished one or stays as it was.)";
+after Ctrl-C, and 143 at the end of the session.)";
 }
 
 // CLI11 expects a validator to return an error message, or an empty text for a valid value.
