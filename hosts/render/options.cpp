@@ -88,7 +88,8 @@ lowest. Up to 32 can be held at once.
 
 A chord is a letter, # or b, then a quality: nothing for major, m, 5, 6, 7, 9,
 11, 13, maj7, m7, m7b5, dim, aug, sus2, sus4 and more. It may be altered, as in
-C7(b9,#11) or Gadd9. F/A has an A below it, and Am7@3 its root in octave 3.
+C7(b9,#11) or Gadd9. F/A has an A below it, and Am7@3 its root in octave 3. To
+--keys C7 is a note and C7@3 the chord.
 
 Keys change within 16 samples of their time at 44100 Hz, or 0.4 ms. A MIDI file
 may have 64 MB; its notes beyond the keyboard are played octaves away, with a
