@@ -145,7 +145,7 @@ class stereo_block {
   std::array<float*, 2> pointers_{left_.data(), right_.data()};
 };
 
-// Key changes are rounded to this many samples, so that no block is shorter.
+// Key changes are rounded to this many samples, so that there are no more blocks than that.
 constexpr int64_t change_grid = 32;
 
 struct due_keys {
@@ -331,14 +331,16 @@ class rendering {
                                : at_rate(plan_.end - plan_.start, rate_hz_, file_rate_hz_);
   }
 
-  // The keys that are due. Those of the very start are held during the run-in already.
+  // Changes of the very start are due during the run-in already, and others if the block before them would be too short
+  // to have any output.
+  bool is_due(int64_t change) const { return change - std::max<int64_t>(position_, 0) < shortest_block(rate_hz_); }
+
   void press_keys() {
     std::vector<int> keys = program_.keys;
-    for (; next_change_ < changes_.size() && changes_[next_change_].position <= std::max<int64_t>(position_, 0);
-         ++next_change_) {
+    for (; next_change_ < changes_.size() && is_due(changes_[next_change_].position); ++next_change_) {
       keys = changes_[next_change_].keys;
     }
-    if (position_ >= plan_.keys_up) keys.clear();
+    if (is_due(plan_.keys_up)) keys.clear();
     if (keys == program_.keys) return;
     program_.keys = keys;
     use_program(program_, &host_);
@@ -348,7 +350,7 @@ class rendering {
   int samples_of_block() const {
     int64_t end = position_ + options_.block;
     if (next_change_ < changes_.size()) end = std::min(end, changes_[next_change_].position);
-    if (position_ < plan_.keys_up) end = std::min(end, plan_.keys_up);
+    if (!is_due(plan_.keys_up)) end = std::min(end, plan_.keys_up);
     return static_cast<int>(end - position_);
   }
 
