@@ -243,7 +243,9 @@ sound_tags tags_of(const render_options& options, const program& current) {
   if (!keys.empty()) comment += ", keys " + joined(keys);
   if (current.chorus) comment += ", chorus";
   if (current.reverb) comment += ", reverb";
-  return {text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")", "kesrel-render " KESREL_VERSION, comment};
+  const std::string title =
+      options.voice == stream_name ? chosen.name : text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")";
+  return {title, "kesrel-render " KESREL_VERSION, comment};
 }
 
 sound_format format_of(const render_options& options) {
