@@ -36,6 +36,16 @@ void interleave(const float* left, const float* right, int count, std::vector<fl
   }
 }
 
+// Readers of WAV files skip texts of 2048 bytes and more, and libsndfile writes headers that no one can read around
+// much longer ones.
+std::string tag_of(const std::string& text) {
+  constexpr std::size_t most = 1500;
+  if (text.size() <= most) return text;
+  std::size_t end = most;
+  while (end > 0 && (text[end] & 0xC0) == 0x80) --end;  // not inside a UTF-8 character
+  return text.substr(0, end) + "...";
+}
+
 // A name that is short, as the output's own may be the longest that the file system takes.
 std::string spool_name(const std::string& output) {
   static std::atomic<int> number = 0;
@@ -68,9 +78,9 @@ sound_writer::sound_writer(const std::string& path, sound_format format, bool fl
   double quality = vorbis_quality;
   if (format == sound_format::vorbis) sf_command(file_.get(), SFC_SET_VBR_ENCODING_QUALITY, &quality, sizeof quality);
   // Tags are for players: a format that has none of a kind refuses it, and nothing is lost.
-  sf_set_string(file_.get(), SF_STR_TITLE, tags.title.c_str());
+  sf_set_string(file_.get(), SF_STR_TITLE, tag_of(tags.title).c_str());
   sf_set_string(file_.get(), SF_STR_SOFTWARE, tags.software.c_str());
-  sf_set_string(file_.get(), SF_STR_COMMENT, tags.comment.c_str());
+  sf_set_string(file_.get(), SF_STR_COMMENT, tag_of(tags.comment).c_str());
   room_ = format == sound_format::wav ? (most_wav_bytes - wav_header_bytes) / (2 * (float_samples ? 4 : 3))
                                       : std::numeric_limits<int64_t>::max();
 }
