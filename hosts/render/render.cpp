@@ -439,8 +439,9 @@ render_report render(const render_options& options) {
   const auto report = run.report(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
   if (report.peak < static_cast<double>(inaudible)) warn("output '" + options.output + "' is silent");
   if (report.samples_above_full_scale > 0 && !options.float_samples) {
-    warn("output '" + options.output + "' is clipped: a --gain of " +
-         in_db(std::floor(-200.0 * std::log10(report.peak)) / 10.0) + " dB, or --normalize, prevents that");
+    const double gain_db = std::floor(10.0 * options.gain_db - 200.0 * std::log10(report.peak)) / 10.0;
+    warn("output '" + options.output + "' is clipped: a --gain of " + in_db(gain_db) +
+         " dB, or --normalize, prevents that");
   }
   return report;
 }
