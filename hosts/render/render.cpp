@@ -307,7 +307,7 @@ class rendering {
     delivery_->finish(end_of_file());
     if (spool_) {
       const loudness_gain gain = gain_to_loudness(*options_.normalize, spool_->measured());
-      if (std::isinf(spool_->measured().loudness_lufs()))
+      if (std::isinf(spool_->measured().loudness_lufs()) && spool_->measured().peak() >= inaudible)
         warn("the result is too short or too quiet for a loudness: it isn't normalized");
       if (gain.limited) warn("a louder result would clip: it stays below " + in_db(*options_.normalize) + " LUFS");
       file_.set_gain(gain.gain);
