@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <new>
@@ -58,6 +59,36 @@ std::string spool_name(const std::string& output) {
 
 }  // namespace
 
+SF_VIRTUAL_IO sound_writer::file_sound::calls() {
+  SF_VIRTUAL_IO all{};
+  all.get_filelen = [](void* user) -> sf_count_t {
+    partial_file& file = *static_cast<file_sound*>(user)->file;
+    const int64_t place = file.seek(0, SEEK_CUR);
+    const int64_t length = file.seek(0, SEEK_END);
+    file.seek(place, SEEK_SET);
+    return length;
+  };
+  all.tell = [](void* user) -> sf_count_t { return static_cast<file_sound*>(user)->file->seek(0, SEEK_CUR); };
+  all.seek = [](sf_count_t offset, int whence, void* user) -> sf_count_t {
+    return static_cast<file_sound*>(user)->file->seek(offset, whence);
+  };
+  all.write = [](const void* source, sf_count_t count, void* user) -> sf_count_t {
+    auto& sound = *static_cast<file_sound*>(user);
+    try {
+      sound.file->write({static_cast<const char*>(source), static_cast<std::size_t>(count)});
+      return count;
+    } catch (...) {  // libsndfile is C, through which no exception may pass
+      if (!sound.error) sound.error = std::current_exception();
+      return 0;
+    }
+  };
+  return all;
+}
+
+void sound_writer::check() const {
+  if (disk_.error) std::rethrow_exception(disk_.error);
+}
+
 sound_writer::sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz,
                            const sound_tags& tags)
     : what_(path == stream_name ? "standard output" : "output '" + path + "'") {
@@ -69,8 +100,10 @@ sound_writer::sound_writer(const std::string& path, sound_format format, bool fl
     SF_VIRTUAL_IO calls = memory_sound::calls();
     file_.reset(sf_open_virtual(&calls, SFM_WRITE, &info, &memory_));
   } else {
-    partial_.emplace(what_, path);
-    file_.reset(sf_open_fd(partial_->descriptor(), SFM_WRITE, &info, SF_FALSE));
+    disk_.file.emplace(what_, path);
+    SF_VIRTUAL_IO calls = file_sound::calls();
+    file_.reset(sf_open_virtual(&calls, SFM_WRITE, &info, &disk_));
+    check();
   }
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
@@ -89,19 +122,20 @@ void sound_writer::write(const float* left, const float* right, int count) {
   room_ -= count;
   if (room_ < 0) throw failure(what_ + " would exceed the 4 GiB that a WAV file can hold");
   interleave(left, right, count, &interleaved_);
-  if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
-    throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
-  }
+  const bool is_written = sf_writef_float(file_.get(), interleaved_.data(), count) == count;
+  check();
+  if (!is_written) throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
 }
 
 void sound_writer::finish() {
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
+  check();
   for (const int error : {unsaid, unclosed}) {
     if (error != SF_ERR_NO_ERROR) throw failure(what_ + " cannot be written: " + sf_error_number(error));
   }
-  if (partial_) {
-    partial_->finish();
+  if (disk_.file) {
+    disk_.file->finish();
   } else {
     pass_all_bytes(stdout);
     print(memory_.bytes);
