@@ -2,6 +2,8 @@
 #include "hosts/effect/effect_host.h"
 
 #include <cmath>
+#include <memory>
+#include <mutex>
 
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/module_entry.h"
@@ -11,6 +13,8 @@ namespace {
 
 constexpr int core_latency_samples = 1024;
 constexpr VstInt32 plugin_id = CCONST('K', 'V', '4', 'M');
+
+std::mutex opening;  // and closing
 
 // The host's entry. An effect that is still being created has no host_calls yet.
 VstIntPtr answer(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
@@ -143,4 +147,17 @@ void effect_host::send_handshake() {
 
 VstIntPtr effect_host::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) const {
   return effect_->dispatcher(effect_, opcode, index, value, ptr, opt);
+}
+
+void effect_closer::operator()(effect_host* host) const {
+  const std::lock_guard alone(opening);
+  delete host;
+}
+
+effect_pointer open_effect(const std::string& plugin, int rate_hz, int block, int input_channels,
+                           const std::function<void(effect_host*)>& prepare) {
+  const std::lock_guard alone(opening);
+  auto host = std::make_unique<effect_host>(plugin, rate_hz, block, input_channels);
+  prepare(host.get());
+  return effect_pointer(host.release());
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -97,3 +99,14 @@ class effect_host {
   AEffect* effect_;
   bool started_ = false;
 };
+
+struct effect_closer {
+  void operator()(effect_host* host) const;
+};
+using effect_pointer = std::unique_ptr<effect_host, effect_closer>;
+
+// Opens an effect as its constructor does and prepares it, for work on several threads: like other hosts, this one
+// opens and closes effects one at a time.
+//   prepare   may throw
+effect_pointer open_effect(const std::string& plugin, int rate_hz, int block, int input_channels,
+                           const std::function<void(effect_host*)>& prepare);

@@ -29,6 +29,27 @@ void run_without_voice(const render_options& options) {
   }
 }
 
+void say(const std::string& text) {
+  std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(text).c_str());
+}
+
+void run_voice(const render_options& options) {
+  const voice_source voice = source_of_voice(options.voice);
+  const render_report report = [&] {
+    progress_bar progress(!options.quiet);
+    return render(options, voice, &progress);
+  }();
+  for (const auto& warning : report.warnings) say("warning: " + warning);
+  if (options.quiet) return;
+  if (!report.remark.empty()) say(report.remark);
+  const std::string summary = on_one_line(closing_line(options, report)) + "\n";
+  if (options.output == stream_name) {
+    std::fputs(summary.c_str(), stderr);
+  } else {
+    print(summary);
+  }
+}
+
 void run(const command_words& line) {
   render_options options;
   if (read_command_line(line.count, line.words, &options) == command_line::done) {
@@ -38,14 +59,7 @@ void run(const command_words& line) {
   } else if (options.list_programs || options.voice.empty()) {
     run_without_voice(options);
   } else {
-    const auto report = render(options);
-    if (options.quiet) return;
-    const std::string summary = on_one_line(closing_line(options, report)) + "\n";
-    if (options.output == stream_name) {
-      std::fputs(summary.c_str(), stderr);
-    } else {
-      print(summary);
-    }
+    run_voice(options);
   }
 }
 
@@ -59,7 +73,7 @@ int main(int argc, char** argv) {
   } catch (const interrupted& end) {
     end_by_signal(end.signal_number);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "kesrel-render: %s\n", on_one_line(error.what()).c_str());
+    say(error.what());
     return failure_status;
   }
 }

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <future>
-#include <memory>
-#include <mutex>
 
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/programs.h"
@@ -17,25 +15,6 @@ namespace {
 constexpr int block = 512;
 // Silence until the synthesizer's filter is open, which it approaches with a time constant of 68 ms.
 constexpr int64_t run_in_samples = core_rate_hz / 2;
-
-// Like other hosts, this one loads modules, creates effects and closes them on one thread at a time.
-std::mutex loading;
-
-struct closing_alone {
-  void operator()(effect_host* host) const {
-    const std::lock_guard lock(loading);
-    delete host;
-  }
-};
-using host_pointer = std::unique_ptr<effect_host, closing_alone>;
-
-host_pointer prepared_host(const std::string& module, const program& content) {
-  const std::lock_guard lock(loading);
-  auto host = std::make_unique<effect_host>(module, core_rate_hz, block, 1);
-  use_program(content, host.get());
-  host->start();
-  return host_pointer(host.release());
-}
 
 measures::stereo run(effect_host* host, std::span<const float> voice, int64_t wanted) {
   const auto voice_samples = static_cast<int64_t>(voice.size());
@@ -64,7 +43,10 @@ measures::stereo run(effect_host* host, std::span<const float> voice, int64_t wa
 
 measures::stereo render_voice(const std::string& module, const program& content, std::span<const float> voice,
                               double tail_seconds) {
-  const host_pointer host = prepared_host(module, content);
+  const effect_pointer host = open_effect(module, core_rate_hz, block, 1, [&content](effect_host* opened) {
+    use_program(content, opened);
+    opened->start();
+  });
   const int64_t wanted = static_cast<int64_t>(voice.size()) + std::llround(tail_seconds * core_rate_hz);
   // On a thread of its own: the module's random numbers start afresh in each thread, so that every take can be
   // repeated.
@@ -72,13 +54,13 @@ measures::stereo render_voice(const std::string& module, const program& content,
 }
 
 std::vector<program> programs_of(const std::string& module) {
-  const std::lock_guard lock(loading);
-  effect_host host(module, core_rate_hz, block, 1);
   std::vector<program> programs;
-  for (int number = 0; number < host.program_count(); ++number) {
-    host.select_program(number);
-    programs.push_back(current_program(host));
-  }
+  open_effect(module, core_rate_hz, block, 1, [&programs](effect_host* host) {
+    for (int number = 0; number < host->program_count(); ++number) {
+      host->select_program(number);
+      programs.push_back(current_program(*host));
+    }
+  });
   return programs;
 }
 
