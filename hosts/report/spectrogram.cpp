@@ -9,7 +9,9 @@
 #include <numbers>
 #include <utility>
 
+#include "hosts/effect/partial_file.h"
 #include "hosts/measures/spectrum.h"
+#include "hosts/report/png.h"
 
 namespace {
 
@@ -25,24 +27,39 @@ double hz_of_row(double row, const spectrogram_size& size) {
   return lowest_hz * std::pow(highest_hz / lowest_hz, row / size.height);
 }
 
-// The strongest power from `low_hz` to `high_hz`, and at least that at the bin nearest to their middle.
-double strongest(const std::vector<double>& power, double bin_hz, double low_hz, double high_hz) {
-  const auto bin = [&](double hz) { return std::min(power.size() - 1, static_cast<std::size_t>(hz / bin_hz)); };
-  double most = power[bin(0.5 * (low_hz + high_hz) + 0.5 * bin_hz)];
-  for (std::size_t k = bin(low_hz) + 1; k <= bin(high_hz); ++k) most = std::max(most, power[k]);
-  return most;
+// Bins of a spectrum.
+struct bin_range {
+  std::size_t first;
+  std::size_t last;
+};
+
+// The bins of each row, from the bottom; where rows are narrower than bins, the nearest one.
+std::vector<bin_range> bins_of_rows(const spectrogram_size& size) {
+  constexpr double bin_hz = static_cast<double>(measures::rate_hz) / transform_samples;
+  std::vector<bin_range> rows;
+  for (int row = 0; row < size.height; ++row) {
+    const double low = hz_of_row(row, size) / bin_hz;
+    const double high = hz_of_row(row + 1, size) / bin_hz;
+    const auto nearest = static_cast<std::size_t>(0.5 * (low + high) + 0.5);
+    rows.push_back(
+        {std::min(nearest, static_cast<std::size_t>(low) + 1), std::max(nearest, static_cast<std::size_t>(high))});
+  }
+  return rows;
 }
 
 // levels[row * width + column] in dB, rows from the bottom.
 std::vector<double> levels_of(measures::mono_view signal, const spectrogram_size& size) {
   measures::power_spectrum spectrum(transform_samples, span_samples);
-  std::vector<double> levels(static_cast<std::size_t>(size.width * size.height));
-  for (int column = 0; column < size.width; ++column) {
-    const double centre = (column + 0.5) / size.width * static_cast<double>(signal.size());
+  const std::vector<bin_range> rows = bins_of_rows(size);
+  const auto width = static_cast<std::size_t>(size.width);
+  std::vector<double> levels(width * rows.size());
+  for (std::size_t column = 0; column < width; ++column) {
+    const double centre = (static_cast<double>(column) + 0.5) / size.width * static_cast<double>(signal.size());
     const auto& power = spectrum.of(signal, static_cast<int64_t>(centre) - span_samples / 2);
-    for (int row = 0; row < size.height; ++row) {
-      const double most = strongest(power, spectrum.bin_hz(), hz_of_row(row, size), hz_of_row(row + 1, size));
-      levels[static_cast<std::size_t>(row * size.width + column)] = measures::decibels(most);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+      double most = 0.0;
+      for (std::size_t bin = rows[row].first; bin <= rows[row].last; ++bin) most = std::max(most, power[bin]);
+      levels[row * width + column] = measures::decibels(most);
     }
   }
   return levels;
@@ -54,13 +71,12 @@ uint32_t pixel_of(double level) {
   return byte(colour.red) << 16 | byte(colour.green) << 8 | byte(colour.blue);
 }
 
-// More than the eye can tell apart.
-constexpr int shade_count = 256;
-
-std::vector<uint32_t> shades_of_levels() {
-  std::vector<uint32_t> shades(shade_count);
-  for (int i = 0; i < shade_count; ++i) shades[static_cast<std::size_t>(i)] = pixel_of(i / (shade_count - 1.0));
-  return shades;
+png_palette shades() {
+  png_palette colours{};
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    colours[i] = pixel_of(static_cast<double>(i) / static_cast<double>(colours.size() - 1));
+  }
+  return colours;
 }
 
 }  // namespace
@@ -120,18 +136,20 @@ std::vector<axis_mark> time_marks(double seconds) {
   return marks;
 }
 
-picture spectrogram_of(measures::mono_view signal, const spectrogram_size& size) {
+void write_spectrogram(measures::mono_view signal, const std::string& path, const spectrogram_size& size) {
+  static const png_palette colours = shades();
   const std::vector<double> levels = levels_of(signal, size);
   const double most = *std::max_element(levels.begin(), levels.end());
-  const std::vector<uint32_t> shades = shades_of_levels();
-  picture result{size.width, size.height};
-  result.pixels.reserve(levels.size());
-  for (int row = size.height - 1; row >= 0; --row) {
-    for (int column = 0; column < size.width; ++column) {
-      const double level = levels[static_cast<std::size_t>(row * size.width + column)];
-      const double share = std::clamp(1.0 + (level - most) / range_db, 0.0, 1.0);
-      result.pixels.push_back(shades[static_cast<std::size_t>(std::lround(share * (shade_count - 1)))]);
+  const auto width = static_cast<std::size_t>(size.width);
+  std::vector<uint8_t> pixels;
+  pixels.reserve(levels.size());
+  for (std::size_t row = levels.size() / width; row-- > 0;) {
+    for (std::size_t column = 0; column < width; ++column) {
+      const double level = std::clamp(1.0 + (levels[row * width + column] - most) / range_db, 0.0, 1.0);
+      pixels.push_back(static_cast<uint8_t>(std::lround(255.0 * level)));
     }
   }
-  return result;
+  partial_file file("picture '" + path + "'", path);
+  file.write(png_of(size.width, pixels, colours));
+  file.finish();
 }

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "hosts/measures/signal.h"
-#include "hosts/picture/picture.h"
 
 struct rgb {
   double red;  // 0 to 1, as the screen takes them
@@ -19,16 +18,17 @@ struct rgb {
 rgb colour_of_level(double level);
 
 struct spectrogram_size {
-  int width = 760;  // pixels
+  int width = 512;  // pixels
   int height = 300;
 };
 
 // The row, from the bottom, of `hz` on the logarithmic axis from 60 Hz to 16 kHz.
 double row_of_hz(double hz, const spectrogram_size& size);
 
-// Time from left to right, frequency upward on a logarithmic axis, levels over 60 dB below the strongest. The labels of
-// its axes are for the page to print.
-picture spectrogram_of(measures::mono_view signal, const spectrogram_size& size = {});
+// Writes a PNG file: time from left to right, frequency upward on a logarithmic axis, levels down to 60 dB below the
+// strongest. The labels of the axes are for the page to print.
+//   throws   failure when `path` cannot be written
+void write_spectrogram(measures::mono_view signal, const std::string& path, const spectrogram_size& size = {});
 
 // A label of an axis, and its place: the share of the axis before it.
 struct axis_mark {

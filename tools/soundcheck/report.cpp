@@ -11,7 +11,6 @@
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/text.h"
-#include "hosts/picture/picture.h"
 #include "hosts/report/jobs.h"
 #include "hosts/report/page.h"
 #include "hosts/report/spectrogram.h"
@@ -136,7 +135,7 @@ void write_report(const std::string& folder, const std::string& module, const st
     const auto take = render_voice(module, fresh_program(chosen), voice.samples, tail_seconds);
     const std::string stem = file_stem(chosen.number);
     write_ogg(take, folder + "/sounds/" + stem + ".ogg");
-    write_png(folder + "/pictures/" + stem + ".png", spectrogram_of(measures::mono_of(take)));
+    write_spectrogram(measures::mono_of(take), folder + "/pictures/" + stem + ".png");
   });
   write_ogg({voice.samples, voice.samples}, folder + "/sounds/voice.ogg");
   partial_file page("page '" + folder + "/index.html'", folder + "/index.html");
