@@ -25,13 +25,20 @@ std::string possible_keys(int lowest_note) {
          name_of_note(lowest_note + key_count - 1);
 }
 
+// C7 is a note and a chord. For one who means the chord, how it is written with its octave.
+std::string chord_of_the_same_name(const std::string& text, int lowest_note) {
+  if (!chord_of_name(text)) return "";
+  return "; the chord is " + text + "@" + std::to_string((lowest_note + 12) / 12 - 1);
+}
+
 int key_of(const std::string& text, int lowest_note) {
   const auto index = whole_number(text);
   const auto note = index ? std::nullopt : note_of_name(text);
   if (!index && !note) throw failure("key '" + text + "' is no key index or note name: " + possible_keys(lowest_note));
   const int key = index ? *index : *note - lowest_note;
   if (key < 0 || key >= key_count) {
-    throw failure("key '" + text + "' lies outside this sound's keyboard: " + possible_keys(lowest_note));
+    throw failure("key '" + text + "' lies outside this sound's keyboard: " + possible_keys(lowest_note) +
+                  chord_of_the_same_name(text, lowest_note));
   }
   return key;
 }
