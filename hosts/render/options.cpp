@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <map>
+#include <set>
 
 #include <CLI/CLI.hpp>
 
@@ -54,6 +55,34 @@ void declare_switch(const std::string& name, const char* on_help, const char* of
       "--no-" + name, [value] { *value = false; }, off_help);
   on->excludes(off);
   for (auto* const option : {on, off}) option->option_text(" ");  // CLI11 would print the exclusion, which is obvious
+}
+
+void declare_auditions(CLI::App* app, render_options* options) {
+  auto* const sounds = app->add_option("--all-sounds", options->all_sounds,
+                                       "Render VOICE with every sound into a folder, with a page to listen and "
+                                       "compare, DIR/index.html; --format is flac unless it is given")
+                           ->type_name("DIR");
+  auto* const programs = app->add_option("--all-programs", options->all_programs,
+                                         "The same with every program of the bank whose sound is known")
+                             ->type_name("DIR");
+  programs->excludes(sounds);
+  const auto refuse = [app](CLI::Option* audition, const std::vector<const char*>& others) {
+    for (const char* other : others) audition->excludes(app->get_option(other));
+  };
+  refuse(sounds, {"OUT", "--sound", "--save-state"});
+  refuse(programs, {"OUT", "--sound", "--program", "--save-state"});
+}
+
+// The options that each rendering of an audition has in common, as words of a command.
+std::vector<std::string> shared_words(const CLI::App& app) {
+  const std::set<std::string> own = {"--all-sounds", "--all-programs", "--format", "--quiet"};
+  std::vector<std::string> words;
+  for (const CLI::Option* option : app.get_options()) {
+    if (option->count() == 0 || option->get_positional() || own.contains(option->get_name())) continue;
+    words.push_back(option->get_name());
+    if (option->get_items_expected_max() > 0) words.push_back(option->results().back());
+  }
+  return words;
 }
 
 void declare(CLI::App* app, render_options* options) {
@@ -136,6 +165,7 @@ void declare(CLI::App* app, render_options* options) {
       ->check(CLI::Validator(rate_error, ""));
   app->add_flag("--compensate", options->compensate, "Drop the latency and the tail: same length and timing as VOICE");
   app->add_flag("--float", options->float_samples, "Write 32-bit float, which keeps peaks above full scale");
+  declare_auditions(app, options);
   app->add_flag("--list-sounds", options->list_sounds, "List the sounds and leave");
   app->add_flag("--list-programs", options->list_programs, "List the programs as they then are, and leave");
   app->add_flag("--quiet", options->quiet, "Neither a progress bar nor the closing line");
@@ -155,7 +185,10 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");
   }
-  const bool complete = !options->voice.empty() && !options->output.empty();
+  const bool is_audition = options->all_sounds || options->all_programs;
+  options->passed_on = shared_words(app);
+  if (is_audition && options->voice.empty()) throw failure("VOICE must be named; --help tells what is possible");
+  const bool complete = !options->voice.empty() && (is_audition || !options->output.empty());
   const bool without_voice = options->voice.empty() && options->save_state;
   if (!complete && !without_voice && !options->list_sounds && !options->list_programs) {
     throw failure("VOICE and OUT.wav must be named; --help tells what is possible");

@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <string_view>
 
 #include "hosts/report/spectrogram.h"
 
@@ -58,6 +57,8 @@ dt { color: var(--soft); } dd { margin: 0; font-variant-numeric: tabular-nums; w
 footer { padding: 2.5rem 1.5rem 4rem; color: var(--soft); overflow-wrap: anywhere; }
 footer ul { padding-left: 1.2rem; }
 )";
+
+constexpr const char* generator = "<meta name=\"generator\" content=\"Kesrel Vocoder 4 ME\">\n";
 
 constexpr const char* one_at_a_time = R"(
 addEventListener("play", started => {
@@ -163,6 +164,10 @@ page_figure figure_of(const char* name, double value, int digits, const char* un
   return {name, (is_negative ? "−" : "") + std::string(shown) + (unit[0] == 0 ? "" : " ") + unit};
 }
 
+bool is_own_page(std::string_view html) {
+  return html.find(generator) != std::string_view::npos;
+}
+
 std::string escaped(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -188,9 +193,8 @@ std::string escaped(const std::string& text) {
 
 std::string page_of(const page_content& content) {
   const page_parts parts = parts_of(content.sections);
-  std::string html =
-      "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-      "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
+  std::string html = std::string("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n") +
+                     generator + "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
   html += "<title>" + escaped(content.title) + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<header>\n";
   html += element("h1", content.heading) + paragraphs_of(content.introduction) + player_of(content.player);
   html += "</header>\n";

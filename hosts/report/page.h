@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 // All texts are plain: the page escapes them. Sources are addresses relative to the page. What is empty is left out.
@@ -50,6 +51,9 @@ struct page_content {
 
 // The page as HTML that needs no network, and scripts only to stop one player when another starts.
 std::string page_of(const page_content& content);
+
+// Whether `html` is the start of such a page.
+bool is_own_page(std::string_view html);
 
 // `text` for HTML: with <, >, & and quotes as entities.
 std::string escaped(const std::string& text);
