@@ -19,7 +19,7 @@ constexpr const char* style = R"(
 html { scroll-behavior: smooth; scroll-padding-top: 4rem; }
 body { margin: 0; background: var(--page); color: var(--ink); font: 16px/1.5 system-ui, "Liberation Sans", sans-serif; }
 header, main, footer { max-width: 84rem; margin: 0 auto; padding: 0 1.5rem; }
-header { padding-top: 3rem; padding-bottom: 1rem; }
+header { padding-top: 3rem; padding-bottom: 1.2rem; }
 h1 { margin: 0; font-size: 2.4rem; line-height: 1.1; letter-spacing: -0.02em; overflow-wrap: anywhere; }
 header p { max-width: 46rem; color: var(--soft); overflow-wrap: anywhere; }
 nav { position: sticky; top: 0; z-index: 1; background: var(--page); border-bottom: 1px solid var(--line); }
@@ -47,9 +47,10 @@ h3 span { color: var(--soft); font-weight: 400; font-variant-numeric: tabular-nu
 article p { margin: 0; overflow-wrap: anywhere; }
 article p ~ p { color: var(--soft); }
 code { display: block; padding: 0.35rem 0.55rem; border-radius: 6px; background: var(--page); color: var(--soft);
-  font-size: 0.78rem; overflow-x: auto; white-space: nowrap; user-select: all; }
+  font-size: 0.78rem; overflow-wrap: anywhere; user-select: all; }
 audio { width: 100%; height: 2.4rem; }
-header audio { max-width: 30rem; }
+header audio { display: block; max-width: 30rem; }
+header label { display: inline-block; margin-top: 0.7rem; color: var(--soft); font-size: 0.9rem; cursor: pointer; }
 dl { display: grid; grid-template-columns: repeat(2, 1fr); gap: 0.3rem 1.6rem; margin: auto 0 0; padding-top: 0.6rem;
   border-top: 1px solid var(--line); font-size: 0.82rem; }
 dl div { display: flex; justify-content: space-between; gap: 0.5rem; }
@@ -60,11 +61,20 @@ footer ul { padding-left: 1.2rem; }
 
 constexpr const char* generator = "<meta name=\"generator\" content=\"Kesrel Vocoder 4 ME\">\n";
 
+// "play" doesn't bubble, so it is caught on its way down.
 constexpr const char* one_at_a_time = R"(
-addEventListener("play", started => {
-  for (const other of document.querySelectorAll("audio")) if (other !== started.target) other.pause();
+const stay = document.getElementById("stay");
+addEventListener("play", ({target: started}) => {
+  for (const other of document.querySelectorAll("audio")) {
+    if (other === started || other.paused) continue;
+    other.pause();
+    if (stay && stay.checked) started.currentTime = other.currentTime;
+  }
 }, true);
 )";
+
+constexpr const char* switch_of_place =
+    "<label><input type=\"checkbox\" id=\"stay\"> go on from the same place when another player starts</label>\n";
 
 std::string element(const std::string& tag, const std::string& text) {
   return text.empty() ? "" : "<" + tag + ">" + escaped(text) + "</" + tag.substr(0, tag.find(' ')) + ">\n";
@@ -197,6 +207,7 @@ std::string page_of(const page_content& content) {
                      generator + "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
   html += "<title>" + escaped(content.title) + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<header>\n";
   html += element("h1", content.heading) + paragraphs_of(content.introduction) + player_of(content.player);
+  html += switch_of_place;
   html += "</header>\n";
   if (content.sections.size() > 1) html += "<nav><div>\n" + parts.links + "</div></nav>\n";
   html += "<main>\n" + parts.cards + "</main>\n<footer>\n" + paragraphs_of(content.closing) + list_of(content.remarks);

@@ -49,7 +49,7 @@ struct page_content {
   page_list remarks;  // opens at a click
 };
 
-// The page as HTML that needs no network, and scripts only to stop one player when another starts.
+// The page as HTML that needs no network, and a script only to stop one player when another starts.
 std::string page_of(const page_content& content);
 
 // Whether `html` is the start of such a page.
