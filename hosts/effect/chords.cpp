@@ -99,13 +99,19 @@ std::optional<std::vector<int>> intervals_of(std::string_view text) {
       std::ranges::find_if(qualities(), [&](const quality& each) { return text.starts_with(each.name); });
   text.remove_prefix(found->name.size());
   std::set<int> intervals(found->intervals.begin(), found->intervals.end());
+  bool in_brackets = false;
   while (!text.empty()) {
-    if (take("(", &text) || take(")", &text) || take(",", &text)) continue;
+    if (take(in_brackets ? ")" : "(", &text)) {
+      in_brackets = !in_brackets;
+      continue;
+    }
+    if (take(",", &text)) continue;
     const auto change =
         std::ranges::find_if(alterations, [&](const alteration& each) { return take(each.name, &text); });
     if (change == std::end(alterations)) return std::nullopt;
     alter(*change, &intervals);
   }
+  if (in_brackets) return std::nullopt;
   return std::vector<int>(intervals.begin(), intervals.end());
 }
 

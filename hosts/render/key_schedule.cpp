@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <set>
 
 #include "hosts/effect/chords.h"
@@ -22,11 +23,23 @@ std::vector<std::string> words_of(const std::string& part) {
   return words;
 }
 
+// Without the sign, exponent and names of infinities that from_chars reads.
 std::optional<double> number(std::string_view text) {
+  if (text.find_first_not_of("0123456789.") != std::string_view::npos) return std::nullopt;
   double value = 0.0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
   if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
   return value;
+}
+
+// How a message repeats what was written: it stays one line that can be read.
+std::string quoted(const std::string& text) {
+  constexpr size_t most = 60;
+  std::string result = "'";
+  if (text.size() <= most) return result.append(text).append("'");
+  size_t end = most;
+  while (end > 0 && (text[end] & 0xC0) == 0x80) --end;  // not inside a UTF-8 character
+  return result.append(text, 0, end).append("...'");
 }
 
 // Seconds, with minutes and hours before them if need be.
@@ -38,10 +51,11 @@ std::optional<double> time_of(const std::string& word) {
     const bool is_first = i == 0;
     const bool is_last = i + 1 == parts.size();
     const auto value = number(parts[i]);
-    if (!value || *value < 0.0 || (!is_first && *value >= 60.0)) return std::nullopt;
+    if (!value || (!is_first && *value >= 60.0)) return std::nullopt;
     if (!is_last && parts[i].find('.') != std::string::npos) return std::nullopt;
     seconds = seconds * 60.0 + *value;
   }
+  if (!std::isfinite(seconds)) return std::nullopt;  // hundreds of digits
   return seconds;
 }
 
@@ -59,7 +73,8 @@ class chord_reader {
     } else if (word.find(',') != std::string::npos || note_of_name(word)) {
       keys_ = parse_keys(word, lowest_note_);
     } else {
-      throw failure("'" + word + "' is no chord, such as Am7, F/A or C4,E4,G4, nor - for none or % for the one before");
+      throw failure(quoted(word) +
+                    " is no chord, such as Am7, F/A or C4,E4,G4, nor - for none or % for the one before");
     }
     return keys_;
   }
@@ -92,10 +107,10 @@ std::vector<timed_part> timed_parts(const std::vector<std::string>& parts) {
   for (const std::string& part : parts) {
     std::vector<std::string> words = words_of(part);
     const auto seconds = words.empty() ? std::nullopt : time_of(words[0]);
-    if (!seconds) throw failure("'" + part + "' doesn't begin with its time, such as 0:04; for bars give --bpm");
-    if (words.size() == 1) throw failure("'" + part + "' has no chord after its time");
+    if (!seconds) throw failure(quoted(part) + " doesn't begin with its time, such as 0:04; for bars give --bpm");
+    if (words.size() == 1) throw failure(quoted(part) + " has no chord after its time");
     if (!timed.empty() && *seconds <= timed.back().seconds) {
-      throw failure("'" + part + "' comes no later than the part before it");
+      throw failure(quoted(part) + " comes no later than the part before it");
     }
     words.erase(words.begin());
     timed.push_back({*seconds, words});
@@ -111,7 +126,7 @@ std::vector<timed_part> bars(std::vector<std::string> parts, double seconds_per_
   for (const std::string& part : parts) {
     const std::vector<std::string> words = words_of(part);
     if (words.empty()) throw failure("a bar has no chord; % repeats the one before, - is none");
-    if (words[0].find(':') != std::string::npos) throw failure("'" + part + "' has a time, but --bpm counts bars");
+    if (words[0].find(':') != std::string::npos) throw failure(quoted(part) + " has a time, but --bpm counts bars");
     timed.push_back({static_cast<double>(timed.size()) * seconds_per_bar, words});
   }
   return timed;

@@ -23,6 +23,7 @@ constexpr int failure_status = 2;
 void run_without_voice(const render_options& options) {
   effect_host host(options.plugin, core_rate_hz, options.block, 1);
   prepare(options, &host);
+  save_requested_state(options, host);
   if (options.list_programs) {
     print(program_table(host));
   } else if (!options.quiet) {
@@ -66,9 +67,8 @@ int run_audition(const render_options& options) {
 // Returns the exit status.
 int run(const command_words& line) {
   render_options options;
-  if (read_command_line(line.count, line.words, &options) == command_line::done) {
-    print("");  // checks that CLI11's text was written
-  } else if (options.list_sounds) {
+  if (read_command_line(line.count, line.words, &options) == command_line::done) return;
+  if (options.list_sounds) {
     print(table_of(known_sounds()));
   } else if (options.list_programs || options.voice.empty()) {
     run_without_voice(options);

@@ -2,9 +2,11 @@
 #include "hosts/render/midi_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <system_error>
 
 #include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
@@ -193,6 +195,7 @@ midi_song parse_midi(const std::string& name, std::string_view bytes) {
     const std::string_view type = file.take(4);
     const uint32_t size = file.big_endian(4);
     const size_t at = file.position();
+    if (size > bytes.size() - at) file.damage("ends in the middle of a track");
     const std::string_view content = file.take(size);
     if (type != "MTrk") continue;
     read_track(byte_reader(name, content, at), &ticked);
@@ -215,13 +218,16 @@ midi_song parse_midi(const std::string& name, std::string_view bytes) {
 
 midi_song read_midi_file(const std::string& path) {
   const std::string name = "MIDI file '" + path + "'";
+  errno = 0;
   std::ifstream file(path_of(path), std::ios::binary);
   std::string bytes;
   for (char piece[65536]; file && bytes.size() <= most_bytes;) {
     file.read(piece, sizeof piece);
     bytes.append(piece, static_cast<size_t>(file.gcount()));
   }
-  if (!file.eof() && bytes.size() <= most_bytes) throw failure(name + " cannot be read");
+  if (!file.eof() && bytes.size() <= most_bytes) {
+    throw failure(name + " cannot be read: " + std::generic_category().message(errno));
+  }
   if (bytes.size() > most_bytes) throw failure(name + " has more than 64 MB");
   return parse_midi(name, bytes);
 }

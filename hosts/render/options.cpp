@@ -3,12 +3,17 @@
 
 #include <charconv>
 #include <map>
+<<<<<<< HEAD
 #include <set>
+=======
+#include <sstream>
+>>>>>>> renderer
 
 #include <CLI/CLI.hpp>
 
 #include "hosts/effect/text.h"
 #include "hosts/render/sound_format.h"
+#include "hosts/render/streams.h"
 #include "hosts/voice/voice.h"
 
 namespace {
@@ -41,6 +46,29 @@ std::string block_error(const std::string& text) {
   if (is_number && block >= smallest_block && block <= largest_block) return {};
   return "a block has " + std::to_string(smallest_block) + " to " + std::to_string(largest_block) +
          " samples, which '" + text + "' isn't";
+}
+
+// A decimal number from `lowest` to `highest`. CLI::Range lets NaN pass.
+CLI::Validator range(int lowest, int highest) {
+  const auto error_of = [lowest, highest](const std::string& text) -> std::string {
+    const char* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(begin, text.data() + text.size(), value);
+    const bool is_number = error == std::errc{} && end == text.data() + text.size();
+    if (is_number && value >= lowest && value <= highest) return {};
+    return "possible are " + std::to_string(lowest) + " to " + std::to_string(highest) + ", not '" + text + "'";
+  };
+  return {error_of, std::to_string(lowest) + " to " + std::to_string(highest)};
+}
+
+const std::map<std::string, voice_channel>& channels() {
+  static const std::map<std::string, voice_channel> all = {
+      {"left", voice_channel::left}, {"right", voice_channel::right}, {"mix", voice_channel::mix}};
+  return all;
+}
+
+std::string channel_error(const std::string& text) {
+  return channels().contains(lower_case(text)) ? "" : "possible are left, right and mix, not '" + text + "'";
 }
 
 std::string rate_error(const std::string& text) {
@@ -96,28 +124,24 @@ void declare(CLI::App* app, render_options* options) {
   app->add_option("--format", options->format,
                   "Format of OUT, " + format_names() + "; default is that of its ending, or wav on standard output")
       ->type_name("NAME");
-  app->add_option(
-         "--channel", options->channel,
+  app->add_option_function<std::string>(
+         "--channel", [options](const std::string& channel) { options->channel = channels().at(lower_case(channel)); },
          "Channel of a stereo VOICE: left, right, or mix, the mean of both; default is mix, or the one that isn't "
          "silent")
       ->type_name("left|right|mix")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, voice_channel>{
-                          {"left", voice_channel::left}, {"right", voice_channel::right}, {"mix", voice_channel::mix}},
-                      CLI::ignore_case)
-                      .description(""));
+      ->check(CLI::Validator(channel_error, ""));
   app->add_option("--wet", options->wet_db, "Level of the vocoded sound in dB, default 0")
-      ->check(CLI::Range(-120.0, 24.0))
+      ->check(range(-120, 24))
       ->type_name("DB");
   app->add_option("--dry", options->dry_db, "Level of the voice beside it in dB, to the sample; default none")
-      ->check(CLI::Range(-120.0, 24.0))
+      ->check(range(-120, 24))
       ->type_name("DB");
   auto* const gain = app->add_option("--gain", options->gain_db, "Gain of everything in dB, default 0")
-                         ->check(CLI::Range(-120.0, 60.0))
+                         ->check(range(-120, 60))
                          ->type_name("DB");
   app->add_option("--normalize", options->normalize,
                   "Bring the loudness to so many LUFS, -70 to 0, or as near as true peaks of -1 dBTP allow")
-      ->check(CLI::Range(-70.0, 0.0))
+      ->check(range(-70, 0))
       ->type_name("LUFS")
       ->excludes(gain);
   auto* const keys =
@@ -130,11 +154,14 @@ void declare(CLI::App* app, render_options* options) {
                       "Chords with times, \"0:00 Am F | 0:04 C G\", or with --bpm in bars, \"Am | F\", "
                       "which repeat; - is no chord, % the one before")
           ->type_name("TEXT");
-  app->add_option("--bpm", options->bpm, "Beats a minute, 20 to 400; bars are of --beats, default 4")
-      ->check(CLI::Range(20.0, 400.0))
+  auto* const bpm = app->add_option("--bpm", options->bpm, "Beats a minute, 20 to 400; bars are of --beats, default 4")
+                        ->check(range(20, 400))
+                        ->type_name("N")
+                        ->needs(chords);
+  app->add_option("--beats", options->beats, "Beats in a bar, 1 to 32")
+      ->check(CLI::Range(1, 32))
       ->type_name("N")
-      ->needs(chords);
-  app->add_option("--beats", options->beats, "Beats in a bar, 1 to 32")->check(CLI::Range(1, 32))->type_name("N");
+      ->needs(bpm);
   auto* const midi = app->add_option("--midi", options->midi,
                                      "Play the keys from the notes of a MIDI file, its tenth channel left out")
                          ->type_name("FILE");
@@ -180,7 +207,9 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& asked) {
-    app.exit(asked);
+    std::ostringstream text;
+    app.exit(asked, text, text);
+    print(text.str());
     return command_line::done;
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");

@@ -2,12 +2,15 @@
 #include "hosts/render/output.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <filesystem>
 #include <limits>
 #include <new>
 #include <numbers>
 
+#include "hosts/effect/paths.h"
+#include "hosts/effect/interruption.h"
 #include "hosts/effect/text.h"
 #include "hosts/render/streams.h"
 #include "hosts/render/terminal.h"
@@ -34,9 +37,13 @@ void interleave(const float* left, const float* right, int count, std::vector<fl
   }
 }
 
-std::string temporary_name() {
+// A name that is short, as the output's own may be the longest that the file system takes.
+std::string spool_name(const std::string& output) {
+  static std::atomic<int> number = 0;
   std::error_code error;
-  const std::u8string path = (std::filesystem::temp_directory_path(error) / "kesrel-render.loudness").u8string();
+  const auto folder =
+      output == stream_name ? std::filesystem::temp_directory_path(error) : path_of(output).parent_path();
+  const std::u8string path = (folder / ("kesrel-render.loudness" + std::to_string(++number))).u8string();
   return {path.begin(), path.end()};
 }
 
@@ -139,7 +146,7 @@ void file_output::take(const float* left, const float* right, int count) {
 
 spool::spool(const std::string& path, int rate_hz)
     : what_("the file that holds output '" + path + "' until its loudness is known"),
-      partial_(what_, path == stream_name ? temporary_name() : path + ".loudness"),
+      partial_(what_, spool_name(path)),
       meters_(rate_hz, true) {
   SF_INFO info{};
   info.samplerate = rate_hz;
@@ -164,6 +171,7 @@ void spool::play(sample_sink* sink) {
   interleaved_.resize(2 * piece);
   if (sf_seek(file_.get(), 0, SEEK_SET) != 0) throw failure(what_ + " cannot be read");
   while (const auto count = sf_readf_float(file_.get(), interleaved_.data(), piece)) {
+    check_interruption();
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
       left[i] = interleaved_[2 * i];
       right[i] = interleaved_[2 * i + 1];

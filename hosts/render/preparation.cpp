@@ -6,6 +6,7 @@
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
+#include "hosts/render/streams.h"
 
 namespace {
 
@@ -24,22 +25,34 @@ program requested(const render_options& options, const program& current) {
   return wanted;
 }
 
-void check_state_path(const render_options& options) {
-  const std::string what = "state '" + *options.save_state + "'";
-  check_target(what, *options.save_state, "voice", options.voice);
-  check_target(what, *options.save_state, "output", options.output);
+// What is read isn't replaced, but for a state, which may be brought up to date in its file.
+void check_paths(const render_options& options) {
+  const std::string midi = options.midi.value_or("");
+  if (options.save_state) {
+    const std::string what = "state '" + *options.save_state + "'";
+    check_target(what, *options.save_state, "voice", options.voice);
+    check_target(what, *options.save_state, "output", options.output);
+    check_target(what, *options.save_state, "MIDI file", midi);
+  }
+  if (options.output.empty() || options.output == stream_name) return;
+  const std::string what = "output '" + options.output + "'";
+  check_target(what, options.output, "MIDI file", midi);
+  check_target(what, options.output, "state to load", options.load_state.value_or(""));
 }
 
 }  // namespace
 
 program prepare(const render_options& options, effect_host* host) {
-  if (options.save_state) check_state_path(options);
+  check_paths(options);
   if (options.load_state) load_state(*options.load_state, host);
   if (options.program) select_program(*options.program, host);
   const program current = current_program(*host);
   program wanted = requested(options, current);
   if (wanted != current) use_program(wanted, host);
   check_interruption();
-  if (options.save_state) save_state(*options.save_state, *host);
   return wanted;
+}
+
+void save_requested_state(const render_options& options, const effect_host& host) {
+  if (options.save_state) save_state(*options.save_state, host);
 }

@@ -5,7 +5,10 @@
 #include "hosts/effect/program_image.h"
 #include "hosts/render/options.h"
 
-// Applies the options in this order: state file, program, sound, switches, keys; then saves the state if asked to.
+// Applies the options in this order: state file, program, sound, switches, keys.
 //   returns   the resulting current program
-//   throws    failure when an option cannot be applied, and interrupted
+//   throws    failure when an option cannot be applied or a file would replace one that is read, and interrupted
 program prepare(const render_options& options, effect_host* host);
+
+// Saves the state if asked to: the last step, after which nothing is refused any more. Throws failure.
+void save_requested_state(const render_options& options, const effect_host& host);

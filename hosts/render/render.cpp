@@ -108,6 +108,7 @@ render_report render(const render_options& options, const voice_source& source, 
 
   const auto began = std::chrono::steady_clock::now();
   rendering run(options, current, heard.weights, changes, &voice, host.get(), progress);
+  save_requested_state(options, *host);
   if (!run.run()) throw no_output_from(sound_of(current));
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - began;
   report.played = current;

@@ -68,6 +68,8 @@ int sndfile_format(sound_format format, bool float_samples) {
 
 int rate_of_file(sound_format format, int rate_hz) {
   const known_format& wanted = known(format);
+  // Above 16 bits, the header of a FLAC frame has tens of Hz.
+  if (format == sound_format::flac && rate_hz > 65535) rate_hz = (rate_hz + 9) / 10 * 10;
   if (wanted.rates_hz.empty()) return std::min(rate_hz, wanted.highest_rate_hz);
   const auto above = std::ranges::lower_bound(wanted.rates_hz, rate_hz);
   return above != wanted.rates_hz.end() ? *above : wanted.highest_rate_hz;

@@ -63,8 +63,8 @@ TEST(Chords, ArePutWhereTheyAreAskedForAndStayOnTheKeyboard) {
 }
 
 TEST(Chords, AreNotReadIntoOtherTexts) {
-  for (const char* const text :
-       {"", "H", "Cx", "m7", "Cmin7x", "C/", "C/H", "C/G7", "C@", "C@x", "C@10", "12", "Am 7"}) {
+  for (const char* const text : {"", "H", "Cx", "m7", "Cmin7x", "C/", "C/H", "C/G7", "C@", "C@x", "C@10", "12", "Am 7",
+                                 "C7(b9", "C7b9)", "C((b9))"}) {
     EXPECT_EQ(notes_of(text), "none") << text;
   }
 }

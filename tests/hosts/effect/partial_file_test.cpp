@@ -18,6 +18,12 @@ TEST_F(PartialFile, IsRefusedWhereItCannotBeWritten) {
     expect_refusal({voice, output, "--save-state", folder.path(name)}, "is the voice itself");
   }
   expect_refusal({voice, output, "--save-state", folder.path("./out.wav")}, "is the output itself");
+  write_file(folder.path("song.wav"), "song");
+  expect_refusal({voice, folder.path("./song.wav"), "--midi", folder.path("song.wav")}, "is the MIDI file itself");
+  expect_refusal({voice, folder.path("./song.wav"), "--load-state", folder.path("song.wav")}, "is the state to load");
+  expect_refusal({voice, output, "--midi", folder.path("song.wav"), "--save-state", folder.path("song.wav")},
+                 "is the MIDI file itself");
+  EXPECT_EQ(read_file(folder.path("song.wav")), "song");
   EXPECT_TRUE(read_file(voice) == before);
 }
 
@@ -29,7 +35,7 @@ TEST_F(PartialFile, MayHaveANameInAnyScript) {
   fs::rename(path_of(voice), path_of(sounded));
   EXPECT_TRUE(contains(done({sounded, sung, "--save-state", state}), name + ".wav: "));
   done({sounded, output, "--load-state", state});
-  expect_refusal({sounded, sung, "--load-state", sung}, name + ".wav' is no state");
+  expect_refusal({sounded, output, "--load-state", sung}, name + ".wav' is no state");
   fs::rename(path_of(sung), path_of(folder.path("renamed.wav")));
   EXPECT_TRUE(read_file(folder.path("renamed.wav")) == read_file(output));
 }

@@ -133,5 +133,14 @@ TEST_F(Programs, ThatCannotBeSavedLeaveTheFileAsItWas) {
   expect_refusal({"--save-state", folder.path("")}, "no regular file");
   write_file(state, "older");
   expect_refusal({"--save-state", state, "--keys", "36"}, "key '36'");
-  EXPECT_EQ(read_file(state), "older");
+  for (const arguments& refused : {arguments{folder.path("out.mp3")},
+                                   {folder.path("none/out.wav")},
+                                   {folder.path("out.flac"), "--float"},
+                                   {output, "--chords", "0:00 H"},
+                                   {output, "--midi", voice}}) {
+    arguments words{voice, "--save-state", state};
+    words.insert(words.begin() + 1, refused.begin(), refused.end());
+    EXPECT_EQ(run(words).status, 2) << refused.back();
+    EXPECT_EQ(read_file(state), "older") << refused.back();
+  }
 }

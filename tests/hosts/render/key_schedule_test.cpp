@@ -62,6 +62,11 @@ TEST(ChordSchedule, SaysWhatItDoesNotUnderstand) {
   EXPECT_THAT(complaint("0:61 Am"), HasSubstr("doesn't begin with its time"));
   EXPECT_THAT(complaint("1.5:00 Am"), HasSubstr("doesn't begin with its time"));
   EXPECT_THAT(complaint("-1 Am"), HasSubstr("doesn't begin with its time"));
+  for (const char* const time : {"nan", "inf", "infinity:00", "0:nan", "1e3", "0x10", "+1", "0:", ":30", "1.5.5"}) {
+    EXPECT_THAT(complaint(std::string(time) + " Am"), HasSubstr("doesn't begin with its time")) << time;
+  }
+  EXPECT_THAT(complaint("0:00 Am | " + std::string(308, '9') + ":00 F"), HasSubstr("doesn't begin with its time"));
+  EXPECT_LT(complaint("0:00 " + std::string(100000, 'A')).size(), 200U);
   EXPECT_THAT(complaint("0:00 Amx"), HasSubstr("'Amx' is no chord"));
   EXPECT_THAT(complaint("0:00 C9,E4,G4"), HasSubstr("outside this sound's keyboard"));
   EXPECT_THAT(complaint("C | | F", {96.0, 4}), HasSubstr("a bar has no chord"));

@@ -28,6 +28,17 @@ TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
     expect_refusal({voice, output, "--block", block}, "a block has 1 to 65536 samples");
   }
   expect_refusal({voice, output, "--module-rate", "48000"}, "runs at 44100 or native, not at '48000'");
+  for (const char* const level : {"nan", "-nan", "inf", "0x10", "-121", "", "loud", "-14dB", "1,5"}) {
+    for (const char* const option : {"--gain", "--wet", "--dry", "--normalize"}) {
+      expect_refusal({voice, output, option, level}, std::string(option) + ": possible are -");
+    }
+  }
+  done({voice, output, "--gain", "+1.5", "--quiet"});
+  expect_refusal({voice, output, "--bpm", "nan", "--chords", "Am"}, "possible are 20 to 400, not 'nan'");
+  expect_refusal({voice, output, "--bpm", "96"}, "--bpm requires --chords");
+  expect_refusal({voice, output, "--chords", "0:00 Am", "--beats", "3"}, "--beats requires --bpm");
+  expect_refusal({voice, output, "--chords", "0:00 Am", "--keys", "Am"}, "--keys excludes --chords");
+  expect_refusal({voice, output, "--gain", "1", "--normalize", "-14"}, "--gain excludes --normalize");
   expect_refusal({voice, output, "--frequency"}, "--frequency");
   expect_refusal({voice, "--save-state", folder.path("a")}, "OUT.wav must be named");
   expect_refusal({}, "VOICE");

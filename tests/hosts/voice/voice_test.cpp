@@ -50,5 +50,5 @@ TEST_F(Voice, OfAStereoFileIsWhatSoundsInIt) {
   for (std::size_t i = 0; i < opposite.samples.size(); i += 2) opposite.samples[i] *= -1.0F;
   write_recording(voice, opposite);
   EXPECT_TRUE(contains(run({voice, output, "--float", "--compensate"}).error, "out.wav' is silent"));
-  expect_refusal({voice, output, "--channel", "middle"}, "--channel");
+  expect_refusal({voice, output, "--channel", "middle"}, "possible are left, right and mix, not 'middle'");
 }
