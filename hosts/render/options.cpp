@@ -3,11 +3,8 @@
 
 #include <charconv>
 #include <map>
-<<<<<<< HEAD
 #include <set>
-=======
 #include <sstream>
->>>>>>> renderer
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,7 @@
 // MIT License. A page of sounds to listen to and to compare.
 #include "hosts/report/page.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -32,8 +33,8 @@ article { display: flex; flex-direction: column; background: var(--card); border
   border-radius: 10px; overflow: hidden; }
 article:focus-within, article:target { border-color: var(--light); }
 figure { position: relative; margin: 0; aspect-ratio: 76 / 30; background: #120f24; overflow: hidden; }
-figure img { display: block; width: 100%; height: 100%; }
-figure span { position: absolute; color: #fff; font-size: 0.72rem; line-height: 1; pointer-events: none;
+figure img { display: block; height: 100%; }
+figure span { position: absolute; color: #fff; font-size: 0.72rem; line-height: 1; white-space: nowrap; pointer-events: none;
   text-shadow: 0 0 3px #000, 0 0 2px #000; }
 figure .hz { left: 0; width: 100%; padding: 0 0 0.15rem 0.4rem; border-bottom: 1px solid rgb(255 255 255 / 0.16); }
 figure .s { bottom: 0; padding: 0 0 0.2rem 0.25rem; border-left: 1px solid rgb(255 255 255 / 0.7); }
@@ -99,11 +100,14 @@ std::string marks_of(const std::vector<axis_mark>& marks, const char* axis, cons
 }
 
 // Labels are text over the picture, so that they are as sharp as the page's own and fit any width.
-std::string picture_of(const page_card& card) {
+//   seconds   that the width stands for
+std::string picture_of(const page_card& card, double seconds) {
   if (card.picture.empty()) return "";
-  return "<figure><img loading=\"lazy\"" + attribute("src", card.picture) +
+  char width[32];
+  std::snprintf(width, sizeof width, "width:%.2f%%", 100.0 * card.seconds / seconds);
+  return "<figure><img loading=\"lazy\"" + attribute("style", width) + attribute("src", card.picture) +
          attribute("alt", "Spectrogram of " + card.title) + ">" + marks_of(frequency_marks(), "hz", "bottom") +
-         marks_of(time_marks(card.seconds), "s", "left") + "</figure>\n";
+         marks_of(time_marks(seconds), "s", "left") + "</figure>\n";
 }
 
 std::string kind_of(const page_card& card) {
@@ -129,8 +133,8 @@ std::string paragraphs_of(const std::vector<std::string>& texts) {
   return html;
 }
 
-std::string card_of(const page_card& card) {
-  return "<article" + attribute("id", card.anchor) + ">\n" + picture_of(card) + "<div>\n<h3><span>" +
+std::string card_of(const page_card& card, double seconds) {
+  return "<article" + attribute("id", card.anchor) + ">\n" + picture_of(card, seconds) + "<div>\n<h3><span>" +
          escaped(card.number) + "</span>" + escaped(card.title) + "</h3>\n" + kind_of(card) +
          paragraphs_of(card.paragraphs) + player_of(card.player) + element("code", card.command) + figures_of(card) +
          "</div>\n</article>\n";
@@ -143,13 +147,18 @@ struct page_parts {
 };
 
 page_parts parts_of(const std::vector<page_section>& sections) {
+  // All pictures have the same scale.
+  double longest = 0.0;
+  for (const auto& section : sections) {
+    for (const auto& card : section.cards) longest = std::max(longest, card.seconds);
+  }
   page_parts parts;
   for (const auto& section : sections) {
     if (section.cards.empty()) continue;
     const std::string anchor = "section-" + section.cards.front().anchor;
     parts.links += "<a" + attribute("href", "#" + anchor) + ">" + escaped(section.heading) + "</a>\n";
     parts.cards += "<h2" + attribute("id", anchor) + ">" + escaped(section.heading) + "</h2>\n<div class=\"cards\">\n";
-    for (const auto& card : section.cards) parts.cards += card_of(card);
+    for (const auto& card : section.cards) parts.cards += card_of(card, longest);
     parts.cards += "</div>\n";
   }
   return parts;

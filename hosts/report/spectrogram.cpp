@@ -124,7 +124,7 @@ std::vector<axis_mark> time_marks(double seconds) {
   const auto* const fits = std::ranges::find_if(steps, [&](int step) { return seconds / step <= most; });
   const int step = fits != steps.end() ? *fits : 3600;
   std::vector<axis_mark> marks;
-  for (int at = step; at < 0.98 * seconds; at += step) {
+  for (int at = step; at < 0.95 * seconds; at += step) {
     char label[32];
     if (seconds < 60.0) {
       std::snprintf(label, sizeof label, "%d s", at);
