@@ -67,7 +67,7 @@ int run_audition(const render_options& options) {
 // Returns the exit status.
 int run(const command_words& line) {
   render_options options;
-  if (read_command_line(line.count, line.words, &options) == command_line::done) return;
+  if (read_command_line(line.count, line.words, &options) == command_line::done) return 0;
   if (options.list_sounds) {
     print(table_of(known_sounds()));
   } else if (options.list_programs || options.voice.empty()) {
