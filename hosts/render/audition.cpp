@@ -34,6 +34,9 @@ namespace {
 constexpr const char* page_name = "index.html";
 constexpr const char* picture_folder = "pictures";
 
+// How much of a reverb's tail the pictures show. All of it would leave little room for the voice.
+constexpr double pictured_tail_seconds = 2.0;
+
 // A sound or a program, before and after its rendering.
 struct entry {
   int number;
@@ -78,6 +81,8 @@ class auditioning {
                                         : "flac"),
         source_(source_of_voice(options.voice)),
         heard_(hear(options, source_)),
+        pictured_samples_(heard_.samples.left.size() +
+                          static_cast<std::size_t>(pictured_tail_seconds * measures::rate_hz)),
         entries_(options.all_sounds ? all_sounds() : all_programs(options)) {
     sndfile_format(format_of_name(ending_), options.float_samples);  // refuses early
   }
@@ -146,9 +151,11 @@ class auditioning {
       check_interruption();
       const measures::stereo take = read_take(options.output);
       one->figures = figures_of(take, heard_);
-      one->seconds = static_cast<double>(take.left.size()) / measures::rate_hz;
       check_interruption();
-      write_spectrogram(measures::mono_of(take), in_folder(picture_of(*one)));
+      const std::vector<float> mono = measures::mono_of(take);
+      const measures::mono_view pictured = measures::mono_view(mono).first(std::min(mono.size(), pictured_samples_));
+      one->seconds = static_cast<double>(pictured.size()) / measures::rate_hz;
+      write_spectrogram(pictured, in_folder(picture_of(*one)));
     } catch (const failure& error) {
       one->report.reset();
       one->error = error.what();
@@ -278,6 +285,7 @@ class auditioning {
   std::string ending_;  // of the sound files
   voice_source source_;
   heard_voice heard_;
+  std::size_t pictured_samples_;
   std::vector<entry> entries_;
 };
 

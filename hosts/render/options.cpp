@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -83,19 +84,34 @@ void declare_switch(const std::string& name, const char* on_help, const char* of
 }
 
 void declare_auditions(CLI::App* app, render_options* options) {
-  auto* const sounds = app->add_option("--all-sounds", options->all_sounds,
-                                       "Render VOICE with every sound into a folder, with a page to listen and "
-                                       "compare, DIR/index.html; --format is flac unless it is given")
-                           ->type_name("DIR");
-  auto* const programs = app->add_option("--all-programs", options->all_programs,
-                                         "The same with every program of the bank whose sound is known")
-                             ->type_name("DIR");
-  programs->excludes(sounds);
-  const auto refuse = [app](CLI::Option* audition, const std::vector<const char*>& others) {
-    for (const char* other : others) audition->excludes(app->get_option(other));
+  app->add_option("--all-sounds", options->all_sounds,
+                  "Render VOICE with every sound into a folder, with a page to listen and compare, DIR/index.html, as "
+                  "FLAC unless --format is given")
+      ->type_name("DIR");
+  app->add_option("--all-programs", options->all_programs,
+                  "The same with every program of the bank whose sound is known")
+      ->type_name("DIR");
+}
+
+bool is_audition(const render_options& options) {
+  return options.all_sounds || options.all_programs;
+}
+
+// Refuses what would be the same for all files, and what an audition chooses by itself.
+void check_audition(const render_options& options) {
+  if (!is_audition(options)) return;
+  const std::string name = options.all_sounds ? "--all-sounds" : "--all-programs";
+  const std::pair<bool, const char*> others[] = {
+      {options.all_sounds && options.all_programs, "--all-programs"},
+      {options.sound.has_value(), "--sound"},
+      {options.all_programs && options.program, "--program"},
+      {options.save_state.has_value(), "--save-state"},
   };
-  refuse(sounds, {"OUT", "--sound", "--save-state"});
-  refuse(programs, {"OUT", "--sound", "--program", "--save-state"});
+  for (const auto& [given, other] : others) {
+    if (given) throw failure(name + " cannot be combined with " + other + "; --help tells what is possible");
+  }
+  if (!options.output.empty()) throw failure(name + " names its files by itself: leave out '" + options.output + "'");
+  if (options.voice.empty()) throw failure(name + " needs a VOICE; --help tells what is possible");
 }
 
 // The options that each rendering of an audition has in common, as words of a command.
@@ -211,10 +227,9 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");
   }
-  const bool is_audition = options->all_sounds || options->all_programs;
   options->passed_on = shared_words(app);
-  if (is_audition && options->voice.empty()) throw failure("VOICE must be named; --help tells what is possible");
-  const bool complete = !options->voice.empty() && (is_audition || !options->output.empty());
+  check_audition(*options);
+  const bool complete = !options->voice.empty() && (is_audition(*options) || !options->output.empty());
   const bool without_voice = options->voice.empty() && options->save_state;
   if (!complete && !without_voice && !options->list_sounds && !options->list_programs) {
     throw failure("VOICE and OUT.wav must be named; --help tells what is possible");

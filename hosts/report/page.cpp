@@ -32,7 +32,7 @@ h2 { margin: 2.5rem 0 1rem; font-size: 1.4rem; }
 article { display: flex; flex-direction: column; background: var(--card); border: 1px solid var(--line);
   border-radius: 10px; overflow: hidden; }
 article:focus-within, article:target { border-color: var(--light); }
-figure { position: relative; margin: 0; aspect-ratio: 76 / 30; background: #120f24; overflow: hidden; }
+figure { position: relative; margin: 0; aspect-ratio: 76 / 30; background: #06002c; overflow: hidden; }
 figure img { display: block; height: 100%; }
 figure span { position: absolute; color: #fff; font-size: 0.72rem; line-height: 1; white-space: nowrap; pointer-events: none;
   text-shadow: 0 0 3px #000, 0 0 2px #000; }
