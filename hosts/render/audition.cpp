@@ -84,7 +84,10 @@ class auditioning {
         pictured_samples_(heard_.samples.left.size() +
                           static_cast<std::size_t>(pictured_tail_seconds * measures::rate_hz)),
         entries_(options.all_sounds ? all_sounds() : all_programs(options)) {
-    sndfile_format(format_of_name(ending_), options.float_samples);  // refuses early
+    // Before anything is written:
+    sndfile_format(format_of_name(ending_), options.float_samples);
+    check_target("output '" + in_folder(voice_file()) + "'", in_folder(voice_file()), "voice",
+                 source_.bytes ? "" : source_.name);
   }
 
   audition_report run() {
@@ -139,8 +142,6 @@ class auditioning {
   render_options options_for_voice() const {
     render_options options = options_;
     options.output = in_folder(voice_file());
-    const std::string voice = source_.bytes ? "" : source_.name;
-    check_target("output '" + options.output + "'", options.output, "voice", voice);
     return options;
   }
 

@@ -16,17 +16,17 @@ struct page_figure {
 page_figure figure_of(const char* name, double value, int digits, const char* unit);
 
 struct page_card {
-  std::string anchor;  // letters, digits and hyphens
-  std::string number;
-  std::string title;
-  std::string kind;                     // clear, spoken and effect have colours of their own
-  std::string details;                  // beside the kind
-  std::vector<std::string> paragraphs;  // those after the first are printed softly
-  std::string command;                  // a line to copy
-  std::string player;                   // source of a sound file
-  std::string picture;                  // source of a spectrogram
-  double seconds = 0.0;                 // length of the spectrogram
-  std::vector<page_figure> figures;
+  std::string anchor{};  // letters, digits and hyphens
+  std::string number{};
+  std::string title{};
+  std::string kind{};                     // clear, spoken and effect have colours of their own
+  std::string details{};                  // beside the kind
+  std::vector<std::string> paragraphs{};  // those after the first are printed softly
+  std::string command{};                  // a line to copy
+  std::string player{};                   // source of a sound file
+  std::string picture{};                  // source of a spectrogram
+  double seconds = 0.0;                   // length of the spectrogram
+  std::vector<page_figure> figures{};
 };
 
 struct page_section {

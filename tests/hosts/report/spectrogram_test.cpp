@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include "tests/hosts/measures/tones.h"
 
@@ -30,6 +31,22 @@ TEST(Spectrogram, HasAnAxisOfEqualOctaves) {
   EXPECT_NEAR(row_of_hz(60.0, size), 0.0, 1e-9);
   EXPECT_NEAR(row_of_hz(16000.0, size), 300.0, 1e-9);
   EXPECT_NEAR(row_of_hz(400.0, size) - row_of_hz(200.0, size), row_of_hz(8000.0, size) - row_of_hz(4000.0, size), 1e-9);
+}
+
+TEST(SpectrogramMarks, AreWholeSecondsWithRoomBetweenThem) {
+  for (const auto& [seconds, count, last] :
+       {std::tuple{0.4, 0U, ""}, {6.8, 6U, "6 s"}, {9.0, 4U, "8 s"}, {75.0, 7U, "1:10"}, {600.0, 4U, "8:00"}}) {
+    const auto marks = time_marks(seconds);
+    ASSERT_EQ(marks.size(), count) << seconds;
+    for (const auto& mark : marks) EXPECT_LT(mark.share, 0.95);
+    if (count > 0) {
+      EXPECT_EQ(marks.back().label, last);
+    }
+  }
+  EXPECT_NEAR(time_marks(8.0)[1].share, 0.25, 1e-9);
+  const auto octaves = frequency_marks();
+  EXPECT_EQ(octaves.front().label, "100 Hz");
+  EXPECT_NEAR(octaves[0].share, std::log(100.0 / 60.0) / std::log(16000.0 / 60.0), 1e-9);
 }
 
 }  // namespace
