@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# MIT License. Renders the demo voice through the eight factory sounds and shows what came out.
+# MIT License. Sings the demo's voice: to a progression of four chords, and through the eight factory sounds.
 #
 #   demo.sh BUILD_DIR OUT_DIR
 #
-# Writes OUT_DIR/NN-name.wav for each sound and OUT_DIR/spectrogram.png, the voice beside one result, and prints a
-# table. Needs a built kesrel-render in BUILD_DIR/bin, sox and graphicsmagick; neither a terminal nor input.
+# Writes OUT_DIR/song.wav, by a command that it prints, and OUT_DIR/NN-name.wav for each sound, with a table. Needs a built
+# kesrel-render in BUILD_DIR/bin; neither a terminal nor input.
 set -euo pipefail
 export LC_ALL=C
 
@@ -19,6 +19,22 @@ voice=$root/resources/demo/voice.flac
 [[ -x $render ]] || { echo "demo.sh: there is no $render; build first" >&2; exit 2; }
 mkdir -p "$out"
 
+# Runs a command, and prints it as one would type it.
+show() {
+  local word line=
+  for word in "$@"; do
+    [[ $word != *[!A-Za-z0-9_./,:=%+-]* ]] || word="\"$word\""
+    line+="${line:+ }${word#"$root"/}"
+  done
+  printf '  %s\n' "$line"
+  "$@" < /dev/null
+}
+
+# Four bars of two beats last 6.4 s, as long as the sentence.
+echo "A song of four chords:"
+show "$render" --sound "Basic Detuned Sawtooth" --chords "Am | F | C | G" --bpm 75 --beats 2 --reverb --normalize -20 \
+  "$voice" "$out/song.wav"
+
 # One line per sound: number, file name, held keys, what they make.
 chords='
 0  basic-detuned-sawtooth  C3,G3,C4,E4     C major, open
@@ -30,11 +46,12 @@ chords='
 6  dark-classic-ring-mod   C3,C4           C in octaves
 7  colorized-pulser        D3,G3,A3,D4     D suspended fourth
 '
-pictured=0 # the number of the sound in spectrogram.png
 
 # The closing line of a rendering reads "FILE: 6.75 s, peak -3.0 dBFS, -19.5 LUFS, 100 x real time", and after that
 # what was clipped, if anything.
-row() { printf '%-30s %8s %7s %7s %9s  %s\n' "$@"; }
+row() { printf '  %-30s %8s %7s %7s %9s  %s\n' "$@"; }
+echo
+echo "The eight factory sounds:"
 row file seconds LUFS 'peak dB' 'real time' chord
 while read -r number name keys chord; do
   [[ -n $number ]] || continue
@@ -45,18 +62,6 @@ while read -r number name keys chord; do
   notes=${BASH_REMATCH[6]}
   row "$file" "${BASH_REMATCH[1]}" "${BASH_REMATCH[3]}" "${BASH_REMATCH[2]}" "${BASH_REMATCH[4]} x" \
     "$chord${notes:+ ($notes)}"
-  if [[ $number -eq $pictured ]]; then
-    pictured_file=$out/$file
-    pictured_title="$name: $chord"
-  fi
 done <<< "$chords"
-
-# Both pictures have one scale: 130 pixels a second, 0 to -90 dB, 0 to 12 kHz, where all of the voice is.
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-spectrogram=(rate 24000 spectrogram -X 130 -y 385 -Z 0 -z 90 -c ' ')
-sox "$voice" -n remix - "${spectrogram[@]}" -t voice -o "$work/voice.png"
-sox "$pictured_file" -n remix - "${spectrogram[@]}" -t "$pictured_title" -o "$work/result.png"
-gm convert "$work/voice.png" "$work/result.png" +append "$out/spectrogram.png"
 echo
-echo "$out/spectrogram.png: the voice, and ${pictured_file##*/}"
+echo "Listen to them in $out/."

@@ -38,6 +38,7 @@ PutsEachFormatWhereHostsLook() {
     "$HOME"/.clap/KesrelVocoder4ME.clap \
     "$HOME"/.vst3/KesrelVocoder4ME.vst3/Contents/x86_64-linux/KesrelVocoder4ME.so \
     "$HOME"/.local/bin/kesrel-{vocoder,render,show} \
+    "$HOME"/.local/share/bash-completion/completions/kesrel-render \
     "$HOME"/.local/share/man/man1/kesrel-{vocoder,render,show}.1 \
     "$HOME"/.local/share/applications/kesrel-vocoder.desktop \
     "$HOME"/.local/share/metainfo/kesrel-vocoder.metainfo.xml \

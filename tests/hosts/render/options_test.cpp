@@ -1,5 +1,7 @@
 // MIT License. Tests of kesrel-render's command line.
 #include <algorithm>
+#include <sstream>
+#include <string>
 
 #include "tests/hosts/command.h"
 
@@ -8,9 +10,11 @@ using Options = command_fixture;
 TEST_F(Options, PrintHelpVersionAndSounds) {
   const auto help = done({"--help"});
   for (const char* option : {"--sound", "--keys", "--no-chorus", "--program", "--load-state", "--save-state",
-                             "--module-rate", "at 2000 to 768000 Hz", "SIGHUP, SIGINT, SIGPIPE, SIGTERM"}) {
+                             "--module-rate", "at 2000 to\n768000 Hz", "SIGPIPE, SIGTERM"}) {
     EXPECT_TRUE(contains(help, option)) << option;
   }
+  std::istringstream lines(help);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
   EXPECT_EQ(done({"--version"}).rfind("kesrel-render ", 0), 0U);
   const auto list = done({"--list-sounds"});
   EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 58);
@@ -40,7 +44,7 @@ TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
   expect_refusal({voice, output, "--chords", "0:00 Am", "--keys", "Am"}, "--keys excludes --chords");
   expect_refusal({voice, output, "--gain", "1", "--normalize", "-14"}, "--gain excludes --normalize");
   expect_refusal({voice, output, "--frequency"}, "--frequency");
-  expect_refusal({voice, "--save-state", folder.path("a")}, "OUT.wav must be named");
+  expect_refusal({voice, "--save-state", folder.path("a")}, "OUT must be named");
   expect_refusal({}, "VOICE");
   write_recording(voice, voice_of(0.1, 192000));
   expect_refusal({voice, output, "--block", "2", "--module-rate", "native"}, "too short at 192000 Hz: at least 3");
