@@ -9,6 +9,7 @@
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
 #include "hosts/effect/text.h"
+#include "hosts/render/audition.h"
 #include "hosts/render/options.h"
 #include "hosts/render/preparation.h"
 #include "hosts/render/render.h"
@@ -51,16 +52,32 @@ void run_voice(const render_options& options) {
   }
 }
 
-void run(const command_words& line) {
+// Returns the exit status.
+int run_audition(const render_options& options) {
+  const audition_report report = audition(options);
+  for (const auto& warning : report.warnings) say("warning: " + warning);
+  for (const auto& error : report.failures) say(error);
+  if (!options.quiet) {
+    if (!report.remark.empty()) say(report.remark);
+    print(on_one_line(closing_line(report)) + "\n");
+  }
+  return report.failures.empty() ? 0 : failure_status;
+}
+
+// Returns the exit status.
+int run(const command_words& line) {
   render_options options;
-  if (read_command_line(line.count, line.words, &options) == command_line::done) return;
+  if (read_command_line(line.count, line.words, &options) == command_line::done) return 0;
   if (options.list_sounds) {
     print(table_of(known_sounds()));
   } else if (options.list_programs || options.voice.empty()) {
     run_without_voice(options);
+  } else if (options.all_sounds || options.all_programs) {
+    return run_audition(options);
   } else {
     run_voice(options);
   }
+  return 0;
 }
 
 }  // namespace
@@ -68,8 +85,7 @@ void run(const command_words& line) {
 int main(int argc, char** argv) {
   try {
     survive_file_size_limit();
-    run(utf8_words(argc, argv));
-    return 0;
+    return run(utf8_words(argc, argv));
   } catch (const interrupted& end) {
     end_by_signal(end.signal_number);
   } catch (const std::exception& error) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <map>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <utility>
 
@@ -273,6 +274,19 @@ void declare_file(CLI::App* app, render_options* options) {
       ->group(group);
 }
 
+void declare_auditions(CLI::App* app, render_options* options) {
+  constexpr const char* group = "Everything at once, without OUT";
+  app->add_option("--all-sounds", options->all_sounds,
+                  "Render VOICE with every sound into a folder, as flac unless --format is given, with a page to "
+                  "listen and compare: DIR/index.html")
+      ->type_name("DIR")
+      ->group(group);
+  app->add_option("--all-programs", options->all_programs,
+                  "The same with every program of the bank whose sound is known")
+      ->type_name("DIR")
+      ->group(group);
+}
+
 void declare_module(CLI::App* app, render_options* options) {
   constexpr const char* group = "The module";
   app->add_option("--plugin", options->plugin, "The module to load, default the one that came with this program")
@@ -303,7 +317,41 @@ void declare(CLI::App* app, render_options* options) {
   declare_keys(app, options);
   declare_levels(app, options);
   declare_file(app, options);
+  declare_auditions(app, options);
   declare_module(app, options);
+}
+
+bool is_audition(const render_options& options) {
+  return options.all_sounds || options.all_programs;
+}
+
+// Refuses what would be the same for all files, and what an audition chooses by itself.
+void check_audition(const render_options& options) {
+  if (!is_audition(options)) return;
+  const std::string name = options.all_sounds ? "--all-sounds" : "--all-programs";
+  const std::pair<bool, const char*> others[] = {
+      {options.all_sounds && options.all_programs, "--all-programs"},
+      {options.sound.has_value(), "--sound"},
+      {options.all_programs && options.program, "--program"},
+      {options.save_state.has_value(), "--save-state"},
+  };
+  for (const auto& [given, other] : others) {
+    if (given) throw failure(name + " cannot be combined with " + other + "; --help tells what is possible");
+  }
+  if (!options.output.empty()) throw failure(name + " names its files by itself: leave out '" + options.output + "'");
+  if (options.voice.empty()) throw failure(name + " needs a VOICE; --help tells what is possible");
+}
+
+// The options that each rendering of an audition has in common, as words of a command.
+std::vector<std::string> shared_words(const CLI::App& app) {
+  const std::set<std::string> own = {"--all-sounds", "--all-programs", "--format", "--quiet"};
+  std::vector<std::string> words;
+  for (const CLI::Option* option : app.get_options()) {
+    if (option->count() == 0 || option->get_positional() || own.contains(option->get_name())) continue;
+    words.push_back(option->get_name());
+    if (option->get_items_expected_max() > 0) words.push_back(option->results().back());
+  }
+  return words;
 }
 
 }  // namespace
@@ -322,7 +370,9 @@ command_line read_command_line(int argc, const char* const* argv, render_options
   } catch (const CLI::ParseError& error) {
     throw failure(std::string(error.what()) + "; --help tells what is possible");
   }
-  const bool complete = !options->voice.empty() && !options->output.empty();
+  options->passed_on = shared_words(app);
+  check_audition(*options);
+  const bool complete = !options->voice.empty() && (is_audition(*options) || !options->output.empty());
   const bool without_voice = options->voice.empty() && options->save_state;
   if (!complete && !without_voice && !options->list_sounds && !options->list_programs) {
     throw failure("VOICE and OUT must be named; --help tells what is possible");

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "hosts/voice/channels.h"
 
@@ -32,9 +33,13 @@ struct render_options {
   std::optional<bool> reverb;
   std::optional<bool> octave;
   std::optional<std::string> save_state;  // file to write
-  int block = 512;                        // samples per channel and call
-  bool native_rate = false;               // run the effect at the voice's rate instead of 44100 Hz
-  bool compensate = false;                // drop the latency and the tail
+  // Folders for renderings with each sound or program, in place of `output`.
+  std::optional<std::string> all_sounds;
+  std::optional<std::string> all_programs;
+  std::vector<std::string> passed_on;  // the command's words that apply to each of these
+  int block = 512;                     // samples per channel and call
+  bool native_rate = false;            // run the effect at the voice's rate instead of 44100 Hz
+  bool compensate = false;             // drop the latency and the tail
   bool float_samples = false;
   bool list_sounds = false;
   bool list_programs = false;

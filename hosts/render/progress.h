@@ -10,13 +10,19 @@
 class progress_bar {
  public:
   // Draws only when `wanted` and standard error is a terminal.
-  explicit progress_bar(bool wanted);
+  //   renderings   how many there will be: those that haven't begun are taken to be as long as the others
+  explicit progress_bar(bool wanted, int renderings = 1);
   ~progress_bar();  // clears the line
   progress_bar(const progress_bar&) = delete;
   progress_bar& operator=(const progress_bar&) = delete;
 
-  // Adds to what there is to do, in samples.
-  void expect(int64_t samples) { expected_ += samples; }
+  // Begins a rendering that has so much to do, in samples.
+  void expect(int64_t samples) {
+    expected_ += samples;
+    ++begun_;
+  }
+  // The share that is done.
+  double share() const;
   // Adds to what is done, and draws the bar now and then.
   void advance(int64_t samples);
 
@@ -26,6 +32,8 @@ class progress_bar {
   void draw(double share);
 
   bool drawing_;
+  int renderings_;
+  std::atomic<int> begun_{0};
   std::atomic<int64_t> expected_{0};
   std::atomic<int64_t> done_{0};
   std::mutex screen_;

@@ -115,6 +115,7 @@ render_report render(const render_options& options, const voice_source& source, 
   save_requested_state(options, *host);
   if (!run.run()) throw no_output_from(sound_of(current));
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - began;
+  report.played = current;
   report.seconds = run.seconds();
   report.peak = static_cast<double>(run.measured().peak());
   report.lufs = run.measured().loudness_lufs();

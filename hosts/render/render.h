@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/effect/program_image.h"
 #include "hosts/render/options.h"
 #include "hosts/render/progress.h"
 
@@ -17,6 +18,7 @@ struct render_report {
   int64_t samples_above_full_scale = 0;
   std::vector<std::string> warnings{};  // for the user
   std::string remark{};                 // likewise, about what has been chosen for them; empty when nothing has
+  program played{};                     // with the keys of the start
 };
 
 // Where the voice comes from.

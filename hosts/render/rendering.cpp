@@ -33,11 +33,6 @@ constexpr int64_t change_grid = 32;
 // Samples that go to the other thread at once: few enough to start it early, many enough that waiting costs nothing.
 constexpr std::size_t piece_samples = 8192;
 
-std::string text_of(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 // What players show.
 sound_tags tags_of(const render_options& options, const program& current) {
   const sound& chosen = sound_of(current);

@@ -33,11 +33,11 @@
 #include "hosts/effect/effect_host.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/text.h"
+#include "hosts/measures/estoi.h"
+#include "hosts/measures/loudness.h"
+#include "hosts/measures/resampled.h"
 #include "hosts/voice/voice.h"
 #include "tests/real_hosts/run_in.h"
-#include "tools/soundcheck/measures/estoi.h"
-#include "tools/soundcheck/measures/loudness.h"
-#include "tools/soundcheck/measures/resampled.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <limits>
 
 #include "hosts/effect/programs.h"
-#include "tools/soundcheck/measures/decay.h"
-#include "tools/soundcheck/measures/estoi.h"
-#include "tools/soundcheck/measures/loudness.h"
-#include "tools/soundcheck/measures/pitch.h"
-#include "tools/soundcheck/measures/speech.h"
+#include "hosts/measures/decay.h"
+#include "hosts/measures/estoi.h"
+#include "hosts/measures/loudness.h"
+#include "hosts/measures/pitch.h"
+#include "hosts/measures/speech.h"
 #include "tools/soundcheck/rendering.h"
 #include "tools/soundcheck/vowel.h"
 

@@ -6,9 +6,9 @@
 
 #include "hosts/effect/program_image.h"
 #include "hosts/effect/sounds.h"
-#include "tools/soundcheck/measures/pitch.h"
-#include "tools/soundcheck/measures/signal.h"
-#include "tools/soundcheck/measures/tone.h"
+#include "hosts/measures/pitch.h"
+#include "hosts/measures/signal.h"
+#include "hosts/measures/tone.h"
 #include "tools/soundcheck/sound_tables.h"
 
 struct test_voice {

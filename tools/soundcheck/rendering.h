@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "hosts/effect/program_image.h"
-#include "tools/soundcheck/measures/signal.h"
+#include "hosts/measures/signal.h"
 
 // Runs `voice` at 44100 Hz through a fresh effect of the module at `module`, set to `content`, whose keys are held all
 // the time. The output is aligned with the voice: without the run-in, in which the synthesizer's filter opens, and

@@ -7,7 +7,7 @@
 #include "tools/soundcheck/figures.h"
 
 // Writes `folder`/index.html, and beside it for each sound of `sounds` what it makes of `voice` on the chord, as a
-// sound file and as a picture. The page needs no script and no network.
+// sound file and as a picture.
 //   module    as render_voice() takes it
 //   threads   0 for one per core
 //   throws    failure when something cannot be written
@@ -16,8 +16,5 @@ void write_report(const std::string& folder, const std::string& module, const st
                   int threads);
 
 // The page alone.
-std::string report_page(const std::vector<sound_figures>& sounds, const sound_tables& tables,
+std::string report_page(const std::vector<sound_figures>& sounds, const sound_tables& tables, double voice_seconds,
                         const std::vector<std::string>& misses);
-
-// `text` for HTML: with <, >, & and quotes as entities.
-std::string escaped(const std::string& text);

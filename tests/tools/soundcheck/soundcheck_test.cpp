@@ -2,16 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <limits>
-#include <stdexcept>
 
 #include "hosts/effect/text.h"
-#include "tools/soundcheck/jobs.h"
 #include "tools/soundcheck/names.h"
 #include "tools/soundcheck/options.h"
 #include "tools/soundcheck/report.h"
-#include "tools/soundcheck/spectrogram.h"
 #include "tools/soundcheck/table.h"
 #include "tools/soundcheck/targets.h"
 
@@ -26,19 +22,6 @@ TEST(SoundcheckOptions, ListsOfNumbers) {
   for (const char* wrong : {"", "58", "3-1", "1,,2", "-1", "x", "1-", "0-58"}) {
     EXPECT_THROW(parse_numbers(wrong, 58), failure) << wrong;
   }
-}
-
-TEST(Jobs, AreDoneOnceEachOnAllThreads) {
-  std::vector<std::atomic<int>> done(100);
-  for_each_job(done.size(), 7, [&](std::size_t job) { ++done[job]; });
-  for (const auto& count : done) EXPECT_EQ(count, 1);
-}
-
-TEST(Jobs, RethrowOnTheCallersThread) {
-  const auto fail = [](std::size_t job) {
-    if (job == 3) throw std::runtime_error("three");
-  };
-  EXPECT_THROW(for_each_job(10, 2, fail), std::runtime_error);
 }
 
 // --- Targets ---
@@ -197,34 +180,11 @@ TEST(SoundTable, HasAColumnForEachVoice) {
 TEST(ReportPage, HasACardWithTextsThatCantBreakIt) {
   const sound_tables tables{{{2, {"Good", std::vector<double>(37, 0.0)}}},
                             {{2, {sound_kind::clear, true, "Rock & <roll>", "Sing \"low\""}}}};
-  const std::string page = report_page({good_sound(2)}, tables, {"a < b"});
+  const std::string page = report_page({good_sound(2)}, tables, 3.0, {"a < b"});
   EXPECT_THAT(page, HasSubstr("Rock &amp; &lt;roll&gt;"));
   EXPECT_THAT(page, HasSubstr("Sing &quot;low&quot;"));
   EXPECT_THAT(page, HasSubstr("src=\"sounds/02.ogg\""));
   EXPECT_THAT(page, HasSubstr("<li>a &lt; b</li>"));
-}
-
-// The luminance of each colour, by IEC 61966-2-1, and the lightness that it gives, by CIE 1976.
-TEST(SpectrogramColours, GetEvenlyLighter) {
-  const auto linear = [](double x) { return x <= 0.04045 ? x / 12.92 : std::pow((x + 0.055) / 1.055, 2.4); };
-  double last = -5.0;
-  for (int step = 0; step <= 20; ++step) {
-    const rgb colour = colour_of_level(step / 20.0);
-    const double y = 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) + 0.0722 * linear(colour.blue);
-    const double lightness = y > 0.008856 ? 116.0 * std::cbrt(y) - 16.0 : 903.3 * y;
-    if (step > 0) {
-      EXPECT_NEAR(lightness - last, 4.8, 2.4) << step;
-    }
-    last = lightness;
-  }
-  EXPECT_GT(last, 90.0);
-}
-
-TEST(Spectrogram, HasAnAxisOfEqualOctaves) {
-  const spectrogram_size size{760, 300};
-  EXPECT_NEAR(row_of_hz(60.0, size), 0.0, 1e-9);
-  EXPECT_NEAR(row_of_hz(16000.0, size), 300.0, 1e-9);
-  EXPECT_NEAR(row_of_hz(400.0, size) - row_of_hz(200.0, size), row_of_hz(8000.0, size) - row_of_hz(4000.0, size), 1e-9);
 }
 
 }  // namespace

@@ -1,0 +1,155 @@
+// MIT License. The picture of a sound's spectrum over time.
+#include "hosts/report/spectrogram.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <numbers>
+#include <utility>
+
+#include "hosts/effect/partial_file.h"
+#include "hosts/measures/spectrum.h"
+#include "hosts/report/png.h"
+
+namespace {
+
+constexpr double lowest_hz = 60.0;
+constexpr double highest_hz = 16000.0;
+constexpr double range_db = 60.0;
+
+// 46 ms: the harmonics of a C3 are apart, and syllables as well. Padded, so that the low rows have a bin each.
+constexpr int32_t span_samples = 2048;
+constexpr int32_t transform_samples = 8192;
+
+double hz_of_row(double row, const spectrogram_size& size) {
+  return lowest_hz * std::pow(highest_hz / lowest_hz, row / size.height);
+}
+
+// Bins of a spectrum.
+struct bin_range {
+  std::size_t first;
+  std::size_t last;
+};
+
+// The bins of each row, from the bottom; where rows are narrower than bins, the nearest one.
+std::vector<bin_range> bins_of_rows(const spectrogram_size& size) {
+  constexpr double bin_hz = static_cast<double>(measures::rate_hz) / transform_samples;
+  std::vector<bin_range> rows;
+  for (int row = 0; row < size.height; ++row) {
+    const double low = hz_of_row(row, size) / bin_hz;
+    const double high = hz_of_row(row + 1, size) / bin_hz;
+    const auto nearest = static_cast<std::size_t>(0.5 * (low + high) + 0.5);
+    rows.push_back(
+        {std::min(nearest, static_cast<std::size_t>(low) + 1), std::max(nearest, static_cast<std::size_t>(high))});
+  }
+  return rows;
+}
+
+// levels[row * width + column] in dB, rows from the bottom.
+std::vector<double> levels_of(measures::mono_view signal, const spectrogram_size& size) {
+  measures::power_spectrum spectrum(transform_samples, span_samples);
+  const std::vector<bin_range> rows = bins_of_rows(size);
+  const auto width = static_cast<std::size_t>(size.width);
+  std::vector<double> levels(width * rows.size());
+  for (std::size_t column = 0; column < width; ++column) {
+    const double centre = (static_cast<double>(column) + 0.5) / size.width * static_cast<double>(signal.size());
+    const auto& power = spectrum.of(signal, static_cast<int64_t>(centre) - span_samples / 2);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+      double most = 0.0;
+      for (std::size_t bin = rows[row].first; bin <= rows[row].last; ++bin) most = std::max(most, power[bin]);
+      levels[row * width + column] = measures::decibels(most);
+    }
+  }
+  return levels;
+}
+
+uint32_t pixel_of(double level) {
+  const rgb colour = colour_of_level(level);
+  const auto byte = [](double share) { return static_cast<uint32_t>(std::lround(255.0 * share)); };
+  return byte(colour.red) << 16 | byte(colour.green) << 8 | byte(colour.blue);
+}
+
+png_palette shades() {
+  png_palette colours{};
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    colours[i] = pixel_of(static_cast<double>(i) / static_cast<double>(colours.size() - 1));
+  }
+  return colours;
+}
+
+}  // namespace
+
+rgb colour_of_level(double level) {
+  constexpr double darkest = 0.12;
+  constexpr double lightest = 0.97;
+  constexpr double first_hue_degrees = 280.0;  // blue
+  constexpr double turn_degrees = 180.0;       // over magenta and orange to yellow, at 100
+  const double lightness = darkest + (lightest - darkest) * level;
+  // Screens have no strong dark and no strong light colours.
+  const double chroma = 0.19 * std::sin(std::numbers::pi * std::pow(lightness, 0.8));
+  const double hue = (first_hue_degrees + turn_degrees * level) * std::numbers::pi / 180.0;
+  const double a = chroma * std::cos(hue);
+  const double b = chroma * std::sin(hue);
+
+  const double l = std::pow(lightness + 0.3963377774 * a + 0.2158037573 * b, 3.0);
+  const double m = std::pow(lightness - 0.1055613458 * a - 0.0638541728 * b, 3.0);
+  const double s = std::pow(lightness - 0.0894841775 * a - 1.2914855480 * b, 3.0);
+  const auto encoded = [](double linear) {  // IEC 61966-2-1
+    const double share = std::clamp(linear, 0.0, 1.0);
+    return share <= 0.0031308 ? 12.92 * share : 1.055 * std::pow(share, 1.0 / 2.4) - 0.055;
+  };
+  return {encoded(4.0767416621 * l - 3.3077115913 * m + 0.2309699292 * s),
+          encoded(-1.2684380046 * l + 2.6097574011 * m - 0.3413193965 * s),
+          encoded(-0.0041960863 * l - 0.7034186147 * m + 1.7076147010 * s)};
+}
+
+double row_of_hz(double hz, const spectrogram_size& size) {
+  return size.height * std::log(hz / lowest_hz) / std::log(highest_hz / lowest_hz);
+}
+
+std::vector<axis_mark> frequency_marks() {
+  constexpr spectrogram_size size;
+  std::vector<axis_mark> marks;
+  for (const auto& [hz, label] : {std::pair{100.0, "100 Hz"}, {400.0, "400"}, {1600.0, "1600"}, {6400.0, "6400"}}) {
+    marks.push_back({row_of_hz(hz, size) / size.height, label});
+  }
+  return marks;
+}
+
+std::vector<axis_mark> time_marks(double seconds) {
+  constexpr int most = 8;
+  constexpr std::array<int, 9> steps = {1, 2, 5, 10, 30, 60, 120, 300, 600};
+  const auto* const fits = std::ranges::find_if(steps, [&](int step) { return seconds / step <= most; });
+  const int step = fits != steps.end() ? *fits : 3600;
+  std::vector<axis_mark> marks;
+  for (int at = step; at < 0.95 * seconds; at += step) {
+    char label[32];
+    if (seconds < 60.0) {
+      std::snprintf(label, sizeof label, "%d s", at);
+    } else {
+      std::snprintf(label, sizeof label, "%d:%02d", at / 60, at % 60);
+    }
+    marks.push_back({at / seconds, label});
+  }
+  return marks;
+}
+
+void write_spectrogram(measures::mono_view signal, const std::string& path, const spectrogram_size& size) {
+  static const png_palette colours = shades();
+  const std::vector<double> levels = levels_of(signal, size);
+  const double most = *std::max_element(levels.begin(), levels.end());
+  const auto width = static_cast<std::size_t>(size.width);
+  std::vector<uint8_t> pixels;
+  pixels.reserve(levels.size());
+  for (std::size_t row = levels.size() / width; row-- > 0;) {
+    for (std::size_t column = 0; column < width; ++column) {
+      const double level = std::clamp(1.0 + (levels[row * width + column] - most) / range_db, 0.0, 1.0);
+      pixels.push_back(static_cast<uint8_t>(std::lround(255.0 * level)));
+    }
+  }
+  partial_file file("picture '" + path + "'", path);
+  file.write(png_of(size.width, pixels, colours));
+  file.finish();
+}
