@@ -86,8 +86,8 @@ A file that exists is replaced by a finished one or stays as it was.
 
 *Keys and chords*
 
-The keyboard has 36 keys, C2 to B4 for most sounds; --list-sounds prints the
-lowest. Up to 32 can be held at once.
+The keyboard has 36 keys, C2 to B4 for most sounds and an octave higher with
+--octave; --list-sounds prints the lowest. Up to 32 can be held at once.
 
 A chord is a letter, # or b, then a quality: nothing for major, m, 5, 6, 7, 9,
 11, 13, maj7, m7, m7b5, dim, aug, sus2, sus4 and more. It may be altered, as in
