@@ -1,6 +1,7 @@
 // MIT License. A file that appears under its name only when it is complete.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -20,8 +21,12 @@ class partial_file {
   // The hidden file, empty at first, open for reading and writing. This object closes it.
   int descriptor() const { return descriptor_; }
 
-  // Appends `bytes`. Throws failure.
+  // Writes `bytes` where the last ones ended, or where seek() has gone. Throws failure.
   void write(std::string_view bytes);
+
+  //   whence    SEEK_SET, SEEK_CUR or SEEK_END
+  //   returns   the new place in bytes from the start, or -1
+  int64_t seek(int64_t offset, int whence);
 
   // Flushes the file to the disk, then gives it its name. Throws failure.
   void finish();

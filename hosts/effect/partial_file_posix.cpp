@@ -67,6 +67,10 @@ void partial_file::write(std::string_view bytes) {
   }
 }
 
+int64_t partial_file::seek(int64_t offset, int whence) {
+  return lseek(descriptor_, offset, whence);
+}
+
 void partial_file::finish() {
   // Some file systems notice only now that they are full. Those that don't support the call answer EINVAL.
   if (fsync(descriptor_) != 0 && errno != EINVAL) throw unwritable(what_, errno);

@@ -55,6 +55,10 @@ void partial_file::write(std::string_view bytes) {
   }
 }
 
+int64_t partial_file::seek(int64_t offset, int whence) {
+  return _lseeki64(descriptor_, offset, whence);
+}
+
 void partial_file::finish() {
   if (_commit(descriptor_) != 0) throw unwritable(what_, errno);
   // Windows doesn't rename a file that is open.

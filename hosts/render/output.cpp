@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <new>
 #include <numbers>
 
-#include "hosts/effect/paths.h"
 #include "hosts/effect/interruption.h"
+#include "hosts/effect/paths.h"
 #include "hosts/effect/text.h"
 #include "hosts/render/streams.h"
 #include "hosts/render/terminal.h"
@@ -37,6 +38,16 @@ void interleave(const float* left, const float* right, int count, std::vector<fl
   }
 }
 
+// Readers of WAV files skip texts of 2048 bytes and more, and libsndfile writes headers that no one can read around
+// much longer ones.
+std::string tag_of(const std::string& text) {
+  constexpr std::size_t most = 1500;
+  if (text.size() <= most) return text;
+  std::size_t end = most;
+  while (end > 0 && (text[end] & 0xC0) == 0x80) --end;  // not inside a UTF-8 character
+  return text.substr(0, end) + "...";
+}
+
 // A name that is short, as the output's own may be the longest that the file system takes.
 std::string spool_name(const std::string& output) {
   static std::atomic<int> number = 0;
@@ -49,6 +60,36 @@ std::string spool_name(const std::string& output) {
 
 }  // namespace
 
+SF_VIRTUAL_IO sound_writer::file_sound::calls() {
+  SF_VIRTUAL_IO all{};
+  all.get_filelen = [](void* user) -> sf_count_t {
+    partial_file& file = *static_cast<file_sound*>(user)->file;
+    const int64_t place = file.seek(0, SEEK_CUR);
+    const int64_t length = file.seek(0, SEEK_END);
+    file.seek(place, SEEK_SET);
+    return length;
+  };
+  all.tell = [](void* user) -> sf_count_t { return static_cast<file_sound*>(user)->file->seek(0, SEEK_CUR); };
+  all.seek = [](sf_count_t offset, int whence, void* user) -> sf_count_t {
+    return static_cast<file_sound*>(user)->file->seek(offset, whence);
+  };
+  all.write = [](const void* source, sf_count_t count, void* user) -> sf_count_t {
+    auto& sound = *static_cast<file_sound*>(user);
+    try {
+      sound.file->write({static_cast<const char*>(source), static_cast<std::size_t>(count)});
+      return count;
+    } catch (...) {  // libsndfile is C, through which no exception may pass
+      if (!sound.error) sound.error = std::current_exception();
+      return 0;
+    }
+  };
+  return all;
+}
+
+void sound_writer::check() const {
+  if (disk_.error) std::rethrow_exception(disk_.error);
+}
+
 sound_writer::sound_writer(const std::string& path, sound_format format, bool float_samples, int rate_hz,
                            const sound_tags& tags)
     : what_(path == stream_name ? "standard output" : "output '" + path + "'") {
@@ -60,8 +101,10 @@ sound_writer::sound_writer(const std::string& path, sound_format format, bool fl
     SF_VIRTUAL_IO calls = memory_sound::calls();
     file_.reset(sf_open_virtual(&calls, SFM_WRITE, &info, &memory_));
   } else {
-    partial_.emplace(what_, path);
-    file_.reset(sf_open_fd(partial_->descriptor(), SFM_WRITE, &info, SF_FALSE));
+    disk_.file.emplace(what_, path);
+    SF_VIRTUAL_IO calls = file_sound::calls();
+    file_.reset(sf_open_virtual(&calls, SFM_WRITE, &info, &disk_));
+    check();
   }
   if (!file_) throw failure(what_ + " cannot be written: " + sf_strerror(nullptr));
   sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
@@ -69,9 +112,9 @@ sound_writer::sound_writer(const std::string& path, sound_format format, bool fl
   double quality = vorbis_quality;
   if (format == sound_format::vorbis) sf_command(file_.get(), SFC_SET_VBR_ENCODING_QUALITY, &quality, sizeof quality);
   // Tags are for players: a format that has none of a kind refuses it, and nothing is lost.
-  sf_set_string(file_.get(), SF_STR_TITLE, tags.title.c_str());
+  sf_set_string(file_.get(), SF_STR_TITLE, tag_of(tags.title).c_str());
   sf_set_string(file_.get(), SF_STR_SOFTWARE, tags.software.c_str());
-  sf_set_string(file_.get(), SF_STR_COMMENT, tags.comment.c_str());
+  sf_set_string(file_.get(), SF_STR_COMMENT, tag_of(tags.comment).c_str());
   room_ = format == sound_format::wav ? (most_wav_bytes - wav_header_bytes) / (2 * (float_samples ? 4 : 3))
                                       : std::numeric_limits<int64_t>::max();
 }
@@ -80,19 +123,20 @@ void sound_writer::write(const float* left, const float* right, int count) {
   room_ -= count;
   if (room_ < 0) throw failure(what_ + " would exceed the 4 GiB that a WAV file can hold");
   interleave(left, right, count, &interleaved_);
-  if (sf_writef_float(file_.get(), interleaved_.data(), count) != count) {
-    throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
-  }
+  const bool is_written = sf_writef_float(file_.get(), interleaved_.data(), count) == count;
+  check();
+  if (!is_written) throw failure(what_ + " cannot be written: " + sf_strerror(file_.get()));
 }
 
 void sound_writer::finish() {
   const int unsaid = sf_error(file_.get());
   const int unclosed = sf_close(file_.release());
+  check();
   for (const int error : {unsaid, unclosed}) {
     if (error != SF_ERR_NO_ERROR) throw failure(what_ + " cannot be written: " + sf_error_number(error));
   }
-  if (partial_) {
-    partial_->finish();
+  if (disk_.file) {
+    disk_.file->finish();
   } else {
     pass_all_bytes(stdout);
     print(memory_.bytes);

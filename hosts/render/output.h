@@ -5,6 +5,7 @@
 #include <sndfile.h>
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,8 +51,18 @@ class sound_writer {
     void operator()(SNDFILE* file) const { sf_close(file); }
   };
 
+  // A file as libsndfile writes it. It keeps the first error, as libsndfile loses those of the last bytes.
+  struct file_sound {
+    std::optional<partial_file> file;
+    std::exception_ptr error{};
+
+    static SF_VIRTUAL_IO calls();
+  };
+
+  void check() const;  // throws what libsndfile has lost
+
   std::string what_;  // how messages name it
-  std::optional<partial_file> partial_;
+  file_sound disk_;
   memory_sound memory_;                    // for standard output
   std::unique_ptr<SNDFILE, closer> file_;  // closed before the partial file is deleted
   int64_t room_;                           // samples per channel that still fit

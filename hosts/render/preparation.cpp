@@ -6,6 +6,7 @@
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
+#include "hosts/effect/text.h"
 #include "hosts/render/streams.h"
 
 namespace {
@@ -30,6 +31,7 @@ void check_paths(const render_options& options) {
   const std::string midi = options.midi.value_or("");
   if (options.save_state) {
     const std::string what = "state '" + *options.save_state + "'";
+    if (*options.save_state == stream_name) throw failure(what + " is no file: standard output is for sound");
     check_target(what, *options.save_state, "voice", options.voice);
     check_target(what, *options.save_state, "output", options.output);
     check_target(what, *options.save_state, "MIDI file", midi);

@@ -74,10 +74,14 @@ void judge(const render_options& options, const rendering& run, render_report* r
     report->warnings.push_back(name + " reaches only " + in_db(report->lufs) + " LUFS: at " +
                                in_db(*options.normalize) + " its true peaks would exceed -1 dBTP");
   }
-  if (report->peak < static_cast<double>(inaudible)) report->warnings.push_back(name + " is silent");
+  if (report->peak < static_cast<double>(inaudible)) {
+    report->warnings.push_back(name + " is silent");
+  } else if (run.unmeasurable()) {
+    report->warnings.push_back(name + " is too short or too quiet for a loudness: it isn't normalized");
+  }
   if (report->samples_above_full_scale > 0 && !options.float_samples) {
-    report->warnings.push_back(name + " is clipped: a --gain of " +
-                               in_db(std::floor(-200.0 * std::log10(report->peak)) / 10.0) +
+    const double gain_db = std::floor(10.0 * options.gain_db - 200.0 * std::log10(report->peak)) / 10.0;
+    report->warnings.push_back(name + " is clipped: a --gain of " + in_db(gain_db) +
                                " dB, or --normalize, prevents that");
   }
 }

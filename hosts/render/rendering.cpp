@@ -27,7 +27,7 @@ const float unwritten = std::bit_cast<float>(0x7fc0beefU);
 // What is left of the sound at the voice's end when --compensate cuts it there.
 constexpr double fade_seconds = 0.01;
 
-// Key changes are rounded to this many samples, so that no block is shorter.
+// Key changes are rounded to this many samples, so that there are no more blocks than that.
 constexpr int64_t change_grid = 32;
 
 // Samples that go to the other thread at once: few enough to start it early, many enough that waiting costs nothing.
@@ -44,7 +44,9 @@ sound_tags tags_of(const render_options& options, const program& current) {
   if (!keys.empty()) comment += ", keys " + joined(keys);
   if (current.chorus) comment += ", chorus";
   if (current.reverb) comment += ", reverb";
-  return {text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")", "kesrel-render " KESREL_VERSION, comment};
+  const std::string title =
+      options.voice == stream_name ? chosen.name : text_of(path_of(options.voice).stem()) + " (" + chosen.name + ")";
+  return {title, "kesrel-render " KESREL_VERSION, comment};
 }
 
 sound_format format_of(const render_options& options) {
@@ -148,14 +150,18 @@ bool rendering::run_effect() {
   return true;
 }
 
-// The keys that are due. Those of the very start are held during the run-in already.
+// Changes of the very start are due during the run-in already, and others if the block before them would be too short
+// to have any output.
+bool rendering::is_due(int64_t change) const {
+  return change - std::max<int64_t>(position_, 0) < shortest_block(rate_hz_);
+}
+
 void rendering::press_keys() {
   std::vector<int> keys = program_.keys;
-  for (; next_change_ < changes_.size() && changes_[next_change_].position <= std::max<int64_t>(position_, 0);
-       ++next_change_) {
+  for (; next_change_ < changes_.size() && is_due(changes_[next_change_].position); ++next_change_) {
     keys = changes_[next_change_].keys;
   }
-  if (position_ >= plan_.keys_up) keys.clear();
+  if (is_due(plan_.keys_up)) keys.clear();
   if (keys == program_.keys) return;
   program_.keys = keys;
   use_program(program_, &host_);
@@ -165,7 +171,7 @@ void rendering::press_keys() {
 int rendering::samples_of_block() const {
   int64_t end = position_ + options_.block;
   if (next_change_ < changes_.size()) end = std::min(end, changes_[next_change_].position);
-  if (position_ < plan_.keys_up) end = std::min(end, plan_.keys_up);
+  if (!is_due(plan_.keys_up)) end = std::min(end, plan_.keys_up);
   return static_cast<int>(end - position_);
 }
 
@@ -204,6 +210,7 @@ void rendering::finish_file() {
   if (spool_) {
     const loudness_gain gain = gain_to_loudness(*options_.normalize, spool_->measured());
     limited_ = gain.limited;
+    unmeasurable_ = std::isinf(spool_->measured().loudness_lufs());
     file_.set_gain(gain.gain);
     spool_->play(&file_);
   }

@@ -57,7 +57,8 @@ class rendering {
   // After run().
   const meters& measured() const { return file_.measured(); }
   double seconds() const { return static_cast<double>(end_of_file()) / file_rate_hz_; }
-  bool limited() const { return limited_; }  // less loud than asked for, so as not to clip
+  bool limited() const { return limited_; }            // less loud than asked for, so as not to clip
+  bool unmeasurable() const { return unmeasurable_; }  // not normalized, for want of a loudness
 
  private:
   struct due_keys {
@@ -71,6 +72,7 @@ class rendering {
 
   // On the effect's thread.
   bool run_effect();
+  bool is_due(int64_t change) const;
   void press_keys();
   int samples_of_block() const;
   void lengthen_tail();
@@ -105,4 +107,5 @@ class rendering {
   stream_piece piece_;
   piece_queue queue_;
   bool limited_ = false;
+  bool unmeasurable_ = false;
 };

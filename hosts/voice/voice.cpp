@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -35,8 +36,8 @@ struct wav_size {
 
 // Zeros for other files, and for recordings of unknown length: a program that writes a WAV file into a pipe cannot go
 // back to the header, and puts a size close to the largest of 31 or 32 bits there.
-wav_size wav_samples_of(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
+//   bytes   of the whole file
+wav_size wav_samples_of(std::istream& file, int64_t bytes) {
   std::array<unsigned char, 12> head{};
   const auto read = [&](std::size_t count) {
     return !!file.read(reinterpret_cast<char*>(head.data()), static_cast<std::streamsize>(count));
@@ -51,9 +52,19 @@ wav_size wav_samples_of(const fs::path& path) {
     }
     const bool is_unknown = (size >= 0x7ffff000 && size <= 0x80000000) || size >= 0xfffff000;
     const auto begin = static_cast<int64_t>(file.tellg());
-    return is_unknown ? wav_size{} : wav_size{size, static_cast<int64_t>(fs::file_size(path)) - begin};
+    return is_unknown ? wav_size{} : wav_size{size, bytes - begin};
   }
   return {};
+}
+
+// Empty when nothing is missing.
+std::string warning_of(const std::string& called, const SF_INFO& info, const wav_size& bytes) {
+  if (bytes.promised <= bytes.present) return {};
+  const double present = static_cast<double>(info.frames) / info.samplerate;
+  const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
+  char seconds[96];
+  std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
+  return called + " is cut short: " + seconds;
 }
 
 void check_readable(const std::string& path) {
@@ -76,20 +87,20 @@ voice_reader::voice_reader(const std::string& path) : called_(called(path)) {
   check_readable(path);
   file_.reset(open_sound_file(path_of(path), &info_));
   check_content();
-  if (const auto bytes = wav_samples_of(path_of(path)); bytes.promised > bytes.present) {
-    const double present = static_cast<double>(info_.frames) / info_.samplerate;
-    const double promised = present * static_cast<double>(bytes.promised) / static_cast<double>(bytes.present);
-    char seconds[96];
-    std::snprintf(seconds, sizeof seconds, "%.2f of its %.2f s are missing", promised - present, promised);
-    warning_ = called_ + " is cut short: " + seconds;
-  }
+  std::ifstream file(path_of(path), std::ios::binary);
+  warning_ = warning_of(called_, info_, wav_samples_of(file, static_cast<int64_t>(fs::file_size(path_of(path)))));
 }
 
-voice_reader::voice_reader(const std::string& name, std::string bytes)
-    : called_(called(name)), memory_(new memory_sound{std::move(bytes)}) {
+voice_reader::voice_reader(const std::string& name, std::string bytes) : called_("voice " + name) {
+  if (bytes.empty()) throw failure(called_ + " is empty");
+  const auto size = static_cast<int64_t>(bytes.size());
+  std::istringstream stream(std::move(bytes));
+  const wav_size samples = wav_samples_of(stream, size);
+  memory_.reset(new memory_sound{std::move(stream).str()});
   SF_VIRTUAL_IO calls = memory_sound::calls();
   file_.reset(sf_open_virtual(&calls, SFM_READ, &info_, memory_.get()));
   check_content();
+  warning_ = warning_of(called_, info_, samples);
 }
 
 void voice_reader::check_content() const {

@@ -43,9 +43,20 @@ TEST_F(PartialFileOfPosix, IsDeletedWhenTheFileCannotGrow) {
   getrlimit(RLIMIT_FSIZE, &former);
   const rlimit lower{2000, former.rlim_max};
   setrlimit(RLIMIT_FSIZE, &lower);
-  expect_refusal({voice, output}, "out.wav' cannot be written: System error : File too large");
+  expect_refusal({voice, output}, "out.wav' cannot be written: File too large");
+  expect_refusal({voice, output, "--normalize", "-30"}, "cannot be written: System error : File too large");
   expect_refusal({"--save-state", output}, "state '" + output + "' cannot be written: File too large");
   setrlimit(RLIMIT_FSIZE, &former);
+  // By a byte, at the very end.
+  for (const char* const name : {"out.wav", "out.flac", "out.ogg", "out.opus"}) {
+    const std::string file = folder.path(name);
+    done({voice, file});
+    const rlimit close{fs::file_size(file) - 1, former.rlim_max};
+    fs::remove(file);
+    setrlimit(RLIMIT_FSIZE, &close);
+    expect_refusal({voice, file}, "cannot be written: File too large");
+    setrlimit(RLIMIT_FSIZE, &former);
+  }
 }
 
 TEST_F(PartialFileOfPosix, IsRefusedInPlaceOfTheVoiceOrADevice) {

@@ -7,30 +7,12 @@
 #include <random>
 
 #include "hosts/effect/text.h"
+#include "tests/hosts/render/midi_bytes.h"
 
 namespace {
 
 using namespace std::string_literals;
 using testing::HasSubstr;
-
-std::string big_endian(uint32_t value, int count) {
-  std::string bytes;
-  for (int shift = 8 * (count - 1); shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
-  return bytes;
-}
-
-std::string chunk(const std::string& type, const std::string& content) {
-  return type + big_endian(static_cast<uint32_t>(content.size()), 4) + content;
-}
-
-std::string file_of(uint32_t format, uint32_t division, const std::vector<std::string>& tracks) {
-  std::string bytes = chunk(
-      "MThd", big_endian(format, 2) + big_endian(static_cast<uint32_t>(tracks.size()), 2) + big_endian(division, 2));
-  for (const std::string& track : tracks) bytes += chunk("MTrk", track);
-  return bytes;
-}
-
-const std::string end_mark = "\x00\xff\x2f\x00"s;
 
 std::string text_of(const midi_song& song) {
   std::string text;

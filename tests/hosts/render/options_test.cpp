@@ -10,7 +10,7 @@ using Options = command_fixture;
 TEST_F(Options, PrintHelpVersionAndSounds) {
   const auto help = done({"--help"});
   for (const char* option : {"--sound", "--keys", "--no-chorus", "--program", "--load-state", "--save-state",
-                             "--module-rate", "at 2000 to\n768000 Hz", "SIGPIPE, SIGTERM"}) {
+                             "--module-rate", "at 2000 to\n768000 Hz", "SIGHUP, SIGINT,\nSIGPIPE, SIGTERM"}) {
     EXPECT_TRUE(contains(help, option)) << option;
   }
   std::istringstream lines(help);
