@@ -19,47 +19,57 @@ constexpr double lowest_hz = 60.0;
 constexpr double highest_hz = 16000.0;
 constexpr double range_db = 60.0;
 
-// 46 ms: the harmonics of a C3 are apart, and syllables as well. Padded, so that the low rows have a bin each.
+// 46 ms: the harmonics of a C3 are apart, and syllables as well. Padded, so that there is little to guess between bins.
 constexpr int32_t span_samples = 2048;
-constexpr int32_t transform_samples = 8192;
+constexpr int32_t transform_samples = 4096;
 
 double hz_of_row(double row, const spectrogram_size& size) {
   return lowest_hz * std::pow(highest_hz / lowest_hz, row / size.height);
 }
 
-// Bins of a spectrum.
-struct bin_range {
+// The part of a spectrum that a row shows: the strongest bin, or between two bins, where rows are narrower, their
+// powers in proportion.
+struct row_source {
   std::size_t first;
-  std::size_t last;
+  std::size_t last;  // the same for one between two bins
+  double share;      // of the bin after the first
 };
 
-// The bins of each row, from the bottom; where rows are narrower than bins, the nearest one.
-std::vector<bin_range> bins_of_rows(const spectrogram_size& size) {
+// From the bottom.
+std::vector<row_source> sources_of_rows(const spectrogram_size& size) {
   constexpr double bin_hz = static_cast<double>(measures::rate_hz) / transform_samples;
-  std::vector<bin_range> rows;
+  std::vector<row_source> rows;
   for (int row = 0; row < size.height; ++row) {
     const double low = hz_of_row(row, size) / bin_hz;
     const double high = hz_of_row(row + 1, size) / bin_hz;
-    const auto nearest = static_cast<std::size_t>(0.5 * (low + high) + 0.5);
-    rows.push_back(
-        {std::min(nearest, static_cast<std::size_t>(low) + 1), std::max(nearest, static_cast<std::size_t>(high))});
+    const double middle = 0.5 * (low + high);
+    if (high - low > 1.0) {
+      rows.push_back({static_cast<std::size_t>(low) + 1, static_cast<std::size_t>(high), 0.0});
+    } else {
+      const auto before = static_cast<std::size_t>(middle);
+      rows.push_back({before, before, middle - static_cast<double>(before)});
+    }
   }
   return rows;
+}
+
+double power_in(const row_source& row, const std::vector<double>& power) {
+  if (row.first == row.last) return power[row.first] + row.share * (power[row.first + 1] - power[row.first]);
+  return *std::max_element(power.begin() + static_cast<std::ptrdiff_t>(row.first),
+                           power.begin() + static_cast<std::ptrdiff_t>(row.last) + 1);
 }
 
 // levels[row * width + column] in dB, rows from the bottom.
 std::vector<double> levels_of(measures::mono_view signal, const spectrogram_size& size) {
   measures::power_spectrum spectrum(transform_samples, span_samples);
-  const std::vector<bin_range> rows = bins_of_rows(size);
+  const std::vector<row_source> rows = sources_of_rows(size);
   const auto width = static_cast<std::size_t>(size.width);
   std::vector<double> levels(width * rows.size());
   for (std::size_t column = 0; column < width; ++column) {
     const double centre = (static_cast<double>(column) + 0.5) / size.width * static_cast<double>(signal.size());
     const auto& power = spectrum.of(signal, static_cast<int64_t>(centre) - span_samples / 2);
     for (std::size_t row = 0; row < rows.size(); ++row) {
-      double most = 0.0;
-      for (std::size_t bin = rows[row].first; bin <= rows[row].last; ++bin) most = std::max(most, power[bin]);
-      levels[row * width + column] = measures::decibels(most);
+      levels[row * width + column] = measures::decibels(power_in(rows[row], power));
     }
   }
   return levels;
