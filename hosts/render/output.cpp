@@ -63,10 +63,10 @@ std::string spool_name(const std::string& output) {
 SF_VIRTUAL_IO sound_writer::file_sound::calls() {
   SF_VIRTUAL_IO all{};
   all.get_filelen = [](void* user) -> sf_count_t {
-    partial_file& file = *static_cast<file_sound*>(user)->file;
-    const int64_t place = file.seek(0, SEEK_CUR);
-    const int64_t length = file.seek(0, SEEK_END);
-    file.seek(place, SEEK_SET);
+    partial_file& written = *static_cast<file_sound*>(user)->file;
+    const int64_t place = written.seek(0, SEEK_CUR);
+    const int64_t length = written.seek(0, SEEK_END);
+    written.seek(place, SEEK_SET);
     return length;
   };
   all.tell = [](void* user) -> sf_count_t { return static_cast<file_sound*>(user)->file->seek(0, SEEK_CUR); };
