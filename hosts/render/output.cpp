@@ -38,8 +38,8 @@ void interleave(const float* left, const float* right, int count, std::vector<fl
   }
 }
 
-// Readers of WAV files skip texts of 2048 bytes and more, and libsndfile writes headers that no one can read around
-// much longer ones.
+// Of a WAV file libsndfile doesn't read texts of more than 2045 bytes, and around those of 60 kB it writes a header
+// that nothing can read.
 std::string tag_of(const std::string& text) {
   constexpr std::size_t most = 1500;
   if (text.size() <= most) return text;
