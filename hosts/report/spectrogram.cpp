@@ -9,9 +9,8 @@
 #include <numbers>
 #include <utility>
 
-#include "hosts/effect/partial_file.h"
 #include "hosts/measures/spectrum.h"
-#include "hosts/report/png.h"
+#include "hosts/picture/picture.h"
 
 namespace {
 
@@ -81,12 +80,14 @@ uint32_t pixel_of(double level) {
   return byte(colour.red) << 16 | byte(colour.green) << 8 | byte(colour.blue);
 }
 
-png_palette shades() {
-  png_palette colours{};
-  for (std::size_t i = 0; i < colours.size(); ++i) {
-    colours[i] = pixel_of(static_cast<double>(i) / static_cast<double>(colours.size() - 1));
-  }
-  return colours;
+// The colours of 256 levels, as pixels.
+const std::vector<uint32_t>& shades() {
+  static const std::vector<uint32_t> all = [] {
+    std::vector<uint32_t> colours;
+    for (int i = 0; i < 256; ++i) colours.push_back(pixel_of(i / 255.0));
+    return colours;
+  }();
+  return all;
 }
 
 }  // namespace
@@ -147,19 +148,16 @@ std::vector<axis_mark> time_marks(double seconds) {
 }
 
 void write_spectrogram(measures::mono_view signal, const std::string& path, const spectrogram_size& size) {
-  static const png_palette colours = shades();
   const std::vector<double> levels = levels_of(signal, size);
   const double most = *std::max_element(levels.begin(), levels.end());
+  picture shown{size.width, size.height};
+  shown.pixels.reserve(levels.size());
   const auto width = static_cast<std::size_t>(size.width);
-  std::vector<uint8_t> pixels;
-  pixels.reserve(levels.size());
   for (std::size_t row = levels.size() / width; row-- > 0;) {
     for (std::size_t column = 0; column < width; ++column) {
       const double level = std::clamp(1.0 + (levels[row * width + column] - most) / range_db, 0.0, 1.0);
-      pixels.push_back(static_cast<uint8_t>(std::lround(255.0 * level)));
+      shown.pixels.push_back(shades()[static_cast<std::size_t>(std::lround(255.0 * level))]);
     }
   }
-  partial_file file("picture '" + path + "'", path);
-  file.write(png_of(size.width, pixels, colours));
-  file.finish();
+  write_png(path, shown);
 }

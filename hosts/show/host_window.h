@@ -7,7 +7,7 @@
 #include <string>
 
 #include "hosts/effect/effect_host.h"
-#include "hosts/show/picture.h"
+#include "hosts/picture/picture.h"
 
 // A window of fixed size on the default display, with the window manager's frame around it. All calls come from one
 // thread.

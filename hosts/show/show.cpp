@@ -10,11 +10,11 @@
 #include "hosts/effect/programs.h"
 #include "hosts/effect/sounds.h"
 #include "hosts/effect/text.h"
+#include "hosts/picture/picture.h"
 #include "hosts/show/host_answers.h"
 #include "hosts/show/host_window.h"
 #include "hosts/show/looped_voice.h"
 #include "hosts/show/open_editor.h"
-#include "hosts/show/picture.h"
 #include "hosts/show/player.h"
 #include "hosts/show/system.h"
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "hosts/show/picture.h"
+#include "hosts/picture/picture.h"
 
 // Opaque pixels; an empty picture when the file can't be read.
 inline picture read_png(const std::string& path) {

@@ -1,32 +1,13 @@
 // MIT License. Spectrograms as another reader of PNG files sees them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-
 #include "hosts/effect/text.h"
-#include "hosts/report/png.h"
 #include "hosts/report/spectrogram.h"
 #include "tests/hosts/measures/tones.h"
-#include "tests/words/files.h"
 #include "tests/words/png.h"
 #include "tests/words/temporary_folder.h"
 
 namespace {
-
-TEST(Png, HasTheColourOfEachPixel) {
-  const temporary_folder folder;
-  png_palette colours{};
-  for (uint32_t i = 0; i < colours.size(); ++i) colours[i] = i << 16 | (255 - i) << 8 | i / 2;
-  constexpr int width = 301;
-  std::vector<uint8_t> pixels(width * 500);  // more than one block
-  for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>(i * i >> 4);
-  write_file(folder.path("a.png"), png_of(width, pixels, colours));
-  const picture shown = read_png(folder.path("a.png"));
-  ASSERT_EQ(shown.width, width);
-  ASSERT_EQ(shown.height, 500);
-  for (std::size_t i = 0; i < pixels.size(); ++i) ASSERT_EQ(shown.pixels[i], colours[pixels[i]]) << i;
-}
 
 // Silence, then a tone: the brightest pixels are in its row and in the second half.
 TEST(Spectrogram, ShowsATonesPitchAndTime) {

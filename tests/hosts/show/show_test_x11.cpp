@@ -8,9 +8,9 @@
 #include <thread>
 
 #include "hosts/effect/effect_host.h"
+#include "hosts/picture/picture.h"
 #include "hosts/show/host_answers.h"
 #include "hosts/show/looped_voice.h"
-#include "hosts/show/picture.h"
 #include "tests/hosts/process_posix.h"
 #include "tests/hosts/show/hand.h"
 #include "tests/words/png.h"

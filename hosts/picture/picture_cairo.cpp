@@ -1,5 +1,5 @@
 // MIT License. A picture in memory, and as a PNG file.
-#include "hosts/show/picture.h"
+#include "hosts/picture/picture.h"
 
 #include <cairo.h>
 
@@ -32,7 +32,7 @@ void write_png(const std::string& path, const picture& content) {
     cairo_surface_mark_dirty(surface.get());
   }
   const cairo_status_t status = cairo_surface_write_to_png_stream(surface.get(), append, &bytes);
-  const std::string what = "screenshot '" + path + "'";
+  const std::string what = "picture '" + path + "'";
   if (status != CAIRO_STATUS_SUCCESS) throw failure(what + " cannot be made: " + cairo_status_to_string(status));
   partial_file file(what, path);
   file.write(bytes);

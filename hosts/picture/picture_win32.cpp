@@ -5,7 +5,7 @@
 
 #include "hosts/effect/partial_file.h"
 #include "hosts/effect/text.h"
-#include "hosts/show/picture.h"
+#include "hosts/picture/picture.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ std::string png_of(const picture& content) {
 }  // namespace
 
 void write_png(const std::string& path, const picture& content) {
-  const std::string what = "screenshot '" + path + "'";
+  const std::string what = "picture '" + path + "'";
   const std::string bytes = png_of(content);
   if (bytes.empty()) throw failure(what + " cannot be made");
   partial_file file(what, path);
