@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <vector>
 
 #include "hosts/effect/interruption.h"
 #include "hosts/effect/text.h"
@@ -23,10 +24,13 @@ std::string read_standard_input() {
   pass_all_bytes(stdin);
   std::string bytes;
   errno = 0;
-  for (char piece[65536]; const std::size_t count = std::fread(piece, 1, sizeof piece, stdin);) {
-    bytes.append(piece, count);
+  std::vector<char> piece(65536);
+  std::size_t count = 0;
+  do {
+    count = std::fread(piece.data(), 1, piece.size(), stdin);
+    bytes.append(piece.data(), count);
     check_interruption();
-  }
+  } while (count > 0);
   if (std::ferror(stdin) != 0) throw of_stream("standard input cannot be read: ", errno);
   return bytes;
 }

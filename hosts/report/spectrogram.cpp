@@ -81,10 +81,10 @@ uint32_t pixel_of(double level) {
 }
 
 // The colours of 256 levels, as pixels.
-const std::vector<uint32_t>& shades() {
-  static const std::vector<uint32_t> all = [] {
-    std::vector<uint32_t> colours;
-    for (int i = 0; i < 256; ++i) colours.push_back(pixel_of(i / 255.0));
+const std::array<uint32_t, 256>& shades() {
+  static const auto all = [] {
+    std::array<uint32_t, 256> colours{};
+    for (std::size_t i = 0; i < colours.size(); ++i) colours[i] = pixel_of(static_cast<double>(i) / 255.0);
     return colours;
   }();
   return all;
