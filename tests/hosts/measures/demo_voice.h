@@ -11,6 +11,7 @@
 inline std::vector<float> demo_voice() {
   const recording voice = read_recording(KESREL_RESOURCES "/demo/voice.flac");
   std::vector<float> samples = voice.samples;
-  for (float& x : samples) x *= 0.5F / peak_of(voice);
+  const float scale = 0.5F / peak_of(voice);
+  for (float& x : samples) x *= scale;
   return samples;
 }
