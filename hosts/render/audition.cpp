@@ -322,7 +322,8 @@ std::string quoted(const std::string& word) {
     return word.find_first_of(characters) != std::string::npos;
   };
   if (!word.empty() && !is_any_of(" \t\n\"'`$\\!|&;<>()[]{}*?#~%^")) return word;
-  if (!is_any_of("\"`$\\!%")) return "\"" + word + "\"";
+  // Backslashes are in Windows' paths. Only at the end they would take the quote for themselves.
+  if (!is_any_of("\"`$!%") && !word.ends_with('\\')) return "\"" + word + "\"";
   std::string result = "'";
   for (const char c : word) result += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return result + "'";

@@ -167,6 +167,8 @@ TEST(QuotedWords, AreReadAsOne) {
   EXPECT_EQ(quoted("C3,Eb3"), "C3,Eb3");
   EXPECT_EQ(quoted("Am | F"), "\"Am | F\"");
   EXPECT_EQ(quoted("it's"), "\"it's\"");
+  EXPECT_EQ(quoted("C:\\My Songs\\a.wav"), "\"C:\\My Songs\\a.wav\"");
+  EXPECT_EQ(quoted("a b\\"), "'a b\\'");
   EXPECT_EQ(quoted("$1 \"it's\""), "'$1 \"it'\\''s\"'");
   EXPECT_EQ(quoted(""), "\"\"");
 }
