@@ -34,7 +34,10 @@ std::string chord_of_the_same_name(const std::string& text, int lowest_note) {
 int key_of(const std::string& text, int lowest_note) {
   const auto index = whole_number(text);
   const auto note = index ? std::nullopt : note_of_name(text);
-  if (!index && !note) throw failure("key '" + text + "' is no key index or note name: " + possible_keys(lowest_note));
+  if (!index && !note) {
+    throw failure("key '" + text + "' is no key index or note name: " + possible_keys(lowest_note) +
+                  ", or one chord such as Am7");
+  }
   const int key = index ? *index : *note - lowest_note;
   if (key < 0 || key >= key_count) {
     throw failure("key '" + text + "' lies outside this sound's keyboard: " + possible_keys(lowest_note) +

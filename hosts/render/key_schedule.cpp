@@ -59,7 +59,7 @@ std::optional<double> time_of(const std::string& word) {
   return seconds;
 }
 
-// Words to keys, each of which may refer to the one before.
+// Turns words into keys. A word may repeat the chord before it.
 class chord_reader {
  public:
   explicit chord_reader(int lowest_note) : lowest_note_(lowest_note) {}

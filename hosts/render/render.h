@@ -31,7 +31,7 @@ struct voice_source {
 voice_source source_of_voice(const std::string& path);
 
 // Renders a voice into `options.output`. Any number of threads may do so at once.
-//   progress   is told what there is to do, and what is done
+//   progress   shows how much of the rendering is done
 //   throws     failure and interrupted, and then leaves no unfinished file
 render_report render(const render_options& options, const voice_source& source, progress_bar* progress);
 

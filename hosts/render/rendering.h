@@ -44,7 +44,7 @@ class rendering {
  public:
   //   current    the effect's program
   //   changes    of its keys
-  //   progress   is told how much there is to do, and how much is done
+  //   progress   shows how much of it is done
   // Throws failure when the output can't be written.
   rendering(const render_options& options, const program& current, channel_weights weights, const key_schedule& changes,
             voice_reader* voice, effect_host* host, progress_bar* progress);
