@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <regex>
 
 #include "tests/hosts/command.h"
 
@@ -20,12 +19,12 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// What `pattern` captures, as often as it occurs in `text`.
-std::vector<std::string> captured(const std::string& text, const std::string& pattern) {
-  const std::regex expression(pattern);
+// What is between `start` and the next `end`, as often as that occurs in `text`.
+std::vector<std::string> between(const std::string& start, const std::string& end, const std::string& text) {
   std::vector<std::string> found;
-  for (std::sregex_iterator match(text.begin(), text.end(), expression); match != std::sregex_iterator(); ++match) {
-    found.push_back((*match)[1]);
+  for (auto at = text.find(start); at != std::string::npos; at = text.find(start, at)) {
+    at += start.size();
+    found.push_back(text.substr(at, text.find(end, at) - at));
   }
   return found;
 }
@@ -41,7 +40,7 @@ class Audition : public command_fixture {
 
   // The card of number `number`.
   std::string card(int number) const {
-    const auto cards = captured(page(), "(<article[^]*?</article>)");
+    const auto cards = between("<article", "</article>", page());
     const auto found = std::ranges::find_if(cards, [number](const std::string& each) {
       return contains(each, "<h3><span>" + std::to_string(number) + "</span>");
     });
@@ -49,7 +48,7 @@ class Audition : public command_fixture {
   }
 
   void expect_complete(std::size_t cards, std::size_t frames) const {
-    const auto sources = captured(page(), "src=\"([^\"]*)\"");
+    const auto sources = between("src=\"", "\"", page());
     EXPECT_EQ(sources.size(), 2 * cards + 1) << "a player and a picture each, and the voice";
     for (const auto& source : sources) {
       ASSERT_TRUE(fs::is_regular_file(all + "/" + source)) << source;
@@ -57,7 +56,7 @@ class Audition : public command_fixture {
         EXPECT_EQ(read_recording(all + "/" + source).frames(), frames) << source;
       }
     }
-    for (const auto& target : captured(page(), "href=\"#([^\"]*)\"")) {
+    for (const auto& target : between("href=\"#", "\"", page())) {
       EXPECT_THAT(page(), HasSubstr("id=\"" + target + "\""));
     }
   }
@@ -80,11 +79,11 @@ TEST_F(Audition, OfAllSoundsEqualsTheirSingleRenderings) {
   EXPECT_THAT(found, HasSubstr("kesrel-render --sound 3 &quot;"));
   EXPECT_THAT(found, HasSubstr("C3 E3 G3"));
   // The closing line's loudness was measured while rendering.
-  const auto loudness = captured(found, "<dt>Loudness</dt><dd>−([0-9.]+) LUFS");
+  const auto loudness = between("<dt>Loudness</dt><dd>−", " LUFS", found);
   ASSERT_EQ(loudness.size(), 1U);
-  EXPECT_NEAR(std::stod(loudness[0]), std::stod(captured(line, "-([0-9.]+) LUFS").at(0)), 0.11);
+  EXPECT_NEAR(std::stod(loudness[0]), std::stod(between("dBFS, -", " LUFS", line).at(0)), 0.11);
   const double peak_db = 20.0 * std::log10(static_cast<double>(peak_of(read_recording(single))));
-  const double true_peak_db = -std::stod(captured(found, "<dt>Peak</dt><dd>−([0-9.]+) dBTP").at(0));
+  const double true_peak_db = -std::stod(between("<dt>Peak</dt><dd>−", " dBTP", found).at(0));
   EXPECT_GT(true_peak_db, peak_db - 0.06);
   EXPECT_LT(true_peak_db, peak_db + 3.0);
 }
@@ -93,7 +92,7 @@ TEST_F(Audition, AppliesTheOtherOptionsToEachProgram) {
   done({"--all-programs", all, voice, "--compensate", "--format", "wav", "--keys", "C4", "--reverb", "--float"});
   expect_complete(24, spoken.frames());
   EXPECT_EQ(read_recording(all + "/original.wav").samples[2000], spoken.samples[1000]);
-  const std::string program = captured(page(), "src=\"(05-[^\"]*wav)\"").at(0);
+  const std::string program = "05-" + between("src=\"05-", "\"", page()).at(0);
   const auto single = rendered({"--program", "5", "--compensate", "--keys", "C4", "--reverb", "--float"});
   EXPECT_TRUE(read_recording(all + "/" + program).samples == single.samples);
   EXPECT_THAT(card(5), HasSubstr("C4 · reverb"));
@@ -117,7 +116,7 @@ TEST_F(Audition, LeavesOutProgramsOfUnknownSounds) {
   ASSERT_NE(place, std::string::npos);
   write_file(bank, bytes.replace(place, 8, "somebody"));
   EXPECT_THAT(done({"--all-programs", all, voice, "--load-state", bank}), HasSubstr("index.html: 23 programs, "));
-  EXPECT_EQ(captured(page(), "(<article)").size(), 23U);
+  EXPECT_EQ(between("<article", "</article>", page()).size(), 23U);
 }
 
 TEST_F(Audition, GoesOnWhenOneFails) {
