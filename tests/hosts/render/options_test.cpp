@@ -37,6 +37,7 @@ TEST_F(Options, AreRefusedWhenTheyCannotBeApplied) {
       expect_refusal({voice, output, option, level}, std::string(option) + ": possible are -");
     }
   }
+  expect_refusal({voice, output, "--normalize", "0.5"}, "possible are -70 to 0");
   done({voice, output, "--gain", "+1.5", "--quiet"});
   expect_refusal({voice, output, "--bpm", "nan", "--chords", "Am"}, "possible are 20 to 400, not 'nan'");
   expect_refusal({voice, output, "--bpm", "96"}, "--bpm requires --chords");
