@@ -20,8 +20,8 @@ class vocoder_plugin : public DISTRHO_NAMESPACE::Plugin, private door_listener {
   void set_window(door_listener* window) { window_ = window; }
   door_listener* window() const { return window_; }
 
-  // From now on, programs are only noted, for load_held_program() to load: CLAP hosts and keyboards that play the
-  // stand-alone program choose them on the audio thread, where loading isn't allowed.
+  // From now on, programs are only noted, for load_held_program() to load: CLAP hosts, and keyboards
+  // connected to the stand-alone program, select them on the audio thread, where loading isn't allowed.
   void hold_programs() { holds_programs_ = true; }
   // Any thread. A negative number drops the program that waits.
   void hold_program(int32_t number);

@@ -21,8 +21,8 @@ struct chord {
 //   returns   empty for other texts
 std::optional<chord> chord_of_name(std::string_view name);
 
-// Where the chord lies on a keyboard whose key 0 is `lowest_note`: the root in its octave, or else in the middle one of
-// the keyboard, a bass below it, and what is beyond the keyboard's end an octave lower.
+// The keys that play the chord on a keyboard whose key 0 is `lowest_note`. The root is in the requested octave, by
+// default the middle one, and a slash bass below it. Notes off either end of the keyboard move by octaves.
 //   returns   key indices, ascending
 //   throws    failure when the octave that is asked for isn't on the keyboard
 std::vector<int> keys_of_chord(const chord& played, std::string_view name, int lowest_note);

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// The name that stands for standard input or output among files.
+// Standard input or output, where a file name is expected.
 constexpr std::string_view stream_name = "-";
 
 // Everything that comes from standard input. Throws failure when it can't be read, and interrupted.

@@ -100,7 +100,7 @@ std::string marks_of(const std::vector<axis_mark>& marks, const char* axis, cons
 }
 
 // Labels are text over the picture, so that they are as sharp as the page's own and fit any width.
-//   seconds   that the width stands for
+//   seconds   length of the time axis
 std::string picture_of(const page_card& card, double seconds) {
   if (card.picture.empty()) return "";
   char width[32];

@@ -100,7 +100,7 @@ TEST_F(Audition, AppliesTheOtherOptionsToEachProgram) {
     EXPECT_THAT(card(5), HasSubstr(words));
   }
 
-  // Once more, into the same folder: with the latency, of which the voice has its part.
+  // Again into the same folder, this time with the latency: the original is delayed as well.
   done({"--all-programs", all, voice, "--format", "wav", "--float", "--quiet"});
   const auto original = read_recording(all + "/original.wav").samples;
   EXPECT_EQ(original[2 * 1023], 0.0F);

@@ -81,7 +81,7 @@ TEST_F(Song, SoundsTheSameFromTimesFromBarsAndFromAMidiFile) {
 
 TEST_F(Song, ChangesItsKeysWithin32SamplesOfTheirTime) {
   set_variable("KESREL_ODD", "keys");
-  // Keys and their times in seconds; the first chord is none.
+  // Each key and the time in seconds at which it is pressed. Before the first, none is.
   const std::vector<std::pair<double, int>> changes = {{0.0333, 4}, {0.1, 9}, {0.12345, 30}, {0.25, 0}, {0.2515, 17}};
   std::string chords = "0:00 -";
   for (const auto& [seconds, key] : changes) {
